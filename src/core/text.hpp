@@ -1,0 +1,23 @@
+// Numbers and names as the data file writes them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace velnls {
+
+// Reads a decimal number from a field of `width` characters: blanks, tabs and line feeds, a sign, digits up to
+// the first other character. A field used up before a digit reads 0. Arithmetic wraps at 32 bits.
+std::int32_t parseNumber(const char *field, int width);
+
+// Orders two names without regard to (ASCII) letter case and trailing blanks: negative, 0 or positive.
+int compareNames(const char *a, const char *b);
+
+inline bool sameName(const char *a, const char *b) {
+    return compareNames(a, b) == 0;
+}
+
+// Copies a name into a 20-byte field: at most 19 characters and a NUL.
+void copyName(char (&field)[20], const char *name);
+
+} // namespace velnls
