@@ -3,10 +3,29 @@
 # are installed where they are built.
 include(CMakePackageConfigHelpers)
 
-set(VELNLS_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/velnls)
+# A project that takes velnls in with add_subdirectory does not want it in its own installation.
+option(VELNLS_INSTALL "Make rules that install the library" ${PROJECT_IS_TOP_LEVEL})
 
-install(TARGETS velnls velnls_static EXPORT velnls-targets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES ${PROJECT_SOURCE_DIR}/include/velnls.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(VELNLS_INSTALL)
+  install(TARGETS velnls velnls_static EXPORT velnls-targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/include/velnls.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+  # find_package(velnls) gives velnls::velnls and velnls::velnls_static.
+  set(velnls_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/velnls)
+  set(velnls_data_file ${CMAKE_INSTALL_DATADIR}/velnls/velnls.dat)
+  configure_package_config_file(cmake/velnls-config.cmake.in ${PROJECT_BINARY_DIR}/cmake/velnls-config.cmake
+    INSTALL_DESTINATION ${velnls_package_dir} PATH_VARS velnls_data_file)
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/cmake/velnls-config-version.cmake
+    VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
+  install(FILES ${PROJECT_BINARY_DIR}/cmake/velnls-config.cmake
+    ${PROJECT_BINARY_DIR}/cmake/velnls-config-version.cmake DESTINATION ${velnls_package_dir})
+  install(EXPORT velnls-targets NAMESPACE velnls:: DESTINATION ${velnls_package_dir})
+
+  # pkg-config: the prefix is written as the way back from the .pc file.
+  file(RELATIVE_PATH velnls_prefix_from_pc /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+  configure_file(cmake/velnls.pc.in ${PROJECT_BINARY_DIR}/cmake/velnls.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/cmake/velnls.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endif()
