@@ -26,6 +26,7 @@ if(VELNLS_INSTALL)
 
   # pkg-config: the prefix is written as the way back from the .pc file.
   file(RELATIVE_PATH velnls_prefix_from_pc /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+  string(REGEX REPLACE "/$" "" velnls_prefix_from_pc ${velnls_prefix_from_pc})
   configure_file(cmake/velnls.pc.in ${PROJECT_BINARY_DIR}/cmake/velnls.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/cmake/velnls.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endif()
