@@ -1,0 +1,82 @@
+// velnls_bench: the library beside glibc iconv and ICU, in one run, as a markdown table.
+//
+//   velnls_bench [--data=FILE] [--rounds=N] [--check] [ROW ...] [Google Benchmark options]
+//
+// A ROW is a regular expression over "source_to_target/language/size"; without one every row runs. With
+// --check the exit status is 1 when a row is below its floor or when outputs differ.
+#include "contestants.hpp"
+#include "reporter.hpp"
+#include "rows.hpp"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+int main(int argc, char **argv) {
+    std::string dataFile = VELNLS_BENCH_DATA;
+    std::string filter;
+    int rounds = 21;
+    bool check = false;
+    std::vector<char *> passedOn{argv[0]};
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument.rfind("--data=", 0) == 0)
+            dataFile = argument.substr(7);
+        else if (argument.rfind("--rounds=", 0) == 0)
+            rounds = std::max(1, std::atoi(argument.c_str() + 9));
+        else if (argument == "--check")
+            check = true;
+        else if (argument[0] == '-')
+            passedOn.push_back(argv[i]);
+        else
+            filter += (filter.empty() ? "" : "|") + argument;
+    }
+    if (!filter.empty()) {
+        filter = "--benchmark_filter=" + filter;
+        passedOn.push_back(filter.data());
+    }
+    if (!bench::openDataFile(dataFile)) {
+        std::fprintf(stderr, "velnls_bench: cannot open the data file %s\n", dataFile.c_str());
+        return 2;
+    }
+
+    for (const bench::Row &row : bench::rows())
+        for (const bench::Size size : {bench::Size::shortStrings, bench::Size::lines, bench::Size::buffer}) {
+            const std::string name = std::string(row.source) + "_to_" + row.target + "/" + row.language +
+                                     "/" + bench::nameOf(size);
+            benchmark::RegisterBenchmark(name.c_str(),
+                                         [&row, size, name, rounds](benchmark::State &state) {
+                                             // The rounds are inside: contestants must alternate, which
+                                             // separate benchmarks cannot do.
+                                             const bench::Result result = bench::measure(row, size, rounds);
+                                             const double floor =
+                                                 size == bench::Size::buffer ? row.floorBuffer
+                                                 : size == bench::Size::shortStrings
+                                                     ? row.floorShort
+                                                     : std::min(row.floorShort, row.floorBuffer);
+                                             bench::measured()[name] = {result, floor};
+                                             for (auto iteration : state) {
+                                                 (void)iteration;
+                                                 state.SetIterationTime(result.seconds);
+                                             }
+                                             state.SetBytesProcessed(static_cast<std::int64_t>(result.bytes));
+                                             state.counters["ratio"] = result.ratio.median;
+                                             state.counters["lowest"] = result.ratio.lowest;
+                                             state.counters["highest"] = result.ratio.highest;
+                                         })
+                ->UseManualTime()
+                ->Iterations(1);
+        }
+
+    int count = static_cast<int>(passedOn.size());
+    benchmark::Initialize(&count, passedOn.data());
+    if (benchmark::ReportUnrecognizedArguments(count, passedOn.data()))
+        return 2;
+    bench::TableReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return check && reporter.failures() > 0 ? 1 : 0;
+}
