@@ -16,6 +16,10 @@ struct [[gnu::packed]] ConverterHeader {
 };
 static_assert(sizeof(ConverterHeader) == 8);
 
+// Proofs.
+inline constexpr std::uint32_t kWholeByteMap = 0x0001; // kind 1: the body holds all 256 bytes
+inline constexpr std::int32_t kByteMapSize = 256;
+
 // Bits of the kind word that are no part of the kind.
 inline constexpr std::int32_t kVariantBits = 0x780;
 inline constexpr std::int32_t kSwapSource = 0x080; // source units are byte-swapped

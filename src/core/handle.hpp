@@ -1,4 +1,5 @@
-// The structs that live at the front of lent memory: object header, handle, arena descriptor, directory entry.
+// The structs that live at the front of lent memory: object header, handle, arena descriptor, directory
+// entry.
 //
 // Lent memory may start at any address, so everything here is packed: the compiler then assumes no alignment.
 // The layouts are the natural ones all the same; the assertions say so.

@@ -45,6 +45,14 @@ int compareNames(const char *a, const char *b) {
     return onlyBlanks(a) ? 0 : 1;
 }
 
+bool hasPrefix(const char *name, const char *prefix) {
+    while (*prefix != '\0' && upper(*name) == upper(*prefix)) {
+        ++name;
+        ++prefix;
+    }
+    return *prefix == '\0';
+}
+
 void copyName(char (&field)[20], const char *name) {
     std::size_t length = 0;
     while (length < sizeof field - 1 && name[length] != '\0') {

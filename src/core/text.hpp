@@ -6,8 +6,8 @@
 
 namespace velnls {
 
-// Reads a decimal number from a field of `width` characters: blanks, tabs and line feeds, a sign, digits up to
-// the first other character. A field used up before a digit reads 0. Arithmetic wraps at 32 bits.
+// Reads a decimal number from a field of `width` characters: blanks, tabs and line feeds, a sign, digits up
+// to the first other character. A field used up before a digit reads 0. Arithmetic wraps at 32 bits.
 std::int32_t parseNumber(const char *field, int width);
 
 // Orders two names without regard to (ASCII) letter case and trailing blanks: negative, 0 or positive.
@@ -16,6 +16,9 @@ int compareNames(const char *a, const char *b);
 inline bool sameName(const char *a, const char *b) {
     return compareNames(a, b) == 0;
 }
+
+// Whether a name begins with `prefix`, without regard to (ASCII) letter case.
+bool hasPrefix(const char *name, const char *prefix);
 
 // Copies a name into a 20-byte field: at most 19 characters and a NUL.
 void copyName(char (&field)[20], const char *name);

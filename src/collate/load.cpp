@@ -1,0 +1,138 @@
+#include "collate/load.hpp"
+
+#include "collate/record_list.hpp"
+#include "convert/build.hpp"
+#include "convert/converter.hpp"
+#include "core/arena.hpp"
+#include "core/collation_names.hpp"
+#include "core/data_file.hpp"
+#include "core/file_layout.hpp"
+#include "core/text.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace velnls {
+
+namespace {
+
+constexpr char kBasicText[] = "BASIC"; // with its NUL, at the start of both table areas
+
+bool readsBasic(const file::Collation &record) {
+    return std::memcmp(record.caseSensitive, kBasicText, sizeof kBasicText) == 0 &&
+           std::memcmp(record.caseInsensitive, kBasicText, sizeof kBasicText) == 0;
+}
+
+// The record of an "ICU-" collation. No ICU is bound in this version, so the collator never opens: the record
+// is made and listed as unusable, and the load fails.
+nlsStatus loadIcuCollation(nlsHandle &handle, const char *charSetName, const char *collationName,
+                           Collation *&out) {
+    Collation *record = nullptr;
+    if (const nlsStatus status = allocate(handle, sizeof *record, 1, record); status != NLS_OK)
+        return status;
+    record->kind = kUnusable;
+    copyName(record->charSetName, charSetName);
+    copyName(record->name, collationName);
+    pushCollation(*record);
+    out = record;
+    return NLS_E_NOMEM;
+}
+
+nlsStatus loadEntry(nlsHandle &handle, Entry &entry, Collation *&out) {
+    if (entry.table != nullptr) {
+        out = static_cast<Collation *>(const_cast<void *>(entry.table));
+        return NLS_OK;
+    }
+    file::Collation raw;
+    if (!readAt(handle, entry.offset, &raw, sizeof raw))
+        return NLS_E_TABLE;
+    if (raw.kind == file::kBasic && !readsBasic(raw))
+        return NLS_E_NOSORT;
+    if (raw.kind == file::kSortExit) // no sort exit can be loaded in this version
+        return NLS_E_NOSORT;
+    Collation *record = nullptr;
+    if (const nlsStatus status = allocate(handle, sizeof *record, 1, record); status != NLS_OK)
+        return status;
+    record->count = parseNumber(raw.count, sizeof raw.count);
+    const auto copied = static_cast<std::size_t>(std::clamp<std::int32_t>(record->count, 0, 256));
+    std::memcpy(record->caseSensitive, raw.caseSensitive, copied);
+    std::memcpy(record->caseInsensitive, raw.caseInsensitive, copied);
+    record->kind = raw.kind;
+    record->variant = raw.variant;
+    copyName(record->charSetName, entry.name);
+    copyName(record->name, entry.name2);
+    entry.table = record;
+    pushCollation(*record);
+    out = record;
+    return NLS_OK;
+}
+
+// Moves each weight of a page to the byte that the character has in another page.
+void moveWeights(std::uint8_t (&weights)[256], const std::uint8_t *map) {
+    std::uint8_t old[256];
+    std::memcpy(old, weights, sizeof old);
+    for (unsigned byte = 0; byte < 256; ++byte)
+        weights[map[byte]] = old[byte];
+}
+
+// The first collation of that name whose page has a single-byte conversion, marked for it, into this page.
+Entry *findLender(const nlsHandle &handle, const char *charSetName, const char *collationName) {
+    for (Entry &lender : directoryOf(handle)) {
+        if (lender.kind != file::kCollation || !sameName(lender.name2, collationName))
+            continue;
+        for (const Entry &way : directoryOf(handle)) {
+            if (way.kind == file::kConversion && way.format == file::kBorrowFormat &&
+                sameName(way.name, lender.name) && sameName(way.name2, charSetName))
+                return &lender;
+        }
+    }
+    return nullptr;
+}
+
+// A borrowed record is made anew on each request: no directory entry keeps it.
+nlsStatus borrowCollation(nlsHandle &handle, const char *charSetName, const char *collationName,
+                          Collation *&out) {
+    Entry *const lender = findLender(handle, charSetName, collationName);
+    if (lender == nullptr)
+        return NLS_E_NOCOLLATION;
+    Collation *lent = nullptr;
+    if (loadEntry(handle, *lender, lent) != NLS_OK)
+        return NLS_E_NOCOLLATION;
+    Collation *record = nullptr;
+    if (const nlsStatus status = allocate(handle, sizeof *record, 1, record); status != NLS_OK)
+        return status;
+    std::memcpy(record->caseSensitive, lent->caseSensitive, sizeof record->caseSensitive);
+    std::memcpy(record->caseInsensitive, lent->caseInsensitive, sizeof record->caseInsensitive);
+    record->count = lent->count;
+    record->kind = lent->kind;
+    record->variant = lent->variant;
+    copyName(record->charSetName, charSetName);
+    copyName(record->name, collationName);
+
+    const void *converter = nullptr;
+    if (buildConverter(handle, lender->name, charSetName, 0, converter) != NLS_OK)
+        return NLS_E_NOCOLLATION;
+    if (const std::uint8_t *const map = byteMapOf(converter); map != nullptr) {
+        moveWeights(record->caseSensitive, map);
+        moveWeights(record->caseInsensitive, map);
+    }
+    pushCollation(*record);
+    out = record;
+    return NLS_OK;
+}
+
+} // namespace
+
+nlsStatus loadCollation(nlsHandle &handle, const CharTable &charTable, const char *charSetName,
+                        const char *collationName, Collation *&out) {
+    if (std::strncmp(collationName, kIcuPrefix.data(), kIcuPrefix.size()) == 0)
+        return loadIcuCollation(handle, charSetName, collationName, out);
+    if (Entry *const entry = findEntry(handle, file::kCollation, charSetName, collationName);
+        entry != nullptr)
+        return loadEntry(handle, *entry, out);
+    if (!charTable.has(file::kBorrowsCollation))
+        return NLS_E_NOCOLLATION;
+    return borrowCollation(handle, charSetName, collationName, out);
+}
+
+} // namespace velnls

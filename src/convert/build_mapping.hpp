@@ -1,0 +1,22 @@
+// Construction of page mappings (kinds 17, 81, 89 and, for the way back, 18 and 50).
+#pragma once
+
+#include "convert/converter.hpp"
+#include "core/handle.hpp"
+
+namespace velnls {
+
+// Builds the table for source to target and stores a copy for target to source, so that one file table serves
+// both: 0, or 1, 8 (an entry is missing), 21 (short read).
+nlsStatus buildMapping(nlsHandle &handle, const char *source, const char *target, std::int32_t type,
+                       const void *&out);
+
+// Whether a converter's body is a MappingBody.
+bool isMapping(const void *converter);
+
+// Stores a copy of a body, with the header that the entry's format byte states, as the table of a pair: 0, 1,
+// or 8 (no such entry).
+nlsStatus storeTable(nlsHandle &handle, const char *source, const char *target, const void *body,
+                     std::int32_t size);
+
+} // namespace velnls

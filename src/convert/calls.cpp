@@ -1,0 +1,98 @@
+// The five conversion calls.
+#include "convert/engine.hpp"
+#include "locale/checks.hpp"
+
+using namespace velnls;
+
+namespace {
+
+std::uint8_t *bytes(char *text) {
+    return reinterpret_cast<std::uint8_t *>(text);
+}
+
+// Bytes of the terminator behind a converter's output; a chain's is that of its second step.
+std::uint32_t terminatorWidth(const void *converter) {
+    std::int32_t kind = kindOf(converter);
+    while (kind == kChain) {
+        converter = static_cast<const ChainBody *>(converter)->second;
+        kind = kindOf(converter);
+    }
+    switch (kind) {
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+    case kUtf32ToUtf16:
+    case kPageToUtf16:
+        return 2;
+    case kUtf8ToUtf32:
+    case kUtf16ToUtf32:
+        return 4;
+    default:
+        return 1;
+    }
+}
+
+} // namespace
+
+nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr *intermediate,
+                        nlsStr *destination) {
+    if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
+        return status;
+    if (source == nullptr || destination == nullptr)
+        return NLS_E_NULLARG;
+    const void *const converter = conversion->converter;
+    const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
+    const nlsStatus status =
+        convert({bytes(destination->buffer), destination->size, bytes(source->buffer),
+                 static_cast<std::int32_t>(source->length), chained ? bytes(intermediate->buffer) : nullptr,
+                 chained ? intermediate->size : 0, converter, &destination->length, false});
+    const std::uint32_t width = terminatorWidth(converter);
+    if (std::uint64_t{destination->length} + width > destination->size)
+        return NLS_E_BUFFER;
+    for (std::uint32_t i = 0; i < width; ++i)
+        destination->buffer[destination->length + i] = '\0';
+    return status;
+}
+
+nlsStatus nlsConvertNLSCheck(nlsConversion *conversion, const nlsStr *source, nlsStr *destination) {
+    if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
+        return status;
+    if (source == nullptr || destination == nullptr || source == destination)
+        return NLS_E_NULLARG;
+    const nlsStatus status = convert({bytes(destination->buffer), destination->size, bytes(source->buffer),
+                                      static_cast<std::int32_t>(source->length + 1), nullptr, 0,
+                                      conversion->converter, &destination->length, true});
+    const std::uint32_t length = destination->length;
+    if (length != 0 && length <= destination->size && destination->buffer[length - 1] == '\0')
+        destination->length = length - 1;
+    return status;
+}
+
+nlsStatus nlsConvertLChar(nlsConversion *conversion, uint32_t character, uint32_t *result) {
+    if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
+        return status;
+    if (result == nullptr)
+        return NLS_E_NULLARG;
+    return convertCharacter(conversion->converter, character, *result);
+}
+
+nlsStatus nlsConvertFromUCS2(nlsConversion *conversion, const void *source, uint32_t length,
+                             nlsStr *destination) {
+    if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
+        return status;
+    if (source == nullptr || destination == nullptr)
+        return NLS_E_NULLARG;
+    return convert({bytes(destination->buffer), destination->size, static_cast<const std::uint8_t *>(source),
+                    static_cast<std::int32_t>(length), nullptr, 0, conversion->converter,
+                    &destination->length, false});
+}
+
+nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *source, uint32_t capacity,
+                           void *destination, uint32_t *written) {
+    if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
+        return status;
+    if (source == nullptr || destination == nullptr || written == nullptr)
+        return NLS_E_NULLARG;
+    return convert({static_cast<std::uint8_t *>(destination), capacity, bytes(source->buffer),
+                    static_cast<std::int32_t>(source->length + 1), nullptr, 0, conversion->converter, written,
+                    false});
+}

@@ -1,0 +1,258 @@
+#include "convert/engine.hpp"
+
+#include "convert/build.hpp"
+#include "convert/kernels/kernels.hpp"
+#include "convert/kernels/unicode_units.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace velnls {
+
+namespace {
+
+// A capacity beyond the signed range leaves no room, as its signed comparison says.
+std::int32_t signedCapacity(std::uint32_t capacity) {
+    return std::max(static_cast<std::int32_t>(capacity), 0);
+}
+
+// Fills what fits and reports the rest; never reports a change.
+nlsStatus copyIdentity(const Request &request) {
+    const std::int32_t capacity = signedCapacity(request.capacity);
+    const std::int32_t length = std::max(request.sourceLength, 0);
+    const std::int32_t copied = std::min(capacity, length);
+    if (copied > 0)
+        std::memmove(request.destination, request.source, static_cast<std::size_t>(copied));
+    *request.written = static_cast<std::uint32_t>(copied);
+    return copied < length ? NLS_E_BUFFER : NLS_OK;
+}
+
+// All or nothing, unlike the plain copy.
+nlsStatus convertByteMap(const Request &request, Source &source, Target &target) {
+    if (target.room() < source.left()) {
+        *request.written = 0;
+        return NLS_E_BUFFER;
+    }
+    const std::uint8_t *const map = byteMapOf(request.converter);
+    std::uint8_t changed = 0;
+    if (map != nullptr && !request.check) {
+        mapBytes(map, source, target);
+    } else {
+        while (source.at < source.end) {
+            const std::uint8_t byte = *source.at++;
+            const std::uint8_t mapped = map == nullptr ? byte : map[byte];
+            changed |= byte ^ mapped;
+            *target.at++ = mapped;
+        }
+    }
+    return changed != 0 ? NLS_R_CHANGED : NLS_OK;
+}
+
+nlsStatus convertChain(const Request &request) {
+    if (request.intermediate == nullptr || request.intermediateCapacity == 0)
+        return NLS_E_NULLARG;
+    const auto &chain = *static_cast<const ChainBody *>(request.converter);
+    Request step = request;
+    step.converter = chain.first;
+    step.destination = request.intermediate;
+    step.capacity = request.intermediateCapacity;
+    step.intermediate = nullptr;
+    step.intermediateCapacity = 0;
+    step.check = false;
+    const nlsStatus first = convert(step);
+    if (first != NLS_OK && first != NLS_R_SUBSTITUTED)
+        return first;
+    step.converter = chain.second;
+    step.destination = request.destination;
+    step.capacity = request.capacity;
+    step.source = request.intermediate;
+    step.sourceLength = static_cast<std::int32_t>(*request.written);
+    return convert(step);
+}
+
+bool readsUtf8(std::int32_t kind) {
+    switch (kind) {
+    case kUtf8ToPage:
+    case kUtf8ToByte:
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+    case kUtf8ToUtf32:
+    case kUtf8ToBytePage:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Kinds whose check mode compares the output with the source.
+bool comparesInCheckMode(std::int32_t kind) {
+    switch (kind) {
+    case kShiftJisToEuc:
+    case kEucToShiftJis:
+    case kChain:
+    case kByteToUtf8:
+    case kUtf8ToByte:
+    case kByteToUtf8Wide:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isUnicodeForm(std::int32_t kind) {
+    return kind >= kUcs2ToUtf8 && kind <= kUtf32ToUtf16;
+}
+
+// Whole units only: an odd capacity never lets half a unit through.
+std::ptrdiff_t wholeUnits(std::int32_t kind, std::ptrdiff_t bytes) {
+    switch (kind) {
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+    case kUtf32ToUtf16:
+        return bytes & ~std::ptrdiff_t{1};
+    case kUtf8ToUtf32:
+    case kUtf16ToUtf32:
+        return bytes & ~std::ptrdiff_t{3};
+    default:
+        return bytes;
+    }
+}
+
+template <typename Body>
+const Body &bodyOf(const void *converter) {
+    return *static_cast<const Body *>(converter);
+}
+
+// Runs the kernel of a kind. False for a kind that has none.
+bool runKernel(std::int32_t kind, const void *converter, Source &source, Target &target, nlsStatus &status) {
+    const std::int32_t word = kindWord(converter);
+    switch (kind) {
+    case kShiftJisToEuc:
+        status = shiftJisToEuc(source, target);
+        return true;
+    case kEucToShiftJis:
+        status = eucToShiftJis(source, target);
+        return true;
+    case kPageToUtf8:
+    case kPageToUtf8Wide:
+    case kPageToUtf8Widest:
+        status = pageToUtf8(bodyOf<MappingBody>(converter), source, target);
+        return true;
+    case kUtf8ToPage:
+    case kUtf8ToBytePage:
+        status = utf8ToPage(bodyOf<MappingBody>(converter), source, target);
+        return true;
+    case kByteToUtf8:
+    case kByteToUtf8Wide:
+        status = byteToUtf8(bodyOf<ByteToUtf8Body>(converter), source, target);
+        return true;
+    case kUtf8ToByte:
+        status = utf8ToByte(bodyOf<Utf8ToByteBody>(converter), source, target);
+        return true;
+    case kUcs2ToUtf8:
+    case kUtf16ToUtf8:
+        status = utf16ToUtf8(source, target, sourceOrder(word));
+        return true;
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+        status = utf8ToUtf16(source, target, targetOrder(word));
+        return true;
+    case kUtf32ToUtf8:
+        status = utf32ToUtf8(source, target, sourceOrder(word));
+        return true;
+    case kUtf8ToUtf32:
+        status = utf8ToUtf32(source, target, targetOrder(word));
+        return true;
+    case kUtf16ToUtf32:
+        status = utf16ToUtf32(source, target, sourceOrder(word), targetOrder(word));
+        return true;
+    case kUtf32ToUtf16:
+        status = utf32ToUtf16(source, target, sourceOrder(word), targetOrder(word));
+        return true;
+    case kPageToUtf16:
+        status = pageToUtf16(*bodyOf<Utf8LegBody>(converter).mapping, source, target, targetOrder(word));
+        return true;
+    case kUtf16ToPage:
+        status = utf16ToPage(*bodyOf<Utf8LegBody>(converter).mapping, source, target, sourceOrder(word));
+        return true;
+    default:
+        return false;
+    }
+}
+
+// As strncmp over the bytes written, but never behind the source's own end.
+bool sameText(const Request &request) {
+    const auto length = static_cast<std::uint32_t>(std::max(request.sourceLength, 0));
+    for (std::uint32_t i = 0; i < *request.written; ++i) {
+        if (i >= length || request.destination[i] != request.source[i])
+            return false;
+        if (request.source[i] == 0)
+            return true;
+    }
+    return true;
+}
+
+nlsStatus checked(const Request &request, std::int32_t kind, nlsStatus status) {
+    const bool substitutesPass = kind == kChain || !(comparesInCheckMode(kind) || isUnicodeForm(kind));
+    if (status != NLS_OK && !(status == NLS_R_SUBSTITUTED && substitutesPass))
+        return status;
+    const bool changed = comparesInCheckMode(kind) ? !sameText(request) : *request.written != 0;
+    return changed ? NLS_R_CHANGED : status;
+}
+
+} // namespace
+
+nlsStatus convert(const Request &request) {
+    const std::int32_t kind = kindOf(request.converter);
+    if (request.converter == nullptr)
+        return copyIdentity(request);
+    if (readsUtf8(kind) && request.sourceLength > 0 && (*request.source & 0xC0) == 0x80)
+        return NLS_E_NULLARG;
+    if (request.check && comparesInCheckMode(kind) && request.source == request.destination)
+        return NLS_E_NULLARG;
+
+    Source source{request.source, request.source + std::max(request.sourceLength, 0)};
+    Target target{request.destination, request.destination + signedCapacity(request.capacity)};
+    nlsStatus status = NLS_OK;
+    if (kind == kChain) {
+        status = convertChain(request);
+    } else if (kind == kByteMap) {
+        status = convertByteMap(request, source, target);
+        if (status != NLS_E_BUFFER)
+            *request.written = static_cast<std::uint32_t>(target.at - request.destination);
+        return status;
+    } else if (runKernel(kind, request.converter, source, target, status)) {
+        *request.written = static_cast<std::uint32_t>(wholeUnits(kind, target.at - request.destination));
+    } else {
+        if (target.room() > 0)
+            *target.at = 0;
+        return NLS_OK;
+    }
+    return request.check ? checked(request, kind, status) : status;
+}
+
+nlsStatus convertCharacter(const void *converter, std::uint32_t character, std::uint32_t &result) {
+    if (converter == nullptr) {
+        result = character;
+        return NLS_OK;
+    }
+    // Four bytes of text with zeros behind them, since decoders may look one byte further.
+    std::uint8_t buffer[8] = {};
+    const std::int32_t length = character < 0x100       ? 1
+                                : character < 0x10000   ? 2
+                                : character < 0x1000000 ? 3
+                                                        : 4;
+    for (std::int32_t i = 0; i < length; ++i)
+        buffer[i] = static_cast<std::uint8_t>(character >> 8 * (length - 1 - i));
+    std::uint32_t written = 0;
+    const nlsStatus status = convert({buffer, 4, buffer, length, nullptr, 0, converter, &written, false});
+    if (written == 0 || written > 4)
+        return NLS_E_NULLARG;
+    const std::uint32_t counted = kindOf(converter) == kUtf8ToUtf32 ? 1 : written;
+    result = 0;
+    for (std::uint32_t i = 0; i < counted; ++i)
+        result = result << 8 | buffer[i];
+    return status;
+}
+
+} // namespace velnls

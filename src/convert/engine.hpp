@@ -1,0 +1,26 @@
+// The one routine through which every conversion passes.
+#pragma once
+
+#include "convert/converter.hpp"
+
+namespace velnls {
+
+struct Request {
+    std::uint8_t *destination;
+    std::uint32_t capacity;
+    const std::uint8_t *source;
+    std::int32_t sourceLength;  // bytes, of UTF-16 and UTF-32 too
+    std::uint8_t *intermediate; // for a chain's first step; null: none
+    std::uint32_t intermediateCapacity;
+    const void *converter;  // null: plain copy
+    std::uint32_t *written; // left alone where nothing is converted
+    bool check;             // report NLS_R_CHANGED when the text changes
+};
+
+// 0, 2, 16, 33, NLS_R_CHANGED (check mode), NLS_R_SUBSTITUTED.
+nlsStatus convert(const Request &request);
+
+// One character value, its bytes packed big-endian, into another.
+nlsStatus convertCharacter(const void *converter, std::uint32_t character, std::uint32_t &result);
+
+} // namespace velnls

@@ -1,0 +1,20 @@
+// The two look-ups of a mapping: code to Unicode value and back, through three code range blocks.
+//
+// Nothing in a data file is trusted here: every index is held against the size of its table.
+#pragma once
+
+#include "convert/converter.hpp"
+
+#include <cstdint>
+
+namespace velnls {
+
+inline constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+// The Unicode value of a code of the page, or kNone.
+std::uint32_t unicodeOfCode(const MappingBody &body, std::uint16_t code);
+
+// The code of a Unicode value in the page, or kNone.
+std::uint32_t codeOfUnicode(const MappingBody &body, std::uint32_t value);
+
+} // namespace velnls

@@ -1,0 +1,38 @@
+// The first checks of every export that takes a locale or a conversion.
+#pragma once
+
+#include "convert/converter.hpp"
+#include "core/objects.hpp"
+#include "locale/locale.hpp"
+
+namespace velnls {
+
+// The handle that an object of any type belongs to.
+inline const nlsHandle *ownerOf(const ObjectHeader &object) {
+    switch (object.type) {
+    case kHandleObject:
+        return reinterpret_cast<const nlsHandle *>(&object);
+    case kConversionObject:
+        return reinterpret_cast<const nlsConversion *>(&object)->source->handle;
+    default:
+        return reinterpret_cast<const nlsLocale *>(&object)->handle;
+    }
+}
+
+// 0, 13 (null, or of a closed handle) or 24.
+inline nlsStatus checkLocale(const nlsLocale *locale) {
+    if (locale == nullptr || !isLive(ownerOf(locale->header)))
+        return NLS_E_HANDLE;
+    return locale->header.type == kLocaleObject ? NLS_OK : NLS_E_NOTLOCALE;
+}
+
+// 0, 13 (null, or a locale of a closed handle) or 26.
+inline nlsStatus checkConversion(const nlsConversion *conversion) {
+    if (conversion == nullptr || !isLive(ownerOf(conversion->header)))
+        return NLS_E_HANDLE;
+    if (conversion->header.type != kConversionObject)
+        return NLS_E_NOTCONV;
+    return isLive(conversion->target->handle) ? NLS_OK : NLS_E_HANDLE;
+}
+
+} // namespace velnls

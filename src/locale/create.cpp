@@ -1,0 +1,115 @@
+#include "locale/create.hpp"
+
+#include "collate/load.hpp"
+#include "convert/create.hpp"
+#include "core/arena.hpp"
+#include "core/file_layout.hpp"
+#include "core/objects.hpp"
+#include "core/text.hpp"
+#include "locale/load.hpp"
+
+namespace velnls {
+
+namespace {
+
+constexpr char kDefaultCollation[] = "basic";
+constexpr char kShiftJis[] = "shift-jis";
+
+// The collation name that an existing locale must carry to be shared; empty for none.
+const char *collationLookedFor(const char *collationName) {
+    if (collationName == NLS_NO_COLLATION)
+        return "";
+    return collationName == nullptr || *collationName == '\0' ? kDefaultCollation : collationName;
+}
+
+// The collation name that a new locale gets. An empty name is looked for as "basic" but creates a locale
+// without collation, on purpose.
+const char *collationCreated(const char *collationName) {
+    if (collationName == NLS_NO_COLLATION)
+        return "";
+    return collationName == nullptr ? kDefaultCollation : collationName;
+}
+
+bool carriesName(const char *field, const char *wanted) {
+    return *wanted == '\0' ? *field == '\0' : sameName(field, wanted);
+}
+
+nlsLocale *findLocale(const nlsHandle &handle, const char *codePageName, const char *collation,
+                      const char *caseTable) {
+    for (ObjectHeader *object = handle.newest; object != nullptr; object = object->next) {
+        if (object->type != kLocaleObject)
+            continue;
+        auto *const locale = reinterpret_cast<nlsLocale *>(object);
+        if (sameName(locale->codePageName, codePageName) && carriesName(locale->collationName, collation) &&
+            carriesName(locale->caseTableName, caseTable))
+            return locale;
+    }
+    return nullptr;
+}
+
+nlsStatus loadTables(nlsHandle &handle, nlsLocale &locale) {
+    const CharTable *charTable = nullptr;
+    if (const nlsStatus status = loadCharTable(handle, locale.codePageName, charTable); status != NLS_OK)
+        return status;
+    locale.charTable = charTable;
+    if (locale.collationName[0] != '\0') {
+        Collation *collation = nullptr;
+        const nlsStatus status =
+            loadCollation(handle, *charTable, locale.codePageName, locale.collationName, collation);
+        if (status != NLS_OK)
+            return status;
+        locale.collation = collation;
+    }
+    if (locale.caseTableName[0] != '\0') {
+        const void *caseTable = nullptr;
+        const nlsStatus status = loadCaseTable(handle, locale.codePageName, locale.caseTableName, caseTable);
+        if (status != NLS_OK)
+            return status;
+        locale.caseTable = caseTable;
+    }
+    return NLS_OK;
+}
+
+// A code page that collates through Shift-JIS needs that locale and a conversion to it on the list.
+nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale) {
+    nlsLocale *companion = &locale;
+    if (!sameName(locale.codePageName, kShiftJis)) {
+        const nlsStatus status =
+            createLocale(handle, kShiftJis, locale.collationName, locale.caseTableName, companion);
+        if (status != NLS_OK)
+            return status;
+    }
+    nlsConversion *conversion = nullptr;
+    return createConversion(handle, locale, *companion, conversion);
+}
+
+} // namespace
+
+nlsStatus createLocale(nlsHandle &handle, const char *codePageName, const char *collationName,
+                       const char *caseTableName, nlsLocale *&out) {
+    out = findLocale(handle, codePageName, collationLookedFor(collationName),
+                     caseTableName == nullptr ? "" : caseTableName);
+    if (out != nullptr)
+        return NLS_OK;
+
+    BusyScope busy(handle);
+    if (!busy.held())
+        return NLS_E_BUSY;
+    nlsLocale *locale = nullptr;
+    if (const nlsStatus status = allocate(handle, sizeof *locale, 8, locale); status != NLS_OK)
+        return status;
+    copyName(locale->codePageName, codePageName);
+    copyName(locale->collationName, collationCreated(collationName));
+    copyName(locale->caseTableName, caseTableName == nullptr ? "" : caseTableName);
+    if (const nlsStatus status = loadTables(handle, *locale); status != NLS_OK)
+        return status;
+    locale->handle = &handle;
+    pushObject(handle, locale->header, kLocaleObject);
+    out = locale;
+    if (!locale->charTable->has(file::kThroughShiftJis))
+        return NLS_OK;
+    busy.release();
+    return createCompanion(handle, *locale);
+}
+
+} // namespace velnls

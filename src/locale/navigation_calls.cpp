@@ -1,0 +1,150 @@
+// nlsGetNextChar, nlsGetPrevChar, nlsCharToLChar, nlsLCharToChar, nlsGetCharProperty.
+#include "locale/checks.hpp"
+#include "locale/walk.hpp"
+
+using namespace velnls;
+
+namespace {
+
+constexpr std::uint32_t kQuestionMark = '?';
+constexpr nlsStatus kOtherCharacter = static_cast<nlsStatus>(-1);
+constexpr nlsStatus kDigit = static_cast<nlsStatus>(-2);
+
+// Packed characters that are not single bytes: two bytes up to 0xFFFE, or the UTF-8 forms of three bytes.
+constexpr std::uint32_t kLowestThreeBytes = 0xE08080;
+constexpr std::uint32_t kHighestThreeBytes = 0xF4BFC0;
+
+const std::uint8_t *bytes(const char *text) {
+    return reinterpret_cast<const std::uint8_t *>(text);
+}
+
+// Results point into the caller's text, which the caller may write to.
+char *text(const std::uint8_t *at) {
+    return reinterpret_cast<char *>(const_cast<std::uint8_t *>(at));
+}
+
+nlsStatus endOr0(const std::uint8_t *at) {
+    return *at == 0 ? NLS_E_END : NLS_OK;
+}
+
+} // namespace
+
+nlsStatus nlsGetNextChar(nlsLocale *locale, const char *p, char **next) {
+    if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
+        return status;
+    if (p == nullptr || next == nullptr)
+        return NLS_E_NULLARG;
+    if (locale->charTable == nullptr) {
+        *next = nullptr;
+        return NLS_E_NOCHARTAB;
+    }
+    const std::uint8_t *at = bytes(p);
+    if (*at != 0)
+        at = nextCharacter(*locale->charTable, at);
+    *next = text(at);
+    return endOr0(at);
+}
+
+nlsStatus nlsGetPrevChar(nlsLocale *locale, const char *p, const char *start, char **prev) {
+    if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
+        return status;
+    if (p == nullptr || start == nullptr || prev == nullptr)
+        return NLS_E_NULLARG;
+    if (locale->charTable == nullptr) {
+        *prev = nullptr;
+        return NLS_E_NOCHARTAB;
+    }
+    if (p <= start) {
+        *prev = text(bytes(start));
+        return NLS_E_END;
+    }
+    *prev = text(previousCharacter(*locale->charTable, bytes(p), bytes(start)));
+    return NLS_OK;
+}
+
+nlsStatus nlsGetCharProperty(nlsLocale *locale, const char *ch, int32_t classValue, uint32_t *value) {
+    if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
+        return status;
+    if (ch == nullptr || value == nullptr)
+        return NLS_E_NULLARG;
+    if (locale->charTable == nullptr)
+        return NLS_E_NOCHARTAB;
+    const CharTable &table = *locale->charTable;
+    const std::uint8_t byte = *bytes(ch);
+    if (table.classes[byte] != static_cast<std::uint8_t>(classValue)) {
+        *value = static_cast<std::uint32_t>(classValue) + 1;
+        return kOtherCharacter;
+    }
+    if (table.trailCount(byte) != 0) {
+        *value = table.trailCount(byte) + 1;
+        return kOtherCharacter;
+    }
+    if (byte >= '0' && byte <= '9') {
+        *value = byte & 15u;
+        return kDigit;
+    }
+    *value = byte;
+    return NLS_OK;
+}
+
+nlsStatus nlsCharToLChar(nlsLocale *locale, char **pp, uint32_t *lchar) {
+    if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
+        return status;
+    if (pp == nullptr || *pp == nullptr || lchar == nullptr)
+        return NLS_E_NULLARG;
+    *lchar = 0;
+    if (locale->charTable == nullptr)
+        return NLS_E_NOCHARTAB;
+    const std::uint8_t *at = bytes(*pp);
+    if (*at == 0)
+        return NLS_E_END;
+    const unsigned trails = locale->charTable->trailCount(*at);
+    const std::uint8_t *const next = nextCharacter(*locale->charTable, at);
+    if (trails > kCheckedTrails) {
+        *lchar = kQuestionMark;
+    } else {
+        for (; at != next; ++at)
+            *lchar = *lchar << 8 | *at;
+    }
+    *pp = text(next);
+    return endOr0(next);
+}
+
+nlsStatus nlsLCharToChar(nlsLocale *locale, uint32_t lchar, char **pp, uint16_t *length) {
+    if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
+        return status;
+    if (pp == nullptr || *pp == nullptr || length == nullptr)
+        return NLS_E_NULLARG;
+    if (locale->charTable == nullptr)
+        return NLS_E_NOCHARTAB;
+    const CharTable &table = *locale->charTable;
+    char *const out = *pp;
+    *length = 0;
+    if (lchar < 256) {
+        if (lchar >= 128 && table.has(file::kUtf8))
+            return NLS_E_BADCHAR;
+        out[0] = static_cast<char>(lchar);
+        *length = 1;
+        *pp = out + 1;
+        return NLS_OK;
+    }
+    if (lchar >= 0xFFFF && (lchar < kLowestThreeBytes || lchar > kHighestThreeBytes))
+        return NLS_E_BADCHAR;
+    if (!table.has(file::kMultibyte | file::kUtf8))
+        return NLS_E_BADCHAR;
+
+    // Written before the checks that follow: callers find the bytes there even when they are refused.
+    const std::uint16_t count = lchar > 0xFFFF ? 3 : 2;
+    for (unsigned i = 0; i < count; ++i)
+        out[i] = static_cast<char>(lchar >> 8 * (count - 1 - i));
+    const std::uint8_t *const written = bytes(out);
+    if (table.trailCount(written[0]) + 1 != count)
+        return NLS_E_BADCHAR;
+    *length = count;
+    for (unsigned i = 1; i < count; ++i) {
+        if (table.trailValid[written[i]] == 0)
+            return NLS_E_BADCHAR;
+    }
+    *pp = out + count;
+    return NLS_OK;
+}
