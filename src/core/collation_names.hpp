@@ -24,9 +24,10 @@ constexpr bool forEachIcuCollation(Visit visit) {
     std::string_view rest = kIcuCollationNames;
     while (!rest.empty()) {
         const std::size_t comma = rest.find(',');
-        if (!visit(rest.substr(0, comma)))
+        const bool last = comma == std::string_view::npos;
+        if (!visit(std::string_view(rest.data(), last ? rest.size() : comma)))
             return false;
-        rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
+        rest.remove_prefix(last ? rest.size() : comma + 1);
     }
     return true;
 }
