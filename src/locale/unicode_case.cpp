@@ -2,8 +2,6 @@
 
 namespace velnls {
 
-const std::uint16_t kZeroCasePage[512] = {};
-
 std::uint32_t utf8Number(std::uint16_t unit) {
     if (unit < 0x80)
         return unit;

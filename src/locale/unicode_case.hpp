@@ -28,7 +28,7 @@ constexpr unsigned caseHalf(unsigned page) {
 
 // The page of all characters without another case; a constant, so that no table outlives the memory of
 // another.
-extern const std::uint16_t kZeroCasePage[512];
+inline constexpr std::uint16_t kZeroCasePage[512] = {};
 inline constexpr std::int32_t kZeroCasePageSize = 1024;
 static_assert(sizeof kZeroCasePage == kZeroCasePageSize);
 
