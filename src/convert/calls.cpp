@@ -10,6 +10,11 @@ std::uint8_t *bytes(char *text) {
     return reinterpret_cast<std::uint8_t *>(text);
 }
 
+// Whether a record has the buffer that it needs: an empty source may do without.
+bool lacksBuffer(const nlsStr &string) {
+    return string.buffer == nullptr && string.length != 0;
+}
+
 // Bytes of the terminator behind a converter's output; a chain's is that of its second step.
 std::uint32_t terminatorWidth(const void *converter) {
     std::int32_t kind = kindOf(converter);
@@ -37,7 +42,7 @@ nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr 
                         nlsStr *destination) {
     if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
         return status;
-    if (source == nullptr || destination == nullptr)
+    if (source == nullptr || destination == nullptr || lacksBuffer(*source) || destination->buffer == nullptr)
         return NLS_E_NULLARG;
     const void *const converter = conversion->converter;
     const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
@@ -56,7 +61,8 @@ nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr 
 nlsStatus nlsConvertNLSCheck(nlsConversion *conversion, const nlsStr *source, nlsStr *destination) {
     if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
         return status;
-    if (source == nullptr || destination == nullptr || source == destination)
+    if (source == nullptr || destination == nullptr || source == destination || source->buffer == nullptr ||
+        destination->buffer == nullptr)
         return NLS_E_NULLARG;
     const nlsStatus status = convert({bytes(destination->buffer), destination->size, bytes(source->buffer),
                                       static_cast<std::int32_t>(source->length + 1), nullptr, 0,
@@ -79,7 +85,7 @@ nlsStatus nlsConvertFromUCS2(nlsConversion *conversion, const void *source, uint
                              nlsStr *destination) {
     if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
         return status;
-    if (source == nullptr || destination == nullptr)
+    if (source == nullptr || destination == nullptr || destination->buffer == nullptr)
         return NLS_E_NULLARG;
     return convert({bytes(destination->buffer), destination->size, static_cast<const std::uint8_t *>(source),
                     static_cast<std::int32_t>(length), nullptr, 0, conversion->converter,
@@ -90,7 +96,7 @@ nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *source, uint
                            void *destination, uint32_t *written) {
     if (const nlsStatus status = checkConversion(conversion); status != NLS_OK)
         return status;
-    if (source == nullptr || destination == nullptr || written == nullptr)
+    if (source == nullptr || source->buffer == nullptr || destination == nullptr || written == nullptr)
         return NLS_E_NULLARG;
     return convert({static_cast<std::uint8_t *>(destination), capacity, bytes(source->buffer),
                     static_cast<std::int32_t>(source->length + 1), nullptr, 0, conversion->converter, written,
