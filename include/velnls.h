@@ -134,14 +134,13 @@ typedef struct nlsConversion nlsConversion; /* opaque */
  * the older block is not used any more, and a call that failed starts again in the new block, so a block
  * must hold the largest single table on its own.
  *
- *   First block     at least 25000 bytes. Needed before anything else: 120 bytes and 64 bytes per directory
- *   entry
- *                   (velnls.dat: lend 128 KB or more; velnls-small.dat opens in 25000 bytes).
+ *   First block     at least 25000 bytes. 120 of them and 64 for each entry of the directory are needed
+ *                   before anything else: lend 128 KB or more for velnls.dat; velnls-small.dat opens in
+ *                   25000 bytes.
  *   Further blocks  at least 76000 bytes; 128 KB where CP936, CP949, CP950, CP950-HKSCS or CP1361 is
- *   converted. Alignment       none is required; blocks that start on a multiple of 8 lose no bytes to
- *   padding. Contents        a block is set to zero when it is lent. The library writes to nothing else in
- *   it later than
- *                   what it carves.
+ *                   converted.
+ *   Alignment       none is required; blocks that start on a multiple of 8 lose no bytes to padding.
+ *   Contents        a block is set to zero when it is lent.
  *   Lifetime        a block must stay where it is, and stay unchanged, until nlsClose has returned 0. After
  *                   that, the caller frees or reuses all of them; the library frees nothing.
  *
@@ -802,8 +801,8 @@ NLS_API nlsStatus nlsCreateConversion(nlsHandle *handle, nlsLocale *source, nlsL
  *   UTF-32 to UTF-8 (25), UTF-8 to UTF-32 (26)               -     4
  *   UTF-16 to UTF-32 (27), UTF-32 to UTF-16 (28)             2, -  4
  *   page to UTF-16 (29), UTF-16 to page (30)                 2, -  4, 2
- *   chain (7)                                                the product of both steps; that of the second
- *   step
+ *   chain (7)                                                the two steps' product; the second step's
+ *   value
  *
  * For every converter, also where 17 has no value (-), a destination of 4 times the source's bytes and 4
  * more is large enough for the output and its terminator; so is 17 times the source's bytes and 4 more
@@ -851,7 +850,8 @@ NLS_API nlsStatus nlsGetStrConversionProperty(nlsConversion *conversion, int32_t
  *                 velnls command, to find such text. Surrogates out of pair become "?" on the way to UTF-8,
  *                 with 16 from UTF-16 and 33 from UTF-32, the output complete; between UTF-16 and UTF-32
  *                 they pass unchanged. Values above U+10FFFF become U+FFFD in UTF-16 and in UTF-32 from
- *                 UTF-8. A unit cut by the end of UTF-16 or UTF-32 input ends the input.
+ *                 UTF-8; from UTF-32 to UTF-8 they are written in four or five bytes, from 0x4000000 up as
+ *                 FF BD. A unit cut by the end of UTF-16 or UTF-32 input ends the input.
  *   Small buffer  2: what fitted is written and counted, whole characters only. Three differ: byte to byte
  *   tables write
  *                 nothing; the page to UTF-8 converters by bytes (kinds 19, 51) fill the rest with blanks
