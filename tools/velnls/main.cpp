@@ -1,0 +1,120 @@
+// The command line: options, help, and the last place where failures are caught.
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <system_error>
+
+#include "commands.hpp"
+#include "output.hpp"
+
+namespace {
+
+using namespace velnls::tool;
+
+constexpr char kConvertFooter[] =
+    "Text is converted as it stands: a byte order mark is a character like any other.\n"
+    "Pairs that the data file does not list go through UTF-8.\n"
+    "\n"
+    "Exit codes:\n"
+    "  0  everything was converted, or --lossy accepted what was not\n"
+    "  1  characters were substituted, or left out by -c; the output is complete\n"
+    "  2  usage, files, unknown code page, broken data file\n"
+    "  3  malformed input; the message names file, line, column and bytes\n"
+    "\n"
+    "Examples:\n"
+    "  velnls convert -f SHIFT-JIS -t UTF-8 letter.txt -o letter.utf8\n"
+    "  zcat dump.sql.gz | velnls convert -f 1251 | less\n"
+    "  velnls convert -t 1252 --lossy notes.txt > notes.1252\n"
+    "  velnls convert -f UTF-16 -o table.csv table.csv      (in place)\n";
+
+constexpr char kListFooter[] = "Without a word all groups are listed, each line as GROUP<TAB>NAME.\n"
+                               "\n"
+                               "Examples:\n"
+                               "  velnls list charsets\n"
+                               "  velnls list conversions | grep '^SHIFT-JIS '\n"
+                               "  velnls list | cut -f1 | uniq -c\n";
+
+constexpr char kInfoFooter[] =
+    "One-way codes are codes whose character turns into another code on the way back.\n"
+    "\n"
+    "Examples:\n"
+    "  velnls info SHIFT-JIS\n"
+    "  velnls info 1252 --data site.dat\n";
+
+constexpr char kMainFooter[] = "Examples:\n"
+                               "  velnls convert -f SHIFT-JIS -t UTF-8 letter.txt\n"
+                               "  velnls list charsets\n"
+                               "  velnls info CP949\n"
+                               "  velnls convert --help\n";
+
+int run(int argc, char **argv) {
+    CLI::App app("Converts text between code pages, and tells about them.", "velnls");
+    app.footer(kMainFooter);
+    app.set_version_flag("--version", std::string("velnls ") + VELNLS_VERSION);
+    app.require_subcommand(1);
+    // Every command takes its tables from the built-in data file unless it is told another.
+    const auto addData = [](CLI::App *command, std::string &path) {
+        command->add_option("--data", path, "Take the tables from this data file, not from the built-in one")
+            ->type_name("FILE");
+    };
+
+    ConvertOptions convert;
+    CLI::App *convertCommand = app.add_subcommand("convert", "Convert text from one code page to another");
+    convertCommand->footer(kConvertFooter);
+    convertCommand
+        ->add_option("-f,--from-code", convert.from, "Code page of the input (UTF-8 when not given)")
+        ->type_name("PAGE");
+    convertCommand->add_option("-t,--to-code", convert.to, "Code page of the output (UTF-8 when not given)")
+        ->type_name("PAGE");
+    convertCommand
+        ->add_option("-o,--output", convert.output,
+                     "Write to this file, which is replaced once all is converted")
+        ->type_name("FILE");
+    convertCommand->add_flag("-c", convert.drop, "Leave out what cannot be converted");
+    convertCommand->add_flag("-l,--list", convert.list, "List the code pages");
+    convertCommand->add_flag("--lossy", convert.lossy,
+                             "Accept losses: substitute malformed input too, and exit with 0");
+    addData(convertCommand, convert.data);
+    convertCommand->add_option("FILES", convert.files,
+                               "Input files, one after the other; - is standard input");
+
+    ListOptions list;
+    CLI::App *listCommand = app.add_subcommand("list", "List the names of the data file, one a line");
+    listCommand->footer(kListFooter);
+    listCommand->add_option("GROUP", list.group, "charsets, case, collations or conversions")
+        ->check(CLI::IsMember({"charsets", "case", "collations", "conversions"}));
+    addData(listCommand, list.data);
+
+    InfoOptions info;
+    CLI::App *infoCommand =
+        app.add_subcommand("info", "Tell about a code page: bytes, source, codes, tables");
+    infoCommand->footer(kInfoFooter);
+    infoCommand->add_option("PAGE", info.page, "Code page")->required();
+    addData(infoCommand, info.data);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        // Asking for help or the version is no error.
+        return app.exit(error) == 0 ? kExitDone : kExitFailed;
+    }
+    if (convertCommand->parsed()) {
+        return runConvert(convert);
+    }
+    return listCommand->parsed() ? runList(list) : runInfo(info);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    try {
+        return run(argc, argv);
+    } catch (const BrokenPipe &) {
+        return kExitFailed;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "velnls: %s\n", error.what());
+        return kExitFailed;
+    }
+}
