@@ -880,7 +880,7 @@ NLS_API nlsStatus nlsGetStrConversionProperty(nlsConversion *conversion, int32_t
  * Returns:
  *   13  'conversion' is null or the handle of one of its locales closed
  *   26  'conversion' is not a conversion
- *   16  'source', 'destination' or one of their buffers is null
+ *   16  'source', 'destination' or one of their buffers is null (an empty source needs no buffer)
  *   16  a chain without intermediate buffer, or with one of size 0
  *   2   the output and its terminator do not fit: what fitted stands and the length counts it. A terminator
  *       follows only where there is room for it. This is reported before the results below
