@@ -1,0 +1,16 @@
+# The installed command turns each example text into its UTF-8 form, byte for byte.
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
+
+file(MAKE_DIRECTORY ${WORK})
+set(texts ${SOURCE}/examples/text)
+foreach(text "openings sjis SHIFT-JIS" "moment koi8r KOI8-R" "erlkoenig 1252 1252" "litwo mazovia MAZOVIA")
+  separate_arguments(parts UNIX_COMMAND ${text})
+  list(GET parts 0 name)
+  list(GET parts 1 ending)
+  list(GET parts 2 page)
+  set(result ${WORK}/${name}.txt)
+  run(${PREFIX}/bin/velnls convert -f ${page} -t UTF-8 -o ${result} ${texts}/${name}.${ending}.txt)
+  run(${CMAKE_COMMAND} -E compare_files ${result} ${texts}/${name}.utf8.txt)
+  run(${PREFIX}/bin/velnls convert -f UTF-8 -t ${page} -o ${result} ${texts}/${name}.utf8.txt)
+  run(${CMAKE_COMMAND} -E compare_files ${result} ${texts}/${name}.${ending}.txt)
+endforeach()
