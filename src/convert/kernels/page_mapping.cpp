@@ -77,12 +77,14 @@ nlsStatus pageToUtf8(const MappingBody &body, Source &source, Target &target) {
 }
 
 nlsStatus pageToUtf16(const MappingBody &body, Source &source, Target &target, Order order) {
-    nlsStatus status = NLS_OK;
-    while (source.at < source.end) {
-        if (!writeUtf16(target, readPageCharacter(body, source, status), order))
-            return NLS_E_BUFFER;
-    }
-    return status;
+    return writeOrdered<std::uint16_t>(target, order, [&] {
+        nlsStatus status = NLS_OK;
+        while (source.at < source.end) {
+            if (!writeUtf16(target, readPageCharacter(body, source, status), Order::Native))
+                return NLS_E_BUFFER;
+        }
+        return status;
+    });
 }
 
 nlsStatus utf8ToPage(const MappingBody &body, Source &source, Target &target) {

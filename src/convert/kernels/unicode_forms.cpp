@@ -33,44 +33,53 @@ nlsStatus utf32ToUtf8(Source &source, Target &target, Order sourceOrder) {
 }
 
 nlsStatus utf8ToUtf16(Source &source, Target &target, Order targetOrder) {
-    while (source.at < source.end) {
-        std::uint32_t value = 0;
-        if (!readUtf8(source, value))
-            return NLS_E_NULLARG;
-        if (!writeUtf16(target, value, targetOrder))
-            return NLS_E_BUFFER;
-    }
-    return NLS_OK;
+    return writeOrdered<std::uint16_t>(target, targetOrder, [&] {
+        while (source.at < source.end) {
+            std::uint32_t value = 0;
+            if (!readUtf8(source, value))
+                return NLS_E_NULLARG;
+            if (!writeUtf16(target, value, Order::Native))
+                return NLS_E_BUFFER;
+        }
+        return NLS_OK;
+    });
 }
 
 nlsStatus utf8ToUtf32(Source &source, Target &target, Order targetOrder) {
-    while (source.at < source.end) {
-        std::uint32_t value = 0;
-        if (!readUtf8(source, value))
-            return NLS_E_NULLARG;
-        if (!writeUnit<std::uint32_t>(target, value > kLastCodePoint ? kReplacement : value, targetOrder))
-            return NLS_E_BUFFER;
-    }
-    return NLS_OK;
+    return writeOrdered<std::uint32_t>(target, targetOrder, [&] {
+        while (source.at < source.end) {
+            std::uint32_t value = 0;
+            if (!readUtf8(source, value))
+                return NLS_E_NULLARG;
+            if (!writeUnit<std::uint32_t>(target, value > kLastCodePoint ? kReplacement : value,
+                                          Order::Native))
+                return NLS_E_BUFFER;
+        }
+        return NLS_OK;
+    });
 }
 
 nlsStatus utf16ToUtf32(Source &source, Target &target, Order sourceOrder, Order targetOrder) {
-    while (hasUnit<std::uint16_t>(source)) {
-        const std::uint32_t value = readPairOrUnit<std::uint16_t>(source, sourceOrder);
-        if (!writeUnit<std::uint32_t>(target, value, targetOrder))
-            return NLS_E_BUFFER;
-    }
-    return NLS_OK;
+    return writeOrdered<std::uint32_t>(target, targetOrder, [&] {
+        while (hasUnit<std::uint16_t>(source)) {
+            const std::uint32_t value = readPairOrUnit<std::uint16_t>(source, sourceOrder);
+            if (!writeUnit<std::uint32_t>(target, value, Order::Native))
+                return NLS_E_BUFFER;
+        }
+        return NLS_OK;
+    });
 }
 
 nlsStatus utf32ToUtf16(Source &source, Target &target, Order sourceOrder, Order targetOrder) {
-    while (hasUnit<std::uint32_t>(source)) {
-        if (target.room() < 2) // before the unit is read
-            return NLS_E_BUFFER;
-        if (!writeUtf16(target, readUnit<std::uint32_t>(source, sourceOrder), targetOrder))
-            return NLS_E_BUFFER;
-    }
-    return NLS_OK;
+    return writeOrdered<std::uint16_t>(target, targetOrder, [&] {
+        while (hasUnit<std::uint32_t>(source)) {
+            if (target.room() < 2) // before the unit is read
+                return NLS_E_BUFFER;
+            if (!writeUtf16(target, readUnit<std::uint32_t>(source, sourceOrder), Order::Native))
+                return NLS_E_BUFFER;
+        }
+        return NLS_OK;
+    });
 }
 
 } // namespace velnls

@@ -160,4 +160,17 @@ inline bool writeUtf16(Target &target, std::uint32_t value, Order order) {
     return true;
 }
 
+// Runs `write`, which writes units in native order, and then swaps them where the target's byte order asks
+// for it: when all is written, so that a source that lies in the same memory is read as it was left.
+template <typename Unit, typename Write>
+nlsStatus writeOrdered(Target &target, Order order, Write write) {
+    std::uint8_t *at = target.at;
+    const nlsStatus status = write();
+    if (order == Order::Swapped) {
+        for (; target.at - at >= static_cast<std::ptrdiff_t>(sizeof(Unit)); at += sizeof(Unit))
+            storeUnit<Unit>(at, loadUnit<Unit>(at, Order::Swapped), Order::Native);
+    }
+    return status;
+}
+
 } // namespace velnls
