@@ -18,7 +18,7 @@ if(NOT count EQUAL 10)
   message(SEND_ERROR "the example has ${count} lines")
 endif()
 
-string(REGEX REPLACE "(^|\n)    " "\\1" shown "${example}")
+string(REPLACE "\n    " "\n" shown "\n${example}")
 string(FIND "${readme}" "${shown}" place)
 if(place LESS 0)
   message(SEND_ERROR "README.md does not show:\n${shown}")
