@@ -42,7 +42,10 @@ void Progress::update(std::uint64_t bytes) {
     }
     shown_ = time;
     visible_ = true;
-    show_("\r" + line(bytes, std::chrono::duration<double>(time - start_).count()) + "\033[K");
+    std::string drawn("\r");
+    drawn += line(bytes, std::chrono::duration<double>(time - start_).count());
+    drawn += "\033[K"; // clears what a longer line left
+    show_(drawn);
 }
 
 void Progress::clear() {

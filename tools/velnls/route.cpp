@@ -51,7 +51,8 @@ bool Route::convert(const unsigned char *text, std::size_t size, ByteBuffer &out
     return runThroughUtf8(text, size, out);
 }
 
-bool Route::run(nlsConversion *conversion, const unsigned char *text, std::size_t size, ByteBuffer &out) {
+nlsStatus Route::attempt(nlsConversion *conversion, const unsigned char *text, std::size_t size,
+                         ByteBuffer &out) {
     const std::size_t room = size * kLargestExpansion + kSpare;
     // The source is only read, but a counted string has no constant form.
     const nlsStr source = {const_cast<char *>(reinterpret_cast<const char *>(text)),
@@ -60,10 +61,16 @@ bool Route::run(nlsConversion *conversion, const unsigned char *text, std::size_
     nlsStr intermediate = {chain_.room(room), static_cast<std::uint32_t>(room), 0};
     nlsStr destination = {out.room(room), static_cast<std::uint32_t>(room), 0};
     const nlsStatus status = nlsConvertNLS(conversion, &source, &intermediate, &destination);
+    out.resize(out.size() + destination.length);
+    return status;
+}
+
+// True when the library tells of a substitution.
+bool Route::run(nlsConversion *conversion, const unsigned char *text, std::size_t size, ByteBuffer &out) {
+    const nlsStatus status = attempt(conversion, text, size, out);
     if (status != NLS_OK && status != NLS_R_SUBSTITUTED) {
         throw StatusError("converting from " + source_.name + " to " + target_.name, status);
     }
-    out.resize(out.size() + destination.length);
     return status == NLS_R_SUBSTITUTED;
 }
 
@@ -104,8 +111,8 @@ void Route::compareCodes(const std::vector<unsigned char> &codes, std::size_t co
     const auto differs = [&](const unsigned char *text, std::size_t size) {
         direct.resize(0);
         reference.resize(0);
-        run(direct_, text, size, direct);
-        return runThroughUtf8(text, size, reference) ||
+        // A direct conversion may even refuse codes that it reads as something else than characters.
+        return attempt(direct_, text, size, direct) != NLS_OK || runThroughUtf8(text, size, reference) ||
                !std::equal(direct.data(), direct.data() + direct.size(), reference.data(),
                            reference.data() + reference.size());
     };

@@ -73,6 +73,8 @@ public:
     }
 
 private:
+    nlsStatus attempt(nlsConversion *conversion, const unsigned char *text, std::size_t size,
+                      ByteBuffer &out);
     bool run(nlsConversion *conversion, const unsigned char *text, std::size_t size, ByteBuffer &out);
     bool runThroughUtf8(const unsigned char *text, std::size_t size, ByteBuffer &out);
     void findSilentCodes();

@@ -1,0 +1,181 @@
+// Files of convert: what happens to inputs and outputs that cannot be used, and when an output appears.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "process.hpp"
+
+namespace velnls::tool {
+namespace {
+
+TEST(OutputFile, HoldsTheResultAndNothingGoesToStandardOutput) {
+    const Folder folder;
+    const Result result = runTool({"convert", "-f", "1252", "-o", folder.path("out")}, "\xE9");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(readFile(folder.path("out")), "\xC3\xA9");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"out"});
+}
+
+TEST(OutputFile, MayBeTheInputFile) {
+    const Folder folder;
+    const std::string file = folder.write("text", repeat("\xE9", 600000));
+    EXPECT_EQ(runTool({"convert", "-f", "1252", "-o", file, file}).exitCode, 0);
+    EXPECT_EQ(readFile(file), repeat("\xC3\xA9", 600000));
+}
+
+TEST(OutputFile, KeepsItsModeWhenReplaced) {
+    const Folder folder;
+    const std::string file = folder.write("text", "old");
+    ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
+    EXPECT_EQ(runTool({"convert", "-o", file}, "new").exitCode, 0);
+    struct stat facts = {};
+    ASSERT_EQ(::stat(file.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0640u);
+}
+
+TEST(OutputFile, NewOneHasTheModeOfTheMask) {
+    const Folder folder;
+    const std::string file = folder.path("out");
+    EXPECT_EQ(runShell("umask 027; \"$VELNLS\" convert -o '" + file + "' </dev/null").exitCode, 0);
+    struct stat facts = {};
+    ASSERT_EQ(::stat(file.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0640u);
+}
+
+TEST(OutputFile, BehindASymbolicLinkIsReplacedAndTheLinkStays) {
+    const Folder folder;
+    const std::string file = folder.write("text", "old");
+    std::filesystem::create_symlink("text", folder.path("link"));
+    EXPECT_EQ(runTool({"convert", "-o", folder.path("link")}, "new").exitCode, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link")));
+    EXPECT_EQ(readFile(file), "new");
+}
+
+TEST(OutputFile, StaysAsItWasWhenInputIsMalformed) {
+    const Folder folder;
+    const std::string file = folder.write("out", "old");
+    EXPECT_EQ(runTool({"convert", "-o", file}, "new\xFF").exitCode, 3);
+    EXPECT_EQ(readFile(file), "old");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"out"});
+}
+
+TEST(OutputFile, IsNotMadeWhenInputIsMalformed) {
+    const Folder folder;
+    EXPECT_EQ(runTool({"convert", "-o", folder.path("out")}, "new\xFF").exitCode, 3);
+    EXPECT_EQ(folder.names(), std::vector<std::string>{});
+}
+
+TEST(OutputFile, IsKeptWhenCharactersWereSubstituted) {
+    const Folder folder;
+    EXPECT_EQ(runTool({"convert", "-t", "1252", "-o", folder.path("out")}, "\xD0\x96").exitCode, 1);
+    EXPECT_EQ(readFile(folder.path("out")), "?");
+}
+
+TEST(OutputFile, MayBeADevice) {
+    EXPECT_EQ(runTool({"convert", "-o", "/dev/null"}, "text").exitCode, 0);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST(OutputFile, MayBeAPipe) {
+    const Folder folder;
+    const Result result =
+        runShell("mkfifo '" + folder.path("pipe") + "'; cat '" + folder.path("pipe") +
+                 "' & printf text | \"$VELNLS\" convert -o '" + folder.path("pipe") + "'; wait");
+    EXPECT_EQ(result.out, "text");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"pipe"});
+}
+
+TEST(OutputFile, InAMissingFolderHasExitCode2) {
+    const Folder folder;
+    const std::string file = folder.path("missing/out");
+    const Result result = runTool({"convert", "-o", file}, "text");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err, "velnls: " + file + ": No such file or directory\n");
+}
+
+TEST(OutputFile, ThatIsAFolderHasExitCode2) {
+    const Folder folder;
+    const Result result = runTool({"convert", "-o", folder.path("")}, "text");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err, "velnls: " + folder.path("") + ": Is a directory\n");
+}
+
+TEST(OutputFile, OnAFullDeviceHasExitCode2) {
+    const Result result = runTool({"convert", "-o", "/dev/full"}, "text");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err, "velnls: /dev/full: No space left on device\n");
+}
+
+TEST(OutputFile, IsRemovedWhenTheProgramIsInterrupted) {
+    const Folder folder;
+    const Result result = runShell("(printf text; sleep 5) | \"$VELNLS\" convert -o '" + folder.path("out") +
+                                   "' & sleep 0.5; ls '" + folder.path("") +
+                                   "' | wc -l | tr -d ' '; kill -TERM $!; wait $!; echo $?");
+    EXPECT_EQ(result.out, "1\n143\n");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{});
+}
+
+TEST(StandardOutput, OnAFullDeviceHasExitCode2) {
+    const Result result = runShell("printf text | \"$VELNLS\" convert > /dev/full");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err, "velnls: standard output: No space left on device\n");
+    EXPECT_EQ(runShell("\"$VELNLS\" list > /dev/full").exitCode, 2);
+}
+
+TEST(StandardOutput, ThatIsTheInputFileIsRefused) {
+    const Folder folder;
+    const std::string file = folder.write("text", "text");
+    const Result result = runShell("\"$VELNLS\" convert '" + file + "' >> '" + file + "'");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err, "velnls: " + file + ": is the output file too\n");
+    EXPECT_EQ(readFile(file), "text");
+}
+
+TEST(StandardOutput, ThatNobodyReadsEndsTheProgramQuietly) {
+    const Folder folder;
+    const std::string file = folder.write("text", repeat("some text\n", 1000000));
+    const Result result = runShell("\"$VELNLS\" convert '" + file + "' | head -n 1");
+    EXPECT_EQ(result.out, "some text\n");
+    EXPECT_EQ(result.err, "");
+}
+
+// Programs that start others often switch the signal off.
+TEST(StandardOutput, ThatNobodyReadsEndsTheProgramQuietlyWithoutTheSignalToo) {
+    const Folder folder;
+    const std::string file = folder.write("text", repeat("some text\n", 1000000));
+    const Result result =
+        runShell("trap '' PIPE; (\"$VELNLS\" convert '" + file + "'; echo \"exit $?\" >&2) | head -n 1");
+    EXPECT_EQ(result.out, "some text\n");
+    EXPECT_EQ(result.err, "exit 2\n");
+}
+
+TEST(InputFile, MissingHasExitCode2AndNothingIsWritten) {
+    const Folder folder;
+    const std::string good = folder.write("good", "text");
+    const std::string missing = folder.path("missing");
+    const Result result = runTool({"convert", good, missing});
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "velnls: " + missing + ": No such file or directory\n");
+}
+
+TEST(InputFile, ThatIsAFolderHasExitCode2) {
+    const Result result = runTool({"convert", "/"});
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err, "velnls: /: Is a directory\n");
+}
+
+// Constant memory: the address space allowed is far smaller than the input.
+TEST(Memory, DoesNotGrowWithTheInput) {
+    const Result result =
+        runShell("ulimit -v 60000; yes 'some text, some more' | head -c 200000000 | \"$VELNLS\" "
+                 "convert -f 1252 -t UTF-16 | wc -c | tr -d ' '");
+    EXPECT_EQ(result.out, "400000000\n");
+    EXPECT_EQ(result.err, "");
+}
+
+} // namespace
+} // namespace velnls::tool
