@@ -1,5 +1,6 @@
 #include "convert/build_mapping.hpp"
 
+#include "convert/kernels/proofs.hpp"
 #include "core/arena.hpp"
 #include "core/data_file.hpp"
 #include "locale/load.hpp"
@@ -78,7 +79,7 @@ bool isMapping(const void *converter) {
 }
 
 nlsStatus storeTable(nlsHandle &handle, const char *source, const char *target, const void *body,
-                     std::int32_t size) {
+                     std::int32_t size, std::uint32_t proofs) {
     Entry *const entry = findEntry(handle, file::kConversion, source, target);
     if (entry == nullptr)
         return NLS_E_ICU;
@@ -87,6 +88,7 @@ nlsStatus storeTable(nlsHandle &handle, const char *source, const char *target, 
     if (const nlsStatus status = allocate(handle, whole, 8, header); status != NLS_OK)
         return status;
     header->type = entry->format;
+    header->proofs = proofs;
     std::memcpy(header + 1, body, static_cast<std::size_t>(size));
     entry->table = header + 1;
     return NLS_OK;
@@ -112,8 +114,9 @@ nlsStatus buildMapping(nlsHandle &handle, const char *source, const char *target
     if (loadCharTable(handle, page, charTable) != NLS_OK)
         return NLS_E_NOMEM;
     built.charTable = charTable;
+    header->proofs = proveMapping(built);
     std::memcpy(header + 1, &built, sizeof built);
-    if (const nlsStatus status = storeTable(handle, target, source, header + 1, sizeof built);
+    if (const nlsStatus status = storeTable(handle, target, source, header + 1, sizeof built, header->proofs);
         status != NLS_OK)
         return status;
     out = header + 1;

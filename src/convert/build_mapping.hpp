@@ -14,9 +14,9 @@ nlsStatus buildMapping(nlsHandle &handle, const char *source, const char *target
 // Whether a converter's body is a MappingBody.
 bool isMapping(const void *converter);
 
-// Stores a copy of a body, with the header that the entry's format byte states, as the table of a pair: 0, 1,
-// or 8 (no such entry).
+// Stores a copy of a body, with the header that the entry's format byte states and these proofs, as the table
+// of a pair: 0, 1, or 8 (no such entry).
 nlsStatus storeTable(nlsHandle &handle, const char *source, const char *target, const void *body,
-                     std::int32_t size);
+                     std::int32_t size, std::uint32_t proofs);
 
 } // namespace velnls

@@ -1,6 +1,7 @@
 #include "convert/engine.hpp"
 
 #include "convert/build.hpp"
+#include "convert/kernels/fast.hpp"
 #include "convert/kernels/kernels.hpp"
 #include "convert/kernels/unicode_units.hpp"
 
@@ -27,6 +28,11 @@ nlsStatus copyIdentity(const Request &request) {
     return copied < length ? NLS_E_BUFFER : NLS_OK;
 }
 
+// The fast kernels read blocks before they write: they need a target that does not lie on the source.
+bool areApart(const Source &source, const Target &target) {
+    return source.end <= target.at || target.end <= source.at;
+}
+
 // All or nothing, unlike the plain copy.
 nlsStatus convertByteMap(const Request &request, Source &source, Target &target) {
     if (target.room() < source.left()) {
@@ -36,7 +42,10 @@ nlsStatus convertByteMap(const Request &request, Source &source, Target &target)
     const std::uint8_t *const map = byteMapOf(request.converter);
     std::uint8_t changed = 0;
     if (map != nullptr && !request.check) {
-        mapBytes(map, source, target);
+        if (areApart(source, target))
+            fast::mapBytes(map, source, target);
+        else
+            mapBytes(map, source, target);
     } else {
         while (source.at < source.end) {
             const std::uint8_t byte = *source.at++;
@@ -123,8 +132,60 @@ const Body &bodyOf(const void *converter) {
     return *static_cast<const Body *>(converter);
 }
 
-// Runs the kernel of a kind. False for a kind that has none.
-bool runKernel(std::int32_t kind, const void *converter, Source &source, Target &target, nlsStatus &status) {
+// Runs the fast kernel of a kind, where there is one and nothing forbids it.
+bool runFastKernel(std::int32_t kind, const void *converter, Source &source, Target &target,
+                   nlsStatus &status) {
+    const ConverterHeader &header = headerOf(converter);
+    if (!areApart(source, target) || (header.type & (kSwapSource | kSwapTarget)) != 0)
+        return false;
+    switch (kind) {
+    case kShiftJisToEuc:
+        status = fast::shiftJisToEuc(source, target);
+        return true;
+    case kEucToShiftJis:
+        status = fast::eucToShiftJis(source, target);
+        return true;
+    case kPageToUtf8:
+    case kPageToUtf8Wide:
+    case kPageToUtf8Widest:
+        if (!fast::canMap(header.proofs))
+            return false;
+        status = fast::pageToUtf8(bodyOf<MappingBody>(converter), header.proofs, source, target);
+        return true;
+    case kUtf8ToPage:
+    case kUtf8ToBytePage:
+        if (!fast::canMap(header.proofs))
+            return false;
+        status = fast::utf8ToPage(bodyOf<MappingBody>(converter), header.proofs, source, target);
+        return true;
+    case kUcs2ToUtf8:
+    case kUtf16ToUtf8:
+        status = fast::utf16ToUtf8(source, target);
+        return true;
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+        status = fast::utf8ToUtf16(source, target);
+        return true;
+    case kUtf32ToUtf8:
+        status = fast::utf32ToUtf8(source, target);
+        return true;
+    case kUtf8ToUtf32:
+        status = fast::utf8ToUtf32(source, target);
+        return true;
+    case kUtf16ToUtf32:
+        status = fast::utf16ToUtf32(source, target);
+        return true;
+    case kUtf32ToUtf16:
+        status = fast::utf32ToUtf16(source, target);
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Runs the plain kernel of a kind. False for a kind that has none.
+bool runPlainKernel(std::int32_t kind, const void *converter, Source &source, Target &target,
+                    nlsStatus &status) {
     const std::int32_t word = kindWord(converter);
     switch (kind) {
     case kShiftJisToEuc:
@@ -221,7 +282,8 @@ nlsStatus convert(const Request &request) {
         if (status != NLS_E_BUFFER)
             *request.written = static_cast<std::uint32_t>(target.at - request.destination);
         return status;
-    } else if (runKernel(kind, request.converter, source, target, status)) {
+    } else if (runFastKernel(kind, request.converter, source, target, status) ||
+               runPlainKernel(kind, request.converter, source, target, status)) {
         *request.written = static_cast<std::uint32_t>(wholeUnits(kind, target.at - request.destination));
     } else {
         if (target.room() > 0)

@@ -1,0 +1,242 @@
+// Reads a code page into a sink: single bytes through one row of values, pairs through a rectangle.
+//
+// Stops at the first character that has no value there; the plain way takes that one.
+#pragma once
+
+#include "convert/kernels/fast_walk.hpp"
+#include "convert/kernels/kernels.hpp"
+#include "convert/kernels/proofs.hpp"
+
+namespace velnls {
+namespace {
+
+// ---- Single bytes
+// ------------------------------------------------------------------------------------------
+
+// The values of the bytes from 80 up.
+class ByteRow {
+public:
+    explicit ByteRow(const MappingBody &body)
+        : values_(reinterpret_cast<const std::uint8_t *>(body.groups[2].values) +
+                  (0x80 - body.groups[2].firstTrail + 1) * 2) {}
+    [[gnu::always_inline]] std::uint32_t valueOf(std::uint32_t byte) const {
+        const std::uint32_t value = loadNumber<std::uint16_t>(values_ + std::size_t{byte & 0x7F} * 2);
+        return byte < 0x80 ? byte : value;
+    }
+
+private:
+    const std::uint8_t *values_;
+};
+
+template <typename Sink>
+[[gnu::always_inline]] inline bool takeByte(const ByteRow &row, std::uint32_t byte, Sink &sink) {
+    const std::uint32_t value = row.valueOf(byte);
+    return value != file::kUnmapped && sink.put(value);
+}
+
+template <typename Sink>
+[[gnu::always_inline]] inline void readByteRowInto(const ByteRow &row, Source &source, Sink &sink) {
+    const std::uint8_t *at = source.at;
+    while (source.end - at >= 16 && sink.hasRoom(Sink::kBlockRoom)) {
+        const int prefix = asciiPrefix16(at);
+        sink.ascii16(at);
+        sink.advance(prefix);
+        at += prefix;
+        if (prefix == 16)
+            continue;
+        for (const std::uint8_t *const end = at + (source.end - at < 8 ? source.end - at : 8); at < end;
+             ++at) {
+            if (!takeByte(row, *at, sink)) {
+                source.at = at;
+                return;
+            }
+        }
+    }
+    while (at < source.end && sink.hasRoom(Sink::kCharacterRoom) && takeByte(row, *at, sink))
+        ++at;
+    source.at = at;
+}
+
+// For long texts to UTF-8: each byte's UTF-8 form with its length, made once.
+class Utf8OfByte {
+public:
+    static constexpr std::ptrdiff_t kWorthwhile = 2048; // source bytes that repay making the table
+
+    explicit Utf8OfByte(const ByteRow &row) {
+        for (std::uint32_t byte = 0; byte < 0x80; ++byte)
+            entries_[byte] = byte | 1u << kLengthShift;
+        for (std::uint32_t byte = 0x80; byte < 0x100; ++byte)
+            entries_[byte] = entryOf(row.valueOf(byte));
+    }
+    // Converts blocks of 16 bytes up to one that has a byte without a value.
+    [[gnu::always_inline]] void convert(Source &source, std::uint8_t *&out,
+                                        const std::uint8_t *outEnd) const {
+        const std::uint8_t *at = source.at;
+        std::uint8_t *to = out;
+        while (source.end - at >= 16 && outEnd - to >= 16 * 3 + 4) {
+            if (asciiPrefix16(at) == 16) {
+                copyBytes<16>(to, at);
+                at += 16;
+                to += 16;
+                continue;
+            }
+            std::uint8_t *const begin = to;
+            std::uint32_t seen = 0;
+            for (int i = 0; i < 16; ++i) {
+                const std::uint32_t entry = entries_[at[i]];
+                storeNumber(to, entry);
+                to += entry >> kLengthShift;
+                seen |= entry;
+            }
+            if ((seen & kHard) != 0) {
+                to = begin;
+                break;
+            }
+            at += 16;
+        }
+        source.at = at;
+        out = to;
+    }
+
+private:
+    static constexpr int kLengthShift =
+        29; // above the three bytes; lengths are 1 to 3, so the top bit is free
+    static constexpr std::uint32_t kHard = 0x80000000;
+
+    static std::uint32_t entryOf(std::uint32_t value) {
+        const std::uint32_t last = (value & 0x3F) | 0x80;
+        if (value == file::kUnmapped)
+            return kHard;
+        if (value < 0x80)
+            return value | 1u << kLengthShift;
+        if (value < 0x800)
+            return 0xC0 | value >> 6 | last << 8 | 2u << kLengthShift;
+        return 0xE0 | value >> 12 | (0x80 | (value >> 6 & 0x3F)) << 8 | last << 16 | 3u << kLengthShift;
+    }
+
+    std::uint32_t entries_[0x100];
+};
+
+// ---- Pairs
+// -------------------------------------------------------------------------------------------------
+
+class PairRectangle {
+public:
+    explicit PairRectangle(const MappingBody &body)
+        : values_(reinterpret_cast<const std::uint8_t *>(body.groups[2].values)),
+          firstLead_(body.groups[2].firstLead), lastLead_(body.groups[2].lastLead),
+          leadGapLow_(body.groups[2].leadGapLow), leadGapHigh_(body.groups[2].leadGapHigh),
+          leadShift_(body.groups[2].leadShift), firstTrail_(body.groups[2].firstTrail),
+          trailGapLow_(body.groups[2].trailGap1Low), trailGapHigh_(body.groups[2].trailGap1High),
+          trailShift_(body.groups[2].trailShift1), trailsPerLead_(body.groups[2].trailsPerLead) {}
+
+    [[gnu::always_inline]] bool isLead(std::uint32_t byte) const {
+        return byte - firstLead_ <= lastLead_ - firstLead_ && !(byte > leadGapLow_ && byte < leadGapHigh_);
+    }
+    [[gnu::always_inline]] std::uint64_t leadMask(const std::uint8_t *at) const {
+        std::uint64_t leads = atLeastMask<64>(at, static_cast<std::uint8_t>(firstLead_));
+        if (lastLead_ != 0xFF)
+            leads &= ~atLeastMask<64>(at, static_cast<std::uint8_t>(lastLead_ + 1));
+        if (leadGapLow_ != 0xFF)
+            leads &= ~(atLeastMask<64>(at, static_cast<std::uint8_t>(leadGapLow_ + 1)) &
+                       ~atLeastMask<64>(at, static_cast<std::uint8_t>(leadGapHigh_)));
+        return leads;
+    }
+    // The value of a lead byte and the byte behind it, or kUnmapped.
+    [[gnu::always_inline]] std::uint32_t valueOf(std::uint32_t lead, std::uint32_t trail) const {
+        const std::uint32_t row = lead - firstLead_ - (lead > leadGapLow_ ? leadShift_ : 0);
+        const bool behindGap = trail > trailGapLow_;
+        const std::uint32_t column = trail - firstTrail_ - (behindGap ? trailShift_ : 0);
+        if (column >= trailsPerLead_ || (behindGap && trail < trailGapHigh_))
+            return file::kUnmapped;
+        return loadNumber<std::uint16_t>(values_ + std::size_t{row * trailsPerLead_ + column + 1} * 2);
+    }
+
+private:
+    const std::uint8_t *values_;
+    std::uint32_t firstLead_;
+    std::uint32_t lastLead_;
+    std::uint32_t leadGapLow_;
+    std::uint32_t leadGapHigh_;
+    std::uint32_t leadShift_;
+    std::uint32_t firstTrail_;
+    std::uint32_t trailGapLow_;
+    std::uint32_t trailGapHigh_;
+    std::uint32_t trailShift_;
+    std::uint32_t trailsPerLead_;
+};
+
+// Blocks of 64 bytes. Reads 16 bytes further.
+template <typename Sink>
+[[gnu::always_inline]] inline void pairBlocks(const PairRectangle &page, Source &source, Sink &sink,
+                                              bool &refused) {
+    const std::uint8_t *at = source.at;
+    while (source.end - at >= 64 + 16 && sink.hasRoom(Sink::kBlockRoom)) {
+        const std::uint64_t notAscii = notAsciiMask<64>(at);
+        if (notAscii == 0) {
+            for (int i = 0; i < 4; ++i) {
+                sink.ascii16(at + 16 * i);
+                sink.advance(16);
+            }
+            at += 64;
+            continue;
+        }
+        const std::uint64_t leads = page.leadMask(at);
+        const std::uint64_t trails = trailsBehind(leads);
+        const auto take = [at, leads, &page, &sink](int position) {
+            const std::uint32_t first = at[position];
+            if (first < 0x80) {
+                sink.putAscii(static_cast<std::uint8_t>(first));
+                return 1;
+            }
+            if ((leads >> position & 1) == 0)
+                return 0;
+            const std::uint32_t value = page.valueOf(first, at[position + 1]);
+            return value != file::kUnmapped && sink.put(value) ? 2 : 0;
+        };
+        const std::uint64_t notAsciiStarts = notAscii & ~trails;
+        at += isSparse(notAsciiStarts)
+                  ? sparseCharacters<kStartsOfTwo>(at, notAsciiStarts, sink, take, refused)
+                  : denseCharacters<kStartsOfTwo>(~trails, take, refused);
+        if (refused)
+            break;
+    }
+    source.at = at;
+}
+
+template <typename Sink>
+[[gnu::always_inline]] inline void readPairsInto(const PairRectangle &page, Source &source, Sink &sink) {
+    bool refused = false;
+    if constexpr (kHasVectors)
+        pairBlocks(page, source, sink, refused);
+    if (refused)
+        return;
+    const std::uint8_t *at = source.at;
+    while (at < source.end) {
+        const std::uint32_t first = *at;
+        if (first < 0x80) {
+            if (source.end - at >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
+                const int count = asciiPrefix16(at);
+                sink.ascii16(at);
+                sink.advance(count);
+                at += count;
+                continue;
+            }
+            if (!sink.hasRoom(Sink::kCharacterRoom))
+                break;
+            sink.putAscii(static_cast<std::uint8_t>(first));
+            ++at;
+            continue;
+        }
+        if (source.end - at < 2 || !sink.hasRoom(Sink::kCharacterRoom) || !page.isLead(first))
+            break;
+        const std::uint32_t value = page.valueOf(first, at[1]);
+        if (value == file::kUnmapped || !sink.put(value))
+            break;
+        at += 2;
+    }
+    source.at = at;
+}
+
+} // namespace
+} // namespace velnls

@@ -1,0 +1,127 @@
+// Reads UTF-8 into a sink, by blocks of 64 bytes that are well formed and by the lenient arithmetic
+// elsewhere.
+//
+// Stops at the first character that the sink refuses, that is longer than three bytes or that is cut by the
+// end of the source; the plain way takes that one.
+#pragma once
+
+#include "convert/kernels/fast_walk.hpp"
+#include "convert/kernels/kernels.hpp"
+
+namespace velnls {
+namespace {
+
+// The character in the low bytes of `word`: one, two or three well-formed bytes.
+[[gnu::always_inline]] inline std::uint32_t utf8Value(std::uint32_t word) {
+    const std::uint32_t two = (word & 0x1F) << 6 | (word >> 8 & 0x3F);
+    const std::uint32_t three = (word & 0x0F) << 12 | (word >> 8 & 0x3F) << 6 | (word >> 16 & 0x3F);
+    const std::uint32_t value = (word & 0xFF) < 0xE0 ? two : three;
+    return (word & 0x80) != 0 ? value : word & 0x7F;
+}
+
+// What a block's lead bytes announce must be what follows. A block begins at a character.
+struct Utf8Block {
+    std::uint64_t lead; // of two bytes and more
+    std::uint64_t trail;
+    bool wellFormed; // and no character is longer than three bytes
+};
+
+[[gnu::always_inline]] inline Utf8Block utf8Block(const std::uint8_t *at, std::uint64_t notAscii) {
+    const std::uint64_t lead = atLeastMask<64>(at, 0xC0);
+    const std::uint64_t three = atLeastMask<64>(at, 0xE0);
+    const std::uint64_t four = atLeastMask<64>(at, 0xF0);
+    const std::uint64_t trail = notAscii & ~lead;
+    return {lead, trail, four == 0 && trail == (lead << 1 | three << 2)};
+}
+
+template <typename Sink>
+[[gnu::always_inline]] inline void utf8Blocks(Source &source, Sink &sink, bool &refused) {
+    const std::uint8_t *at = source.at;
+    // Sparse copying reads up to 16 bytes behind a block.
+    while (source.end - at >= 64 + 16 && sink.hasRoom(Sink::kBlockRoom)) {
+        const std::uint64_t notAscii = notAsciiMask<64>(at);
+        if (notAscii == 0) {
+            for (int i = 0; i < 4; ++i) {
+                sink.ascii16(at + 16 * i);
+                sink.advance(16);
+            }
+            at += 64;
+            continue;
+        }
+        const Utf8Block block = utf8Block(at, notAscii);
+        if (!block.wellFormed)
+            break;
+        const auto take = [at, &sink](int position) {
+            const auto word = loadNumber<std::uint32_t>(at + position);
+            const int length = 2 + static_cast<int>((word & 0xFF) >= 0xE0);
+            return sink.put(utf8Value(word)) ? length : 0;
+        };
+        at += isSparse(block.lead) ? sparseCharacters<kStartsOfFour>(at, block.lead, sink, take, refused)
+                                   : denseCharacters<kStartsOfFour>(~block.trail, take, refused);
+        if (refused)
+            break;
+    }
+    source.at = at;
+}
+
+// One character after the other. False when the next one needs the plain way.
+template <typename Sink>
+[[gnu::always_inline]] inline bool utf8Characters(Source &source, const std::uint8_t *end, Sink &sink) {
+    const std::uint8_t *at = source.at;
+    bool taken = true;
+    while (at < end && taken) {
+        const std::uint32_t first = *at;
+        if (first < 0x80) {
+            if (source.end - at >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
+                const int count = asciiPrefix16(at);
+                sink.ascii16(at);
+                sink.advance(count);
+                at += count;
+                continue;
+            }
+            if (!sink.hasRoom(Sink::kCharacterRoom))
+                break;
+            sink.putAscii(static_cast<std::uint8_t>(first));
+            ++at;
+            continue;
+        }
+        if (first < 0xC0 || first >= 0xF0 || !sink.hasRoom(Sink::kCharacterRoom))
+            break;
+        // By sums and offsets, so that malformed trail bytes come out as the plain way has them.
+        if (first < 0xE0) {
+            if (source.end - at < 2)
+                break;
+            const std::uint32_t value = (first << 6) + at[1] - 0x3080u;
+            taken = value <= 0xFFFF && sink.put(value);
+            at += taken ? 2 : 0;
+        } else {
+            if (source.end - at < 3)
+                break;
+            const std::uint32_t value = (first << 12) + (std::uint32_t{at[1]} << 6) + at[2] - 0xE2080u;
+            taken = value <= 0xFFFF && sink.put(value);
+            at += taken ? 3 : 0;
+        }
+    }
+    source.at = at;
+    return at >= end;
+}
+
+template <typename Sink>
+[[gnu::always_inline]] inline void readUtf8Into(Source &source, Sink &sink) {
+    for (;;) {
+        bool refused = false;
+        if constexpr (kHasVectors)
+            utf8Blocks(source, sink, refused);
+        if (refused)
+            return;
+        // A block that is not well formed, or the last bytes of the source.
+        const std::uint8_t *end = source.end;
+        if (kHasVectors && end - source.at >= 64 + 16 && sink.hasRoom(Sink::kBlockRoom))
+            end = source.at + 64;
+        if (!utf8Characters(source, end, sink) || end == source.end)
+            return;
+    }
+}
+
+} // namespace
+} // namespace velnls

@@ -1,0 +1,150 @@
+// What the fast kernels ask of a block of 64 bytes, as bit masks: bit i speaks of byte i.
+//
+// The kernels are written once over these masks and compiled once per instruction set; this header alone
+// knows the vectors. Everything is in an unnamed namespace, so that no function compiled for one set can
+// stand in for its twin in another. Without vectors kHasVectors is false and the kernels keep to their scalar
+// loops.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
+namespace velnls {
+namespace {
+
+#if defined(__AVX2__)
+
+inline constexpr bool kHasVectors = true;
+inline constexpr int kVectorBytes = 32;
+
+struct Vector {
+    __m256i bytes;
+};
+
+inline Vector loadVector(const std::uint8_t *at) {
+    return {_mm256_loadu_si256(reinterpret_cast<const __m256i *>(at))};
+}
+inline std::uint64_t notAscii(Vector vector) {
+    return static_cast<std::uint32_t>(_mm256_movemask_epi8(vector.bytes));
+}
+inline std::uint64_t atLeast(Vector vector, std::uint8_t value) {
+    const __m256i least = _mm256_set1_epi8(static_cast<char>(value));
+    const __m256i hit = _mm256_cmpeq_epi8(_mm256_max_epu8(vector.bytes, least), vector.bytes);
+    return static_cast<std::uint32_t>(_mm256_movemask_epi8(hit));
+}
+
+#elif defined(__SSE2__)
+
+inline constexpr bool kHasVectors = true;
+inline constexpr int kVectorBytes = 16;
+
+struct Vector {
+    __m128i bytes;
+};
+
+inline Vector loadVector(const std::uint8_t *at) {
+    return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(at))};
+}
+inline std::uint64_t notAscii(Vector vector) {
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(vector.bytes));
+}
+inline std::uint64_t atLeast(Vector vector, std::uint8_t value) {
+    const __m128i least = _mm_set1_epi8(static_cast<char>(value));
+    const __m128i hit = _mm_cmpeq_epi8(_mm_max_epu8(vector.bytes, least), vector.bytes);
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(hit));
+}
+
+#else
+
+inline constexpr bool kHasVectors = false;
+
+#endif
+
+#if defined(__SSE2__)
+
+template <int Width, typename Test>
+[[gnu::always_inline]] inline std::uint64_t maskOf(const std::uint8_t *at, Test test) {
+    static_assert(Width % kVectorBytes == 0);
+    std::uint64_t mask = 0;
+    for (int i = 0; i < Width / kVectorBytes; ++i)
+        mask |= test(loadVector(at + i * kVectorBytes)) << (i * kVectorBytes);
+    return mask;
+}
+
+// The bytes from 80 up.
+template <int Width>
+[[gnu::always_inline]] inline std::uint64_t notAsciiMask(const std::uint8_t *at) {
+    return maskOf<Width>(at, [](Vector vector) { return notAscii(vector); });
+}
+
+// The bytes of that value and above, unsigned.
+template <int Width>
+[[gnu::always_inline]] inline std::uint64_t atLeastMask(const std::uint8_t *at, std::uint8_t value) {
+    return maskOf<Width>(at, [value](Vector vector) { return atLeast(vector, value); });
+}
+
+#else
+
+template <int Width>
+inline std::uint64_t atLeastMask(const std::uint8_t *at, std::uint8_t value) {
+    std::uint64_t mask = 0;
+    for (int i = 0; i < Width; ++i)
+        mask |= std::uint64_t{at[i] >= value} << i;
+    return mask;
+}
+
+template <int Width>
+inline std::uint64_t notAsciiMask(const std::uint8_t *at) {
+    return atLeastMask<Width>(at, 0x80);
+}
+
+#endif
+
+// ---- Unaligned numbers
+// -------------------------------------------------------------------------------------
+
+template <typename Number>
+[[gnu::always_inline]] inline Number loadNumber(const void *at) {
+    Number number;
+    std::memcpy(&number, at, sizeof number);
+    return number;
+}
+
+template <typename Number>
+[[gnu::always_inline]] inline void storeNumber(void *at, Number number) {
+    std::memcpy(at, &number, sizeof number);
+}
+
+// Copies exactly `Count` bytes, by registers.
+template <int Count>
+[[gnu::always_inline]] inline void copyBytes(std::uint8_t *to, const std::uint8_t *from) {
+    std::memcpy(to, from, Count);
+}
+
+[[gnu::always_inline]] inline bool isAscii8(const std::uint8_t *at) {
+    return (loadNumber<std::uint64_t>(at) & 0x8080808080808080) == 0;
+}
+
+// How many of the 16 bytes at `at` are ASCII before the first that is not.
+[[gnu::always_inline]] inline int asciiPrefix16(const std::uint8_t *at) {
+#if defined(__SSE2__)
+    const int mask = _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(at)));
+    return __builtin_ctz(static_cast<unsigned>(mask) | 0x10000u);
+#else
+    int count = 0;
+    while (count < 16 && at[count] < 0x80)
+        ++count;
+    return count;
+#endif
+}
+
+[[gnu::always_inline]] inline int firstBit(std::uint64_t mask) {
+    return __builtin_ctzll(mask);
+}
+
+} // namespace
+} // namespace velnls

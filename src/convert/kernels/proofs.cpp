@@ -1,0 +1,189 @@
+#include "convert/kernels/proofs.hpp"
+
+#include "convert/kernels/mapping_lookup.hpp"
+
+#include <cstring>
+
+namespace velnls {
+
+namespace {
+
+using file::MappingGroup;
+
+constexpr unsigned kAsciiEnd = 0x80;
+constexpr unsigned kBytes = 0x100;
+
+std::uint16_t loadAt(const std::uint16_t *table, std::uint32_t index) {
+    std::uint16_t value;
+    std::memcpy(&value, reinterpret_cast<const unsigned char *>(table) + std::size_t{index} * 2,
+                sizeof value);
+    return value;
+}
+
+bool isAsciiIdentity(const MappingBody &body) {
+    for (std::uint32_t byte = 0; byte < kAsciiEnd; ++byte) {
+        if (body.charTable->trailCount(static_cast<std::uint8_t>(byte)) != 0)
+            return false;
+        const std::uint32_t value = unicodeOfCode(body, static_cast<std::uint16_t>(byte));
+        const std::uint32_t code = codeOfUnicode(body, byte);
+        // 7F has to be mapped; below it an unmapped character stands for itself.
+        const bool mayBeUnmapped = byte < kAsciiEnd - 1;
+        if (value != byte && !(value == kNone && mayBeUnmapped))
+            return false;
+        if (code != byte && !(code == kNone && mayBeUnmapped))
+            return false;
+    }
+    return true;
+}
+
+// No surrogate and no replacement character: those are not written as they stand.
+bool hasPlainValues(const MappingGroup &group) {
+    unsigned odd = 0;
+    for (std::uint32_t i = 0; i < group.valueCount; ++i) {
+        const unsigned value = loadAt(group.values, i);
+        odd |= static_cast<unsigned>(value - 0xD800 < 0x800) | static_cast<unsigned>(value == 0xFFFD);
+    }
+    return odd == 0;
+}
+
+// Every entry is unmapped or an index from 1 to `last`.
+bool hasIndexesUpTo(const MappingGroup &group, std::uint32_t last) {
+    if (group.reverse == nullptr)
+        return group.reverseCount == 0;
+    unsigned odd = 0;
+    for (std::uint32_t i = 0; i < group.reverseCount; ++i) {
+        const unsigned index = loadAt(group.reverse, i);
+        odd |= static_cast<unsigned>(index == 0) |
+               static_cast<unsigned>(index > last && index != file::kUnmapped);
+    }
+    return odd == 0;
+}
+
+// The window as the fast kernels read it: value - lowest is the place, and no place is behind the table's
+// end.
+bool isWindow(const MappingGroup &group) {
+    return group.reverseCount == 0 ||
+           (group.lowest >= kAsciiEnd && group.highest <= 0xFFFF && group.lowest <= group.highest &&
+            group.highest - group.lowest < group.reverseCount);
+}
+
+// A second gap counts where it does not begin before the first one ends: so without any gap there is one from
+// 0 to 0, which leaves no byte out and must not shift any.
+bool hasNoSecondGap(const MappingGroup &group) {
+    const bool counts = group.trailGap2Low >= group.trailGap1High;
+    return group.lastTrail >= group.trailGap2High &&
+           (!counts || (group.trailGap2Low == 0 && group.trailGap2High == 0 && group.trailShift2 == 0));
+}
+
+bool hasNoTrailGap(const MappingGroup &group) {
+    return group.trailGap1Low == 0xFF && hasNoSecondGap(group);
+}
+
+// Values by plain indexes: no hole, no base, nothing added.
+bool isStraight(const MappingGroup &group) {
+    return group.values != nullptr && group.holeStart == 0xFFFF && group.indexBase == 0 &&
+           (group.flags & (file::kForwardDeltas | file::kReverseDeltas)) == 0 && group.trailsPerLead != 0;
+}
+
+bool isByteRow(const MappingBody &body) {
+    const MappingGroup &group = body.groups[2];
+    for (unsigned byte = 0; byte < kBytes; ++byte) {
+        if (body.charTable->trailCount(static_cast<std::uint8_t>(byte)) != 0)
+            return false;
+    }
+    if (!isStraight(group) || !hasNoTrailGap(group) || !isWindow(group) || !hasPlainValues(group))
+        return false;
+    if (group.firstLead != 0 || group.leadGapLow != 0xFF || group.firstTrail == 0 ||
+        group.firstTrail > kAsciiEnd || group.lastTrail != 0xFF || group.zeroCode != 0)
+        return false;
+    const std::uint32_t last = 0xFFu - group.firstTrail + 1;
+    return last < group.indexLimit && last < group.valueCount && last <= group.trailsPerLead &&
+           hasIndexesUpTo(group, last);
+}
+
+bool isRectangleLead(const MappingGroup &group, unsigned lead) {
+    return lead >= group.firstLead && lead <= group.lastLead &&
+           !(lead > group.leadGapLow && lead < group.leadGapHigh);
+}
+
+bool isPairRectangle(const MappingBody &body) {
+    const MappingGroup &group = body.groups[2];
+    if (!isStraight(group) || !hasNoSecondGap(group) || !isWindow(group) || !hasPlainValues(group))
+        return false;
+    for (unsigned byte = 0; byte < kBytes; ++byte) {
+        const unsigned trails = body.charTable->trailCount(static_cast<std::uint8_t>(byte));
+        if (trails != static_cast<unsigned>(isRectangleLead(group, byte)))
+            return false;
+    }
+    // Leads stand above ASCII and row by row; the gap, when there is one, lies inside.
+    const bool leadGap = group.leadGapLow != 0xFF;
+    const unsigned leadsLeftOut = leadGap ? group.leadGapHigh - group.leadGapLow - 1u : 0;
+    if (group.firstLead < kAsciiEnd || group.lastLead < group.firstLead ||
+        group.lastLead < group.leadGapHigh || group.leadShift != leadsLeftOut ||
+        (leadGap && group.leadGapHigh <= group.leadGapLow) || group.zeroCode >= kAsciiEnd)
+        return false;
+    const bool trailGap = group.trailGap1Low != 0xFF;
+    const unsigned trailsLeftOut = trailGap ? group.trailGap1High - group.trailGap1Low - 1u : 0;
+    if (group.firstTrail == 0 || group.lastTrail < group.firstTrail ||
+        group.lastTrail < group.trailGap1High ||
+        (trailGap && (group.trailGap1High <= group.trailGap1Low || group.trailShift1 != trailsLeftOut)))
+        return false;
+    const unsigned columns = group.lastTrail - group.firstTrail + 1u - trailsLeftOut;
+    const unsigned rows = group.lastLead - group.firstLead + 1u - leadsLeftOut;
+    const std::uint32_t last = columns * rows;
+    return columns == group.trailsPerLead && last < group.indexLimit && last < group.valueCount &&
+           hasIndexesUpTo(group, last);
+}
+
+// The longest run of two-byte codes that follow each other, among 32 values.
+LinearBlock linearBlock(const MappingBody &body, std::uint32_t first) {
+    LinearBlock best{};
+    LinearBlock run{};
+    std::uint32_t before = kNone;
+    for (unsigned i = 0; i < 32; ++i) {
+        const std::uint32_t code = codeOfUnicode(body, first + i);
+        if (code == kNone || code < 0x100) {
+            run.count = 0;
+        } else if (run.count != 0 && code == before + 1) {
+            ++run.count;
+        } else {
+            run = {static_cast<std::uint8_t>(i), 1, static_cast<std::uint16_t>(code - (first + i))};
+        }
+        before = code;
+        if (run.count > best.count)
+            best = run;
+    }
+    return best;
+}
+
+MappingFacts makeFacts(const MappingBody &body) {
+    MappingFacts facts{};
+    for (unsigned i = 0; i < kKanaBlocks; ++i)
+        facts.kana[i] = linearBlock(body, kKanaFirst + 32 * i);
+    for (unsigned i = 0; i < kFullWidthBlocks; ++i)
+        facts.fullWidth[i] = linearBlock(body, kFullWidthFirst + 32 * i);
+    // Rounded up. The error of at most 254 per 2^24, times a place below 2^16, stays below one.
+    const std::uint32_t divisor = body.groups[2].trailsPerLead;
+    facts.reciprocal = ((1u << kReciprocalShift) + divisor - 1) / divisor;
+    return facts;
+}
+
+} // namespace
+
+std::uint32_t proveMapping(MappingBody &body) {
+    if (body.charTable == nullptr)
+        return 0;
+    std::uint32_t proofs = 0;
+    if (isAsciiIdentity(body))
+        proofs |= kAsciiIdentity;
+    if (isByteRow(body))
+        proofs |= kByteRow;
+    if (isPairRectangle(body)) {
+        proofs |= kPairRectangle;
+        const MappingFacts facts = makeFacts(body);
+        std::memcpy(body.groups[0].unusedA, &facts, sizeof facts);
+    }
+    return proofs;
+}
+
+} // namespace velnls

@@ -1,0 +1,53 @@
+// What is proved of a mapping once, when it is loaded, so that the fast kernels need not ask again per
+// character.
+//
+// Tables are data, and nothing in a data file is trusted: without a proof the plain kernels run. The proofs
+// are bits in the converter's header; what is derived besides lies in bytes of the mapping that its layout
+// leaves unused.
+#pragma once
+
+#include "convert/converter.hpp"
+
+namespace velnls {
+
+// Each ASCII byte is a character of its own and stands for the same code point, both ways.
+inline constexpr std::uint32_t kAsciiIdentity = 0x0010;
+// Every byte is a character; the bytes from 80 up find their value in one row of the third group, and the
+// indexes of its reverse window are bytes of that row.
+inline constexpr std::uint32_t kByteRow = 0x0020;
+// The lead bytes are those of the third group's rectangle and have one trail byte each; the rectangle has at
+// most one trail gap, and the indexes of its reverse window are two-byte codes.
+inline constexpr std::uint32_t kPairRectangle = 0x0040;
+
+// A stretch of 32 Unicode values, in which `count` from `first` on have codes that follow each other.
+struct [[gnu::packed]] LinearBlock {
+    std::uint8_t first; // low five bits of the value
+    std::uint8_t count;
+    std::uint16_t delta; // code = value + delta, modulo 2^16
+};
+
+// The stretches whose characters stand everywhere in East Asian text but not in the reverse window.
+inline constexpr std::uint32_t kKanaFirst = 0x3000; // punctuation, hiragana, katakana
+inline constexpr unsigned kKanaBlocks = 8;
+inline constexpr std::uint32_t kFullWidthFirst = 0xFF00; // full-width forms of ASCII
+inline constexpr unsigned kFullWidthBlocks = 3;
+
+// Lies in the first group's unused bytes.
+struct [[gnu::packed]] MappingFacts {
+    LinearBlock kana[kKanaBlocks];
+    LinearBlock fullWidth[kFullWidthBlocks];
+    std::uint32_t
+        reciprocal; // of trailsPerLead: place * reciprocal >> kReciprocalShift is place / trailsPerLead
+};
+static_assert(sizeof(MappingFacts) <= sizeof(file::MappingGroup::unusedA));
+
+inline constexpr unsigned kReciprocalShift = 24;
+
+inline const MappingFacts &factsOf(const MappingBody &body) {
+    return *reinterpret_cast<const MappingFacts *>(body.groups[0].unusedA);
+}
+
+// Proves what it can of a mapping that is complete but for that, and fills in its facts.
+std::uint32_t proveMapping(MappingBody &body);
+
+} // namespace velnls
