@@ -2,6 +2,7 @@
 
 #include "number_field.hpp"
 
+#include <array>
 #include <set>
 
 namespace velnls::nlsgen {
@@ -10,7 +11,7 @@ namespace {
 constexpr std::uint32_t kMicroSign = 0x00B5; // a symbol; its upper case would be a Greek letter
 constexpr std::uint32_t kDottedUpper = 0x0130;
 constexpr std::uint32_t kDotlessLower = 0x0131;
-constexpr int kPairLimit = 743;
+constexpr std::size_t kPairLimit = 743;
 
 // Scripts that stay out of the lists, in both directions: the lists hold 743 pairs.
 constexpr Range kLeftOut[] = {
@@ -83,7 +84,7 @@ bool leftOut(std::uint32_t codePoint) {
 
 template <typename Counterpart>
 void fillList(file::CasePair *list, const UnicodeData &unicode, Counterpart counterpartOf) {
-    int count = 0;
+    std::size_t count = 0;
     for (const auto &[codePoint, character] : unicode.characters()) {
         if (codePoint == 0 || codePoint > 0xFFFF)
             continue;
@@ -100,28 +101,27 @@ void fillList(file::CasePair *list, const UnicodeData &unicode, Counterpart coun
     }
 }
 
-int checkList(const file::CasePair *list, const char *direction, const Place &place) {
+std::optional<CaseListFault> faultOfList(const file::CasePair *list, bool upper) {
     std::set<std::uint32_t> slots;
-    for (int count = 0; count <= kPairLimit; count++) {
-        const std::uint32_t character = list[count].character;
-        const std::uint32_t counterpart = list[count].counterpart;
+    for (std::size_t pair = 0;; pair++) {
+        const std::uint32_t character = list[pair].character;
+        const std::uint32_t counterpart = list[pair].counterpart;
         if (character == 0)
-            return count;
-        const auto fail = [&](const std::string &message) {
-            throw Problem(place, std::string(direction) + "-case list, pair " + std::to_string(count + 1) +
-                                     " (" + unicodeName(character) + " to " + unicodeName(counterpart) +
-                                     "): " + message);
-        };
-        if (count == kPairLimit)
-            fail("expected at most 743 pairs and their end");
+            return std::nullopt;
+        if (pair == kPairLimit)
+            return CaseListFault{upper, pair, "at most 743 pairs and their end"};
+        const auto isSurrogate = [](std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; };
+        if (isSurrogate(character) || isSurrogate(counterpart))
+            return CaseListFault{upper, pair, "characters that are no surrogates"};
         if (!hasPage(character))
-            fail("expected a character of one or two bytes or of the lead bytes E1, E2, EF");
+            return CaseListFault{upper, pair,
+                                 "a character of one or two bytes or of the lead bytes E1, E2, EF"};
         if (counterpart == 0 || leadOfThree(character) != leadOfThree(counterpart))
-            fail("expected a counterpart with the same lead byte or of at most two bytes like the character");
+            return CaseListFault{
+                upper, pair, "a counterpart of the character's lead byte, or of at most two bytes as it is"};
         if (!slots.insert(slotOf(character)).second)
-            fail("expected a slot of its own, another character of the list has the same");
+            return CaseListFault{upper, pair, "a character whose slot no other of the list has"};
     }
-    return kPairLimit;
 }
 
 } // namespace
@@ -166,8 +166,24 @@ file::UnicodeCaseTable makeUnicodeCaseTable(const UnicodeData &unicode, bool tur
     return table;
 }
 
-CaseListCounts checkUnicodeCaseTable(const file::UnicodeCaseTable &table, const Place &place) {
-    return {checkList(table.upper, "upper", place), checkList(table.lower, "lower", place)};
+std::optional<CaseListFault> faultOfUnicodeCaseTable(const file::UnicodeCaseTable &table) {
+    // Copies: the lists stand unaligned in the record.
+    std::array<file::CasePair, kPairLimit + 1> list;
+    std::memcpy(list.data(), table.upper, sizeof table.upper);
+    if (auto fault = faultOfList(list.data(), true))
+        return fault;
+    std::memcpy(list.data(), table.lower, sizeof table.lower);
+    return faultOfList(list.data(), false);
+}
+
+void checkUnicodeCaseTable(const file::UnicodeCaseTable &table, const Place &place) {
+    const auto fault = faultOfUnicodeCaseTable(table);
+    if (!fault)
+        return;
+    const file::CasePair &pair = (fault->upper ? table.upper : table.lower)[fault->pair];
+    throw Problem(place, std::string(fault->upper ? "upper" : "lower") + "-case list, pair " +
+                             std::to_string(fault->pair + 1) + " (" + unicodeName(pair.character) + " to " +
+                             unicodeName(pair.counterpart) + "): expected " + fault->expected);
 }
 
 } // namespace velnls::nlsgen

@@ -5,6 +5,8 @@
 #include "page.hpp"
 #include "unicode_data.hpp"
 
+#include <optional>
+
 namespace velnls::nlsgen {
 
 // The letters' simple counterparts where the page has them; multibyte pages map ASCII only. With `turkish`
@@ -13,13 +15,17 @@ file::CaseTable makeByteCaseTable(const Page &page, const UnicodeData &unicode, 
 
 file::UnicodeCaseTable makeUnicodeCaseTable(const UnicodeData &unicode, bool turkish);
 
-struct CaseListCounts {
-    int upper = 0;
-    int lower = 0;
+struct CaseListFault {
+    bool upper; // which list
+    std::size_t pair;
+    std::string expected;
 };
 
-// Proves that the lists keep to what the library's pages can represent: room, one character a slot, a
-// counterpart of the same lead byte and length class. Throws Problem at `place`.
-CaseListCounts checkUnicodeCaseTable(const file::UnicodeCaseTable &table, const Place &place);
+// The first pair of the lists that the library's pages cannot represent: room, one character a slot, a
+// counterpart of the same lead byte and length class.
+std::optional<CaseListFault> faultOfUnicodeCaseTable(const file::UnicodeCaseTable &table);
+
+// Throws Problem at `place` for such a pair.
+void checkUnicodeCaseTable(const file::UnicodeCaseTable &table, const Place &place);
 
 } // namespace velnls::nlsgen

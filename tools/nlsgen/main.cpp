@@ -1,5 +1,7 @@
 // nlsgen: makes the data file of velnls from public tables, checks such files and prints them.
 #include "build.hpp"
+#include "checker.hpp"
+#include "dumper.hpp"
 #include "problem.hpp"
 
 #include <CLI/CLI.hpp>
@@ -11,10 +13,32 @@
 #include <exception>
 #include <fstream>
 #include <iostream>
+#include <iterator>
+#include <vector>
 
 namespace {
 
 constexpr int kFailed = 1;
+
+std::vector<std::uint8_t> readFile(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw velnls::nlsgen::Problem(path, 0, "cannot be opened for reading");
+    std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (file.bad())
+        throw velnls::nlsgen::Problem(path, 0, "cannot be read");
+    return bytes;
+}
+
+int check(const std::string &path) {
+    const auto bytes = readFile(path);
+    if (const auto fault = velnls::nlsgen::firstFault(bytes)) {
+        std::cout << path << ": " << fault->text() << '\n';
+        return kFailed;
+    }
+    std::cout << path << ": " << bytes.size() << " bytes, no fault\n";
+    return 0;
+}
 
 #ifdef NLSGEN_HAS_ICU
 void writeExtracted(const std::vector<velnls::nlsgen::ExtractedFile> &files, const std::string &folder) {
@@ -51,6 +75,13 @@ int main(int argc, char **argv) {
                       "Folder of your own pages, <name>.map (default: site below --data)");
     build->add_option("-o,--output", output, "Folder to write to")->capture_default_str();
 
+    std::string file;
+    CLI::App *checkCommand = app.add_subcommand("check", "Look for the first fault of a data file");
+    checkCommand->add_option("FILE", file, "The data file")->required();
+    std::string entry;
+    CLI::App *dump = app.add_subcommand("dump", "Print header and directory of a data file, or tables");
+    dump->add_option("FILE", file, "The data file")->required();
+    dump->add_option("--entry", entry, "Print these entries: #NUMBER, NAME or NAME/SECOND");
 #ifdef NLSGEN_HAS_ICU
     CLI::App *fromIcu =
         app.add_subcommand("from-icu", "Write the tables below --data that are taken from ICU");
@@ -66,6 +97,15 @@ int main(int argc, char **argv) {
             if (sources.site.empty())
                 sources.site = sources.data + "/site";
             velnls::nlsgen::build(sources, output, std::cout);
+        }
+        if (checkCommand->parsed())
+            return check(file);
+        if (dump->parsed()) {
+            const auto bytes = readFile(file);
+            if (entry.empty())
+                velnls::nlsgen::dumpDirectory(bytes, file, std::cout);
+            else
+                velnls::nlsgen::dumpEntry(bytes, file, entry, std::cout);
         }
 #ifdef NLSGEN_HAS_ICU
         if (fromIcu->parsed()) {

@@ -18,8 +18,14 @@ enum GroupNumber : std::size_t {
 
 constexpr std::uint32_t kPlane2 = 0x20000;
 constexpr std::uint32_t kPlane2End = 0x2FFFF;
-constexpr unsigned kLargestSegment = 16;   // steps that a single-byte page may need
-constexpr std::size_t kRoomPerGroup = 256; // words: a single-byte page spends up to this much on fewer steps
+// Segments of 2^split characters bound the steps of a look-up.
+constexpr unsigned kSingleByteSplit = 4;
+constexpr unsigned kMultibyteSplit = 6;
+// Words that fewer steps may cost: a group of a single-byte page in all, the second group of a multibyte page
+// from one segment size to the next, its first group beyond one word a character.
+constexpr std::size_t kRoomPerGroup = 256;
+constexpr std::size_t kRoomForSmallerSegments = 160;
+constexpr std::size_t kRoomForFirstGroup = 260;
 
 using Reverse = std::map<std::uint32_t, std::uint16_t>; // character to code
 
@@ -99,24 +105,30 @@ void setCompressedReverse(MappingGroupData &data, const CompressedReverse &rever
     data.reverse = reverse.words;
 }
 
-// Few steps where they cost little: the smallest segments whose table fits the room for it.
-CompressedReverse compressForSpeed(const std::vector<IndexedCharacter> &characters) {
+// Few steps where they cost little: the smallest segments whose table leaves the room behind its entries.
+CompressedReverse compressForSpeed(const std::vector<IndexedCharacter> &characters, std::size_t room,
+                                   unsigned largestSplit) {
     for (unsigned split = 0;; split++) {
         CompressedReverse result = compressReverse(characters, characters.front().first, split);
-        if (result.words.size() <= kRoomPerGroup || 1U << split == kLargestSegment)
+        if (result.words.size() <= room || split == largestSplit)
             return result;
     }
 }
 
-// The shortest of the usual segment sizes. Segments begin at xxx8: of the general punctuation (2018) and of
-// the ideographic punctuation (3000) the most frequent characters then come early in theirs.
+CompressedReverse compressForSpeed(const std::vector<IndexedCharacter> &characters) {
+    return compressForSpeed(characters, kRoomPerGroup, kSingleByteSplit);
+}
+
+// The shortest of the usual segment sizes, or smaller segments for little more. They begin at xxx8: of the
+// general punctuation (2018) and of the ideographic punctuation (3000) the most frequent characters then come
+// early in theirs.
 CompressedReverse compressForSize(const std::vector<IndexedCharacter> &characters) {
     const std::uint32_t first = characters.front().first;
     const std::uint32_t lowest = first < 8 ? first : ((first - 8) & ~15U) + 8;
-    CompressedReverse best;
-    for (unsigned split = 4; split <= 6; split++) {
+    CompressedReverse best = compressReverse(characters, lowest, kMultibyteSplit);
+    for (unsigned split = kMultibyteSplit; split-- > kSingleByteSplit;) {
         CompressedReverse next = compressReverse(characters, lowest, split);
-        if (best.words.empty() || next.words.size() < best.words.size())
+        if (next.words.size() < best.words.size() + kRoomForSmallerSegments)
             best = next;
     }
     return best;
@@ -286,7 +298,9 @@ MappingData buildMultibyteMapping(const Page &page, const MultibytePlan &plan) {
     if (!inFirst.empty() && delta == 0) {
         useRectangle(first, rectangle);
         const auto characters = indexed(rectangle, inFirst, page);
-        setCompressedReverse(first, compressReverse(characters, characters.front().first, 0), page);
+        setCompressedReverse(
+            first, compressForSpeed(characters, characters.size() + kRoomForFirstGroup, kMultibyteSplit),
+            page);
     } else if (!inFirst.empty()) {
         const Rectangle narrow = leadsOf(inFirst, rectangle);
         useRectangle(first, narrow);
@@ -321,7 +335,11 @@ MappingData buildMultibyteMapping(const Page &page, const MultibytePlan &plan) {
     all.firstTrail = std::min<std::uint8_t>(rectangle.firstTrail, 0x7F);
     all.lastTrail = 0xFF;
     useRectangle(second, all);
-    setValues(second, all, page, all.trailsPerLead() + 1, [](std::uint32_t code) { return code >= 0x7F; });
+    std::uint32_t lastByte = 0x7F;
+    for (std::uint32_t byte = lastByte; byte < 0x100; byte++)
+        if (page.toUnicode(byte) != kNone)
+            lastByte = byte;
+    setValues(second, all, page, all.indexOf(lastByte) + 1, [](std::uint32_t code) { return code >= 0x7F; });
     if (!rest.empty())
         setCompressedReverse(second, compressForSize(indexed(all, rest, page)), page);
     return mapping;

@@ -54,6 +54,7 @@ constexpr Range kIdeographs{0x4E00, 0x9FFF};
 constexpr Range kHangul{0xAC00, 0xD7A3};
 constexpr Range kKana{0x3000, 0x30FF};      // with the ideographic comma and full stop
 constexpr Range kFullWidth{0xFF00, 0xFF5F}; // Chinese commas, question marks, parentheses
+constexpr Range kUpperPart{0xE000, 0xFFFF}; // all above the ideographs: without them the rest is short
 constexpr Range kQuotes{0x2010, 0x2027};    // dashes, quotation marks, dots
 constexpr Range kAccented{0x00C0, 0x017F};
 
@@ -85,7 +86,7 @@ constexpr MultibytePlan kMultibytePages[] = {
      .firstLead = 0x8E,
      .leadGapLow = 0x8E,
      .leadGapHigh = 0xA1,
-     .lastLead = 0xFC,
+     .lastLead = 0xFE,
      .firstTrail = 0xA1,
      .trailGapLow = kNoGapLow,
      .trailGapHigh = kNoGapHigh,
@@ -102,7 +103,7 @@ constexpr MultibytePlan kMultibytePages[] = {
      .firstLead = 0xA1,
      .leadGapLow = kNoGapLow,
      .leadGapHigh = kNoGapHigh,
-     .lastLead = 0xFD,
+     .lastLead = 0xFE,
      .firstTrail = 0xA1,
      .trailGapLow = kNoGapLow,
      .trailGapHigh = kNoGapHigh,
@@ -153,7 +154,7 @@ constexpr MultibytePlan kMultibytePages[] = {
      .firstLead = 0xA1,
      .leadGapLow = kNoGapLow,
      .leadGapHigh = kNoGapHigh,
-     .lastLead = 0xF7,
+     .lastLead = 0xFE,
      .firstTrail = 0xA1,
      .trailGapLow = kNoGapLow,
      .trailGapHigh = kNoGapHigh,
@@ -187,13 +188,13 @@ constexpr MultibytePlan kMultibytePages[] = {
      .firstLead = 0xA1,
      .leadGapLow = kNoGapLow,
      .leadGapHigh = kNoGapHigh,
-     .lastLead = 0xF9,
+     .lastLead = 0xFE,
      .firstTrail = 0x40,
      .trailGapLow = 0x7E,
      .trailGapHigh = 0xA1,
      .lastTrail = 0xFE,
      .window = kIdeographs,
-     .second = kFullWidth},
+     .second = kUpperPart},
     {.name = "CP950",
      .charmap = "BIG5",
      .map = "cp950-user.map",
@@ -218,7 +219,7 @@ constexpr MultibytePlan kMultibytePages[] = {
      .trails = {{{0x40, 0x7E}, {0xA1, 0xFE}, {}}},
      .oneColumnLeads = {},
      .extraFlags = 0,
-     .firstLead = 0x87,
+     .firstLead = 0x81,
      .leadGapLow = kNoGapLow,
      .leadGapHigh = kNoGapHigh,
      .lastLead = 0xFE,

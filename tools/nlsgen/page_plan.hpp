@@ -41,11 +41,12 @@ struct MultibytePlan {
     std::array<Range, 3> trails;
     Range oneColumnLeads; // lead bytes of characters of one display column
     std::uint8_t extraFlags;
-    // The rectangle of the two-byte codes, gaps exclusive of the bytes they name.
+    // The rectangle of the two-byte codes, gaps exclusive of the bytes they name. Its leads are all lead
+    // bytes of the page, used or not: the library's fast path asks for that.
     std::uint8_t firstLead, leadGapLow, leadGapHigh, lastLead;
     std::uint8_t firstTrail, trailGapLow, trailGapHigh, lastTrail;
     Range window; // everyday characters, found by one direct look-up
-    Range second; // the next most frequent ones, found by one step
+    Range second; // the next most frequent ones, found in few steps
 };
 
 // Pages without a table of their own: by rule, or by ICU at run time.
