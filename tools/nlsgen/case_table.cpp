@@ -20,6 +20,7 @@ constexpr Range kLeftOut[] = {
     {0x2C00, 0x2C5F},                   // Glagolitic
     {0x24B6, 0x24E9},                   // circled letters
     {0x2160, 0x217F},                   // Roman numerals
+    {0x2183, 0x2184},                   // the last of them
 };
 
 std::uint32_t turkishUpper(std::uint32_t codePoint, std::uint32_t usual) {
