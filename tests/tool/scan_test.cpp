@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <random>
 #include <vector>
 
 #include "scan.hpp"
@@ -43,7 +44,7 @@ std::size_t decodedLength(const std::vector<unsigned char> &text) {
 Page utf8Page() {
     Page page;
     page.form = Form::Utf8;
-    page.plainAscii = true;
+    page.derive();
     return page;
 }
 
@@ -112,6 +113,96 @@ TEST(ScanUtf8, LeavesACutCharacterForLater) {
             ASSERT_EQ(last.bad, kept);
             ASSERT_EQ(last.fault, Fault::CutShort);
         }
+    }
+}
+
+// Well-formed text of "size" bytes at least, in which characters of all lengths fall on all places.
+template <typename Random>
+std::vector<unsigned char> mixedText(Random &random, const std::vector<std::string> &characters,
+                                     std::size_t size) {
+    std::vector<unsigned char> text;
+    while (text.size() < size) {
+        // Stretches of one kind, so that whole blocks of it come up.
+        const std::string &character = characters[random() % characters.size()];
+        for (std::size_t count = random() % 90 + 1; count != 0; --count) {
+            text.insert(text.end(), character.begin(), character.end());
+        }
+    }
+    return text;
+}
+
+TEST(ScanUtf8, AgreesWithDecodingOnLongDamagedText) {
+    const Page page = utf8Page();
+    std::mt19937 random(1);
+    const std::vector<std::string> characters = {"a",
+                                                 "\xC3\xA9",
+                                                 "\xE6\x97\xA5",
+                                                 "\xF0\x9F\x98\x80",
+                                                 "\xED\x9F\xBF",
+                                                 "\xEE\x80\x80",
+                                                 "\xF4\x8F\xBF\xBF",
+                                                 "\xC2\x80"};
+    for (int round = 0; round < 3000; ++round) {
+        std::vector<unsigned char> text = mixedText(random, characters, 700);
+        if (round % 10 != 0) {
+            text[random() % text.size()] = static_cast<unsigned char>(random());
+        }
+        text.resize(text.size() - random() % 4);
+        std::size_t good = 0;
+        while (good < text.size()) {
+            const std::size_t length =
+                decodedLength({text.begin() + static_cast<std::ptrdiff_t>(good), text.end()});
+            if (length == 0) {
+                break;
+            }
+            good += length;
+        }
+        const Scan scan = scanText(page, text.data(), text.size(), true);
+        ASSERT_EQ(scan.good, good) << "round " << round;
+        ASSERT_EQ(scan.bad != 0, good != text.size());
+    }
+}
+
+// A page whose trail bytes may have the values of lead bytes and of ASCII letters, as SHIFT-JIS has.
+TEST(ScanPairs, AgreesWithWalkingOnLongDamagedText) {
+    Page page;
+    page.form = Form::Multibyte;
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        page.trailCount[byte] = (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+        page.trailValid[byte] = byte >= 0x40 && byte <= 0xFC && byte != 0x7F;
+    }
+    page.derive();
+    ASSERT_TRUE(page.hasPairs);
+    std::mt19937 random(1);
+    const std::vector<std::string> characters = {"a",    "\x88\x9F", "\x83\x5C", "\xE0\xE0",
+                                                 "\xB1", "\x81\x81", "\n"};
+    for (int round = 0; round < 3000; ++round) {
+        std::vector<unsigned char> text = mixedText(random, characters, 700);
+        for (int damages = round % 3; damages > 0; --damages) {
+            text[random() % text.size()] = static_cast<unsigned char>(random());
+        }
+        text.resize(text.size() - random() % 2);
+        std::size_t good = 0;
+        Fault fault = Fault::None;
+        while (good < text.size()) {
+            if (page.trailCount[text[good]] == 0) {
+                ++good;
+            } else if (good + 1 == text.size()) {
+                fault = Fault::CutShort;
+                break;
+            } else if (page.trailValid[text[good + 1]] == 0) {
+                fault = Fault::BadTrail;
+                break;
+            } else {
+                good += 2;
+            }
+        }
+        const Scan scan = scanText(page, text.data(), text.size(), true);
+        ASSERT_EQ(scan.good, good) << "round " << round;
+        ASSERT_EQ(scan.fault, fault) << "round " << round;
+        const Scan later = scanText(page, text.data(), text.size(), false);
+        ASSERT_EQ(later.good, good);
+        ASSERT_EQ(later.bad, fault == Fault::BadTrail ? 1u : 0u);
     }
 }
 

@@ -70,6 +70,22 @@ void findTrailBytes(Page &page) {
 
 } // namespace
 
+void Page::derive() {
+    plainAscii = form == Form::Utf8 || std::all_of(trailCount.begin(), trailCount.begin() + 128,
+                                                   [](unsigned char count) { return count == 0; });
+    hasPairs = form == Form::Multibyte && *std::max_element(trailCount.begin(), trailCount.end()) == 1;
+    leadBytes = {};
+    trailBytes = {};
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        if (trailCount[byte] != 0) {
+            leadBytes.insert(byte);
+        }
+        if (trailValid[byte] != 0) {
+            trailBytes.insert(byte);
+        }
+    }
+}
+
 Page describePage(Library &library, const std::string &name) {
     Page page;
     page.name = name;
@@ -90,7 +106,7 @@ Page describePage(Library &library, const std::string &name) {
         return page;
     }
     if (page.form == Form::Utf8) {
-        page.plainAscii = true;
+        page.derive();
         return page;
     }
     // EBCDIC pages have their line feed elsewhere.
@@ -101,8 +117,7 @@ Page describePage(Library &library, const std::string &name) {
     if (page.form != Form::SingleByte) {
         findLeadBytes(page);
         findTrailBytes(page);
-        page.plainAscii = std::all_of(page.trailCount.begin(), page.trailCount.begin() + 128,
-                                      [](unsigned char count) { return count == 0; });
+        page.derive();
     }
     return page;
 }

@@ -19,6 +19,18 @@ enum class Form {
     Utf32,
 };
 
+// A set of byte values in the form that vector code looks up: bit h of low[n] stands for the byte with the
+// digits h and n, bit h of high[n] for the one with h + 8 and n.
+struct ByteSet {
+    std::array<unsigned char, 16> low = {};
+    std::array<unsigned char, 16> high = {};
+
+    void insert(unsigned byte) {
+        std::array<unsigned char, 16> &half = byte < 128 ? low : high;
+        half[byte & 15] = static_cast<unsigned char>(half[byte & 15] | 1 << (byte >> 4 & 7));
+    }
+};
+
 struct Page {
     std::string name;
     nlsLocale *locale = nullptr;
@@ -28,6 +40,13 @@ struct Page {
     unsigned char lineFeed = 0x0A;
     std::array<unsigned char, 256> trailCount = {}; // by first byte
     std::array<unsigned char, 256> trailValid = {}; // 1 where a byte may be a trail byte
+
+    bool hasPairs = false; // no character has more than two bytes
+    ByteSet leadBytes;     // the two arrays once more, for vector code
+    ByteSet trailBytes;
+
+    // Fills what follows from the two arrays and the form.
+    void derive();
 
     // Bytes of one unit: characters begin at multiples of it.
     std::size_t unitSize() const {

@@ -27,10 +27,7 @@ Route::Route(Library &library, const Page &source, const Page &target) : source_
     const bool tells = source.isUnicode() || source.name == target.name ||
                        (target.isUnicode() && (direct_ == nullptr || !Library::isChain(direct_)));
     if (direct_ != nullptr && !tells && throughUtf8) {
-        const bool shortCodes = source.form == Form::SingleByte ||
-                                (source.form == Form::Multibyte &&
-                                 *std::max_element(source.trailCount.begin(), source.trailCount.end()) <= 1);
-        if (shortCodes) {
+        if (source.form == Form::SingleByte || source.hasPairs) {
             findSilentCodes();
         } else {
             direct_ = nullptr;

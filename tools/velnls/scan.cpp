@@ -1,6 +1,8 @@
 // The walks that judge text, one for each form of code page.
 #include "scan.hpp"
 
+#include "scan_vector.hpp"
+
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -99,7 +101,7 @@ std::size_t wellFormedUtf8(const unsigned char *text) {
 }
 
 Scan scanUtf8(const unsigned char *text, std::size_t size, bool atEnd) {
-    std::size_t at = 0;
+    std::size_t at = wellFormedUtf8Prefix(text, size);
     while (size - at >= kBlock) {
         if (asciiBlock(text + at)) {
             at += kBlock;
@@ -199,7 +201,7 @@ Scan scanUtf32(const Page &page, const unsigned char *text, std::size_t size, bo
 
 // A lead byte alone is the malformed sequence, so that whatever follows it gets its own chance.
 Scan scanMultibyte(const Page &page, const unsigned char *text, std::size_t size, bool atEnd) {
-    std::size_t at = 0;
+    std::size_t at = page.hasPairs ? wellFormedPairsPrefix(page, text, size) : 0;
     while (at < size) {
         if (page.plainAscii && text[at] < 0x80) {
             if (size - at >= kBlock && asciiBlock(text + at)) {

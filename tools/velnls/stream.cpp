@@ -38,18 +38,20 @@ bool Stream::feed(const unsigned char *text, std::size_t size) {
     if (!feedCarried(text, size)) {
         return false;
     }
+    // A part this long always holds a whole character, so nothing taken means that the input is used up.
+    const std::size_t most = std::max(options_.pieceSize, kLongestCharacter);
     while (size != 0) {
-        const std::size_t taken = take(text, size, false);
+        const std::size_t taken = take(text, std::min(size, most), false);
         if (stopped_) {
             return false;
         }
-        text += taken;
-        size -= taken;
         if (taken == 0) {
             std::copy(text, text + size, carried_.begin());
             carriedSize_ = size;
             break;
         }
+        text += taken;
+        size -= taken;
     }
     return true;
 }
@@ -111,22 +113,20 @@ std::size_t Stream::take(const unsigned char *text, std::size_t size, bool atEnd
 }
 
 void Stream::convertGood(const unsigned char *text, std::size_t size) {
-    while (size != 0) {
-        const std::size_t length = piece(text, size, options_.pieceSize);
-        pieceStart_ = text;
-        convertPiece(text, length, options_.pieceSize);
-        position_.advance(text, length);
-        text += length;
-        size -= length;
-        if (out_.size() >= options_.outputSize) {
-            flush();
-        }
+    if (size == 0) {
+        return;
+    }
+    pieceStart_ = text;
+    convertPiece(text, size);
+    position_.advance(text, size);
+    if (out_.size() >= options_.outputSize) {
+        flush();
     }
 }
 
 // Converts a piece; when the library tells of a substitution, converts it again in smaller pieces down to the
 // single character, so that each is counted and the first one is placed.
-void Stream::convertPiece(const unsigned char *text, std::size_t size, std::size_t limit) {
+void Stream::convertPiece(const unsigned char *text, std::size_t size) {
     const std::size_t before = out_.size();
     if (!route_.convert(text, size, out_)) {
         return;
@@ -139,10 +139,10 @@ void Stream::convertPiece(const unsigned char *text, std::size_t size, std::size
         return;
     }
     out_.resize(before);
-    const std::size_t smaller = std::min(limit, size) / kShrink;
+    const std::size_t smaller = size / kShrink;
     while (size != 0) {
         const std::size_t length = piece(text, size, smaller);
-        convertPiece(text, length, smaller);
+        convertPiece(text, length);
         text += length;
         size -= length;
     }

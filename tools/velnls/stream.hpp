@@ -62,7 +62,7 @@ private:
     bool feedCarried(const unsigned char *&text, std::size_t &size);
     std::size_t take(const unsigned char *text, std::size_t size, bool atEnd);
     void convertGood(const unsigned char *text, std::size_t size);
-    void convertPiece(const unsigned char *text, std::size_t size, std::size_t limit);
+    void convertPiece(const unsigned char *text, std::size_t size);
     void noteSubstituted(const unsigned char *text, std::size_t size);
     void noteMalformed(Fault fault, const unsigned char *text, std::size_t bad, std::size_t size);
     std::size_t piece(const unsigned char *text, std::size_t size, std::size_t limit) const;
