@@ -52,6 +52,7 @@ nlsStatus loadTables(nlsHandle &handle, nlsLocale &locale) {
     if (const nlsStatus status = loadCharTable(handle, locale.codePageName, charTable); status != NLS_OK)
         return status;
     locale.charTable = charTable;
+    locale.header.proofs = provePage(*charTable);
     if (locale.collationName[0] != '\0') {
         Collation *collation = nullptr;
         const nlsStatus status =
@@ -62,7 +63,8 @@ nlsStatus loadTables(nlsHandle &handle, nlsLocale &locale) {
     }
     if (locale.caseTableName[0] != '\0') {
         const void *caseTable = nullptr;
-        const nlsStatus status = loadCaseTable(handle, locale.codePageName, locale.caseTableName, caseTable);
+        const nlsStatus status =
+            loadCaseTable(handle, *charTable, locale.codePageName, locale.caseTableName, caseTable);
         if (status != NLS_OK)
             return status;
         locale.caseTable = caseTable;
@@ -70,7 +72,20 @@ nlsStatus loadTables(nlsHandle &handle, nlsLocale &locale) {
     return NLS_OK;
 }
 
-// A code page that collates through Shift-JIS needs that locale and a conversion to it on the list.
+} // namespace
+
+std::uint32_t provePage(const CharTable &table) {
+    bool single = true;
+    bool utf8 = table.has(file::kUtf8);
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        const unsigned trails = table.trailCount(static_cast<std::uint8_t>(byte));
+        const unsigned expected = byte < 0xC0 || byte >= 0xF8 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
+        single = single && trails == 0;
+        utf8 = utf8 && trails == expected;
+    }
+    return (single ? kSingleBytePage : 0) | (utf8 ? kUtf8Page : 0);
+}
+
 nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale) {
     nlsLocale *companion = &locale;
     if (!sameName(locale.codePageName, kShiftJis)) {
@@ -82,8 +97,6 @@ nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale) {
     nlsConversion *conversion = nullptr;
     return createConversion(handle, locale, *companion, conversion);
 }
-
-} // namespace
 
 nlsStatus createLocale(nlsHandle &handle, const char *codePageName, const char *collationName,
                        const char *caseTableName, nlsLocale *&out) {

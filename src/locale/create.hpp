@@ -8,4 +8,11 @@ namespace velnls {
 nlsStatus createLocale(nlsHandle &handle, const char *codePageName, const char *collationName,
                        const char *caseTableName, nlsLocale *&out);
 
+// What the kernels may take for granted of a page: bits for a locale's proofs.
+std::uint32_t provePage(const CharTable &table);
+
+// For a code page that collates through Shift-JIS: creates that locale, with the same collation and case
+// table, and the conversion to it. The handle is not busy.
+nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale);
+
 } // namespace velnls

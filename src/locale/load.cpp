@@ -40,9 +40,15 @@ nlsStatus readUnicodeCaseTable(nlsHandle &handle, std::uint32_t offset, const vo
     UnicodeCaseTable *table = nullptr;
     if (const nlsStatus status = allocate(handle, sizeof *table, 2, table); status != NLS_OK)
         return status;
+    const auto takePage = [&handle](std::int32_t size, void *&page) {
+        return allocate(handle, size, 2, page);
+    };
+    if (const nlsStatus status = fillUnicodeCaseTable(raw, *table, takePage); status != NLS_OK)
+        return status;
+    // The room of a zero page is taken, although the constant serves.
+    void *unused = nullptr;
     out = table;
-    return fillUnicodeCaseTable(
-        raw, *table, [&handle](std::int32_t size, void *&page) { return allocate(handle, size, 2, page); });
+    return takePage(sizeof kZeroCasePage, unused);
 }
 
 } // namespace
@@ -70,16 +76,19 @@ nlsStatus loadCharTable(nlsHandle &handle, const char *codePageName, const CharT
     return NLS_OK;
 }
 
-nlsStatus loadCaseTable(nlsHandle &handle, const char *codePageName, const char *caseTableName,
-                        const void *&out) {
+nlsStatus loadCaseTable(nlsHandle &handle, const CharTable &charTable, const char *codePageName,
+                        const char *caseTableName, const void *&out) {
     Entry *const entry = findEntry(handle, file::kCaseTable, codePageName, caseTableName);
     if (entry == nullptr)
         return NLS_E_NOCASETABLE;
+    // UTF-8 text is mapped through pages, which a byte table does not have.
+    const bool paged = entry->format == file::kUnicodeCaseFormat;
+    if (charTable.has(file::kUtf8) && !paged)
+        return NLS_E_BADTABLE;
     if (entry->table == nullptr) {
         const void *table = nullptr;
-        const nlsStatus status = entry->format == file::kUnicodeCaseFormat
-                                     ? readUnicodeCaseTable(handle, entry->offset, table)
-                                     : readByteCaseTable(handle, entry->offset, table);
+        const nlsStatus status = paged ? readUnicodeCaseTable(handle, entry->offset, table)
+                                       : readByteCaseTable(handle, entry->offset, table);
         if (status != NLS_OK)
             return status;
         entry->table = table;

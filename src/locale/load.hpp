@@ -9,8 +9,9 @@ namespace velnls {
 // 0, or 1, 9 (no such character set), 21.
 nlsStatus loadCharTable(nlsHandle &handle, const char *codePageName, const CharTable *&out);
 
-// 0, or 1, 11 (no such case table), 21, 22. A ByteCaseTable, or a UnicodeCaseTable where the entry says so.
-nlsStatus loadCaseTable(nlsHandle &handle, const char *codePageName, const char *caseTableName,
-                        const void *&out);
+// 0, or 1, 11 (no such case table), 21, 22. A UnicodeCaseTable where the entry says so, which a UTF-8 page
+// needs, or a ByteCaseTable. `charTable` is that of the page.
+nlsStatus loadCaseTable(nlsHandle &handle, const CharTable &charTable, const char *codePageName,
+                        const char *caseTableName, const void *&out);
 
 } // namespace velnls

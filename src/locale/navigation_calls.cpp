@@ -58,7 +58,7 @@ nlsStatus nlsGetPrevChar(nlsLocale *locale, const char *p, const char *start, ch
         *prev = text(bytes(start));
         return NLS_E_END;
     }
-    *prev = text(previousCharacter(*locale->charTable, bytes(p), bytes(start)));
+    *prev = text(BackWalk(*locale->charTable, bytes(start)).before(bytes(p)));
     return NLS_OK;
 }
 

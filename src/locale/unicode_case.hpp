@@ -29,12 +29,12 @@ constexpr unsigned caseHalf(unsigned page) {
 // The page of all characters without another case; a constant, so that no table outlives the memory of
 // another.
 inline constexpr std::uint16_t kZeroCasePage[512] = {};
-inline constexpr std::int32_t kZeroCasePageSize = 1024;
-static_assert(sizeof kZeroCasePage == kZeroCasePageSize);
+inline constexpr std::uint32_t kZeroCasePageCount = 258; // what it adds to a table's size word
 
 // Fills `table` (zeroed by the caller). `takePage(size, memory)` supplies zeroed memory for pages and gives a
 // status. Later pairs overwrite earlier ones on the same slot. 0, 22 (an unpaired surrogate) or a status of
 // takePage.
+// Every page still missing is the zero page.
 template <typename TakePage>
 nlsStatus fillUnicodeCaseTable(const file::UnicodeCaseTable &record, UnicodeCaseTable &table,
                                TakePage takePage) {
@@ -70,13 +70,8 @@ nlsStatus fillUnicodeCaseTable(const file::UnicodeCaseTable &record, UnicodeCase
             anyMissing = true;
         }
     }
-    if (anyMissing) {
-        // The room of a zero page is taken and counted, although the constant serves.
-        void *unused = nullptr;
-        if (const nlsStatus status = takePage(kZeroCasePageSize, unused); status != NLS_OK)
-            return status;
-        table.size += 258;
-    }
+    if (anyMissing)
+        table.size += kZeroCasePageCount;
     return NLS_OK;
 }
 

@@ -27,21 +27,47 @@ inline bool isUtf8Trail(std::uint8_t byte) {
     return (byte & 0xC0) == 0x80;
 }
 
-// The character before `p`, which lies behind `start`.
-inline const std::uint8_t *previousCharacter(const CharTable &table, const std::uint8_t *p,
-                                             const std::uint8_t *start) {
-    --p;
-    if (table.has(file::kUtf8)) {
-        while (p != start && isUtf8Trail(*p))
-            --p;
-        return p;
-    }
-    // A byte begins a character when the run of lead-valued bytes before it has even length. Where it has odd
-    // length, the run before the byte in front is shorter by one, so that byte begins a character.
-    const std::uint8_t *run = p;
-    while (run != start && table.trailCount(run[-1]) != 0)
-        --run;
-    return (p - run) % 2 == 0 ? p : p - 1;
+// Where the run of lead-valued bytes begins that ends just before `p`.
+inline const std::uint8_t *leadRun(const CharTable &table, const std::uint8_t *p, const std::uint8_t *start) {
+    while (p != start && table.trailCount(p[-1]) != 0)
+        --p;
+    return p;
 }
+
+// Whether a character begins at `p`: in UTF-8 by the byte itself, elsewhere when the run of lead-valued bytes
+// before it has even length.
+inline bool beginsCharacter(const CharTable &table, const std::uint8_t *p, const std::uint8_t *start) {
+    return table.has(file::kUtf8) ? !isUtf8Trail(*p) : (p - leadRun(table, p, start)) % 2 == 0;
+}
+
+// Steps backwards through a text, character by character. A run of lead-valued bytes is measured once,
+// however many steps lead through it.
+class BackWalk {
+public:
+    BackWalk(const CharTable &table, const std::uint8_t *start) : table_(table), start_(start) {}
+
+    // The character before `p`, which lies behind the start.
+    const std::uint8_t *before(const std::uint8_t *p) {
+        --p;
+        if (table_.has(file::kUtf8)) {
+            while (p != start_ && isUtf8Trail(*p))
+                --p;
+            return p;
+        }
+        if (run_ == nullptr || p < run_ || p > runEnd_) {
+            run_ = leadRun(table_, p, start_);
+            runEnd_ = p;
+        }
+        // Where the run has odd length, the one before the byte in front is shorter by one: that byte begins
+        // a character.
+        return (p - run_) % 2 == 0 ? p : p - 1;
+    }
+
+private:
+    const CharTable &table_;
+    const std::uint8_t *start_;
+    const std::uint8_t *run_ = nullptr; // the run measured last, and where it was measured from
+    const std::uint8_t *runEnd_ = nullptr;
+};
 
 } // namespace velnls
