@@ -1,0 +1,31 @@
+// Case mapping of whole texts: one kernel per way, chosen by what the locale carries.
+//
+// Each reads to the end of the text and writes up to `room` bytes; no kernel writes the terminator behind a
+// complete text.
+#pragma once
+
+#include "locale/text.hpp"
+#include "string/case_map.hpp"
+
+#include <cstddef>
+
+namespace velnls {
+
+struct CaseResult {
+    std::size_t written;
+    bool complete;     // false: the room ran out
+    bool cutCharacter; // and it was a multibyte character that did not fit
+};
+
+template <Case kCase>
+CaseResult mapByRuntime(const CharTable &chars, Text text, std::uint8_t *out, std::size_t room);
+
+template <Case kCase>
+CaseResult mapByBytes(const CharTable &chars, const ByteCaseTable &table, Text text, std::uint8_t *out,
+                      std::size_t room);
+
+template <Case kCase>
+CaseResult mapByPages(const CharTable &chars, const UnicodeCaseTable &table, Text text, std::uint8_t *out,
+                      std::size_t room);
+
+} // namespace velnls

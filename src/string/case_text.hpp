@@ -1,0 +1,20 @@
+// Case mapping of a text by whatever case table its locale carries.
+#pragma once
+
+#include "locale/locale.hpp"
+#include "string/case_kernels.hpp"
+
+namespace velnls {
+
+template <Case kCase>
+CaseResult mapTextCase(const nlsLocale &locale, Text text, std::uint8_t *out, std::size_t room) {
+    const CharTable &chars = *locale.charTable;
+    if (locale.caseTable == nullptr)
+        return mapByRuntime<kCase>(chars, text, out, room);
+    if (chars.has(file::kUtf8))
+        return mapByPages<kCase>(chars, *static_cast<const UnicodeCaseTable *>(locale.caseTable), text, out,
+                                 room);
+    return mapByBytes<kCase>(chars, *static_cast<const ByteCaseTable *>(locale.caseTable), text, out, room);
+}
+
+} // namespace velnls
