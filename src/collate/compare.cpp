@@ -1,0 +1,38 @@
+#include "collate/compare.hpp"
+
+#include "collate/basic.hpp"
+#include "collate/shift_jis.hpp"
+#include "collate/thai.hpp"
+#include "collate/weights.hpp"
+
+namespace velnls {
+
+nlsStatus compareTexts(const nlsLocale &locale, Text a, Text b, unsigned mode, int &result) {
+    const Collation &collation = *locale.collation;
+    switch (collation.kind) {
+    case file::kThai:
+        result = compareThai(mode != 0 ? collation.caseSensitive : collation.caseInsensitive, a, b);
+        return NLS_OK;
+    case file::kBasic:
+        result = mode != 0 ? compareBytes(a, b) : compareFolded(locale, a, b);
+        return NLS_OK;
+    default:
+        break;
+    }
+    const WeightOrder order{weightsOf(collation, mode), locale.charTable};
+    if (order.weights == nullptr)
+        return NLS_E_NULLARG;
+    if (locale.charTable->has(file::kThroughShiftJis)) {
+        ShiftJisWay way{};
+        if (const nlsStatus status = findShiftJisWay(locale, way); status != NLS_OK)
+            return status;
+        result = compareThroughShiftJis(order, way, a, b);
+    } else if ((locale.header.proofs & kSingleBytePage) != 0) {
+        result = compareByByteWeights(order, a, b);
+    } else {
+        result = compareByWeights(order, a, b);
+    }
+    return NLS_OK;
+}
+
+} // namespace velnls

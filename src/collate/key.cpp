@@ -1,0 +1,105 @@
+#include "collate/key.hpp"
+
+#include "collate/basic.hpp"
+#include "collate/compare.hpp"
+#include "collate/shift_jis.hpp"
+#include "collate/thai.hpp"
+#include "collate/weights.hpp"
+#include "string/case_text.hpp"
+
+#include <cstring>
+
+namespace velnls {
+
+namespace {
+
+// The length of a text that must stay below `limit`; `limit` when it does not.
+std::size_t boundedLength(Text text, std::size_t limit) {
+    std::size_t length = 0;
+    while (length < limit && text.at + length != text.end && text.at[length] != 0)
+        ++length;
+    return length;
+}
+
+// The BASIC key: the text itself, or in lower case. Nothing is written when it does not fit.
+void writeBasicKey(const nlsLocale &locale, Text text, unsigned mode, std::uint8_t *key, std::size_t size) {
+    if (mode > 1)
+        return;
+    const std::size_t length = boundedLength(text, size);
+    if (length >= size)
+        return;
+    if (mode == 1) {
+        std::memmove(key, text.at, length);
+        key[length] = 0;
+        return;
+    }
+    const CaseResult result = mapTextCase<Case::Lower>(locale, text, key, size - 1);
+    key[result.written] = 0;
+}
+
+// The same of a text that goes through Shift-JIS, as if the converted text lay in a buffer of its own.
+void writeBasicKeyThroughShiftJis(const nlsLocale &locale, const ShiftJisWay &way, Text text, unsigned mode,
+                                  std::uint8_t *key, std::size_t size) {
+    if (mode > 1 || size == 0)
+        return;
+    std::size_t length = 0;
+    while (!text.ended()) {
+        std::uint8_t bytes[2] = {};
+        const unsigned count = takeAsShiftJis(*locale.charTable, way, text, bytes);
+        if (length + count >= size)
+            break;
+        // Only single bytes have a case in a page of one and two bytes.
+        if (count == 1 && mode == 0)
+            bytes[0] = static_cast<std::uint8_t>(foldNumber(locale, bytes[0]));
+        std::memcpy(key + length, bytes, count);
+        length += count;
+    }
+    key[length] = 0;
+}
+
+} // namespace
+
+void writeTableKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
+                   std::size_t size) {
+    if (size == 0)
+        return;
+    const WeightOrder order{weightsOf(*locale.collation, mode), locale.charTable};
+    std::size_t length = 0;
+    if (order.weights != nullptr) {
+        const Expansion expansion =
+            spellsLiteralSs(*locale.collation) ? Expansion::Literal : Expansion::Weights;
+        ShiftJisWay way{};
+        if (!locale.charTable->has(file::kThroughShiftJis))
+            length = writeWeightKey(order, expansion, text, key, size - 1);
+        else if (findShiftJisWay(locale, way) == NLS_OK)
+            length = writeWeightKeyThroughShiftJis(order, way, expansion, text, key, size - 1);
+        while (trimKey && length > 0 && key[length - 1] == ' ')
+            --length;
+    }
+    key[length] = 0;
+}
+
+void writeSortKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
+                  std::size_t size) {
+    const Collation &collation = *locale.collation;
+    switch (collation.kind) {
+    case file::kThai:
+        if (size != 0)
+            key[writeThaiKey(mode != 0 ? collation.caseSensitive : collation.caseInsensitive, text, key,
+                             size - 1)] = 0;
+        return;
+    case file::kBasic: {
+        ShiftJisWay way{};
+        if (!locale.charTable->has(file::kThroughShiftJis))
+            writeBasicKey(locale, text, mode, key, size);
+        else if (findShiftJisWay(locale, way) == NLS_OK)
+            writeBasicKeyThroughShiftJis(locale, way, text, mode, key, size);
+        return;
+    }
+    default:
+        writeTableKey(locale, text, mode, trimKey, key, size);
+        return;
+    }
+}
+
+} // namespace velnls

@@ -1,0 +1,79 @@
+#include "collate/sort_data.hpp"
+
+#include "convert/build.hpp"
+#include "core/text.hpp"
+
+#include <cstring>
+
+namespace velnls {
+
+namespace {
+
+constexpr char kUtf8Name[] = "utf-8";
+constexpr std::uint8_t kOneColumnClass = 11;
+constexpr std::uint8_t kFirstTrailClass = 8; // plus the trail count
+
+// Letters 2, digits 3, all else 1.
+void classByLetters(const CharTable &letters, std::uint8_t (&map)[256]) {
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        const bool digit = byte >= '0' && byte <= '9';
+        map[byte] = letters.classes[byte] != 0 ? 2 : digit ? 3 : 1;
+    }
+}
+
+void classByTrails(const CharTable &chars, std::uint8_t (&map)[256]) {
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        const unsigned trails = chars.trailCount(static_cast<std::uint8_t>(byte));
+        if (trails != 0)
+            map[byte] = static_cast<std::uint8_t>(kFirstTrailClass + trails);
+        else if ((chars.attributes[byte] & file::kOneColumn) != 0)
+            map[byte] = kOneColumnClass;
+    }
+}
+
+void reindex(const std::uint8_t *byteMap, std::uint8_t *map) {
+    std::uint8_t old[256];
+    std::memcpy(old, map, sizeof old);
+    for (unsigned byte = 0; byte < 256; ++byte)
+        map[byteMap[byte]] = old[byte];
+}
+
+} // namespace
+
+nlsStatus buildSortData(const nlsLocale &locale, const std::uint16_t *sortData, const nlsLocale *target,
+                        const void *converter, std::uint8_t *block, std::uint64_t room) {
+    const std::uint32_t length = sortDataLength(sortData);
+    if (length < sizeof(SortDataHead) || length > room)
+        return NLS_E_TABLE;
+    std::memcpy(block, sortData, length);
+    auto &head = *reinterpret_cast<SortDataHead *>(block);
+    if (head.classMap < sizeof head || head.classMap + 256u > room)
+        return NLS_E_TABLE;
+
+    const CharTable &chars = *locale.charTable;
+    const bool utf8 = chars.has(file::kUtf8);
+    const bool targetLetters = head.format < kTwoByteFormat && !utf8 && target != nullptr;
+    std::uint8_t built[256];
+    classByLetters(targetLetters ? *target->charTable : chars, built);
+    if (chars.has(file::kMultibyte) && (utf8 || head.format == kTwoByteFormat))
+        classByTrails(chars, built);
+    std::uint8_t *const map = block + head.classMap;
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        if (map[byte] == 0)
+            map[byte] = built[byte];
+    }
+    if (utf8)
+        head.flags |= kUtf8Locale;
+    if (target == nullptr)
+        return NLS_OK;
+    if (sameName(locale.codePageName, kUtf8Name))
+        head.flags |= kFromUtf8;
+    else if (sameName(target->codePageName, kUtf8Name))
+        head.flags |= kToUtf8;
+    else if (const std::uint8_t *const byteMap = byteMapOf(converter);
+             head.format == kTwoByteFormat && byteMap != nullptr)
+        reindex(byteMap, map);
+    return NLS_OK;
+}
+
+} // namespace velnls

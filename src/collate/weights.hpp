@@ -1,0 +1,47 @@
+// The order of single-byte weight tables: one weight per step from each string, the first difference decides.
+#pragma once
+
+#include "collate/shift_jis.hpp"
+#include "locale/tables.hpp"
+#include "locale/text.hpp"
+
+#include <cstddef>
+
+namespace velnls {
+
+// A table of 256 weights with the page it is for. A character of weight 0 expands to two weights of "s".
+struct WeightOrder {
+    const std::uint8_t *weights;
+    const CharTable *chars;
+
+    [[nodiscard]] std::uint8_t expansion() const {
+        return weights['s'];
+    }
+};
+
+// -1, 0 or 1. A lead byte gives its weight and then its trail byte as it stands.
+int compareByWeights(const WeightOrder &order, Text a, Text b);
+
+// The same where the whole page is single bytes.
+int compareByByteWeights(const WeightOrder &order, Text a, Text b);
+
+// The same for a page that collates through Shift-JIS: each character is converted first. A character that
+// becomes a single byte gives that byte's weight alone.
+int compareThroughShiftJis(const WeightOrder &order, const ShiftJisWay &way, Text a, Text b);
+
+// How a key spells a character of weight 0: the weight of "s" twice, or the letters "SS" themselves.
+enum class Expansion {
+    Weights,
+    Literal
+};
+
+// Writes one byte per step, at most `room`, and gives their number. A pair may be cut after its first byte.
+std::size_t writeWeightKey(const WeightOrder &order, Expansion expansion, Text text, std::uint8_t *key,
+                           std::size_t room);
+
+// The same of a text that is converted to Shift-JIS on the way.
+std::size_t writeWeightKeyThroughShiftJis(const WeightOrder &order, const ShiftJisWay &way,
+                                          Expansion expansion, Text text, std::uint8_t *key,
+                                          std::size_t room);
+
+} // namespace velnls
