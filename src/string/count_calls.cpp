@@ -1,0 +1,134 @@
+// nlsCountBytes, nlsCountChars, nlsCountColumns, nlsSubstr, nlsExtract, nlsValidateString.
+#include "core/text.hpp"
+#include "locale/checks.hpp"
+#include "locale/walk.hpp"
+#include "string/count.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+using namespace velnls;
+
+namespace {
+
+const std::uint8_t *bytesOf(const char *text) {
+    return reinterpret_cast<const std::uint8_t *>(text);
+}
+
+// 0, 13, 24, 16 (`argumentsGiven` is false) or 27.
+nlsStatus checkText(const nlsLocale *locale, bool argumentsGiven) {
+    if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
+        return status;
+    if (!argumentsGiven)
+        return NLS_E_NULLARG;
+    return locale->charTable == nullptr ? NLS_E_NOCHARTAB : NLS_OK;
+}
+
+// The string's length as far as it matters: no byte behind `limit` is looked at.
+std::uint32_t lengthUpTo(const char *str, std::uint32_t limit) {
+    return static_cast<std::uint32_t>(::strnlen(str, limit));
+}
+
+} // namespace
+
+nlsStatus nlsCountBytes(nlsLocale *locale, const char *str, int32_t chars, uint32_t *bytes) {
+    if (const nlsStatus status = checkText(locale, str != nullptr && bytes != nullptr); status != NLS_OK)
+        return status;
+    *bytes = 0;
+    if (chars < 0)
+        return NLS_E_NULLARG;
+    const auto length = static_cast<std::uint32_t>(std::strlen(str));
+    const auto wanted = static_cast<std::uint32_t>(chars);
+    if (wanted > length) {
+        *bytes = length;
+        return NLS_OK;
+    }
+    return countBytes(*locale->charTable, bytesOf(str), length, wanted, *bytes);
+}
+
+nlsStatus nlsCountChars(nlsLocale *locale, const char *str, int32_t bytes, uint32_t *chars) {
+    if (const nlsStatus status = checkText(locale, str != nullptr && chars != nullptr); status != NLS_OK)
+        return status;
+    *chars = 0;
+    if (bytes < 0)
+        return NLS_E_NULLARG;
+    const std::uint32_t limit = lengthUpTo(str, static_cast<std::uint32_t>(bytes));
+    if (!locale->charTable->has(file::kMultibyte)) {
+        *chars = limit;
+        return NLS_OK;
+    }
+    return countCharacters(*locale->charTable, bytesOf(str), limit, *chars);
+}
+
+nlsStatus nlsCountColumns(nlsLocale *locale, const char *str, int32_t bytes, uint32_t *columns) {
+    if (const nlsStatus status = checkText(locale, str != nullptr && columns != nullptr); status != NLS_OK)
+        return status;
+    *columns = 0;
+    if (bytes < 0)
+        return NLS_E_NULLARG;
+    const auto limit = static_cast<std::uint32_t>(bytes);
+    if (lengthUpTo(str, limit) < limit)
+        return NLS_E_NULLARG;
+    *columns = countColumns(*locale->charTable, bytesOf(str), limit);
+    return NLS_OK;
+}
+
+nlsStatus nlsSubstr(nlsLocale *locale, const char *str, int32_t start, int32_t length, uint32_t *chars,
+                    nlsStr *out) {
+    const bool given = str != nullptr && chars != nullptr && out != nullptr;
+    if (const nlsStatus status = checkText(locale, given); status != NLS_OK)
+        return status;
+    *chars = 0;
+    if (start < 1 || length < 0)
+        return NLS_E_NULLARG;
+    const auto needed = static_cast<std::uint32_t>(std::max(start, length));
+    if (lengthUpTo(str, needed) < needed)
+        return NLS_E_NULLARG;
+    const CharTable &table = *locale->charTable;
+    const std::uint8_t *const begin = bytesOf(str);
+    const std::uint8_t *from = begin + (start - 1);
+    const std::uint8_t *const end = from + length; // behind the byte range
+    while (*from != 0 && !beginsCharacter(table, from, begin))
+        ++from;
+    const std::uint8_t *to = from;
+    while (to < end && *to != 0) {
+        const Text character = terminatedText(to);
+        const unsigned whole = table.trailCount(*to) + 1;
+        if (end - to < static_cast<std::ptrdiff_t>(whole) || character.available(whole) < whole)
+            break;
+        to += whole;
+        ++*chars;
+    }
+    return nlsCopyString(reinterpret_cast<const char *>(from), static_cast<std::int32_t>(to - from), out);
+}
+
+nlsStatus nlsExtract(nlsLocale *locale, const char *str, uint32_t chars, nlsStr *out) {
+    if (const nlsStatus status = checkText(locale, str != nullptr && out != nullptr); status != NLS_OK)
+        return status;
+    std::uint32_t bytes = 0;
+    constexpr std::uint32_t kAll = 0x7FFFFFFF; // more characters than any string has
+    const nlsStatus status =
+        nlsCountBytes(locale, str, static_cast<std::int32_t>(std::min(chars, kAll)), &bytes);
+    return status != NLS_OK ? status : nlsCopyString(str, static_cast<std::int32_t>(bytes), out);
+}
+
+nlsStatus nlsValidateString(nlsLocale *locale, const void *data, int32_t length, uint32_t byteOrder,
+                            uint32_t *count) {
+    if (const nlsStatus status = checkText(locale, data != nullptr && count != nullptr); status != NLS_OK)
+        return status;
+    *count = 0;
+    if (length < 0)
+        return NLS_E_NULLARG;
+    const CharTable &table = *locale->charTable;
+    const auto *const bytes = static_cast<const std::uint8_t *>(data);
+    if (!table.has(file::kMultibyte)) {
+        const auto whole = static_cast<std::uint32_t>(length);
+        *count = lengthUpTo(static_cast<const char *>(data), whole);
+        return *count == whole ? NLS_OK : NLS_E_END;
+    }
+    if (table.has(file::kWide))
+        return validateUtf16(bytes, length, byteOrder > 0, *count);
+    if (table.has(file::kUnits32))
+        return validateUtf32(bytes, length, byteOrder > 0, *count);
+    return validateBytes(table, bytes, length, *count);
+}
