@@ -1,0 +1,146 @@
+// SQL LIKE over whole characters.
+//
+// Only the last any-string wildcard is ever tried again. Which rest of the pattern matches from a place
+// depends on nothing before that place, and a later start of an any-string wildcard leaves it fewer places to
+// try; so when everything behind it has failed once, moving an earlier wildcard cannot help. The walk takes
+// constant memory and time proportional to the pattern times the string at worst.
+#pragma once
+
+#include "string/pages.hpp"
+#include "velnls.h"
+
+namespace velnls {
+
+// Character values: bytes read as a big-endian number; 63 for characters of five bytes and more. Escape 0:
+// none.
+struct LikeSigns {
+    std::uint32_t escape;
+    std::uint32_t oneCharacter;
+    std::uint32_t anyString;
+};
+
+inline constexpr nlsStatus kLikeNo = 0;
+inline constexpr nlsStatus kLikeYes = 1;
+inline constexpr nlsStatus kLikeBadEscape = static_cast<nlsStatus>(-1);
+
+template <typename Page>
+class LikeWalk {
+public:
+    LikeWalk(const Page &page, const LikeSigns &signs) : page_(page), signs_(signs) {}
+
+    nlsStatus match(const std::uint8_t *pattern, const std::uint8_t *string) {
+        nlsStatus result = matchTo(pattern, string);
+        while (result == kAtAnyString) {
+            pattern = pattern_;
+            if (*pattern == 0)
+                return kLikeYes;
+            const std::uint8_t *start = string_;
+            // A failure inside what the wildcard tries only means that there is no match there.
+            do {
+                if (*start == 0)
+                    return kLikeNo;
+                result = matchTo(pattern, start);
+                for (std::size_t steps = absorbed_ + 1; steps > 0 && *start != 0; --steps)
+                    start = page_.characterAt(start).end();
+            } while (result != kLikeYes && result != kAtAnyString);
+        }
+        return result;
+    }
+
+private:
+    static constexpr nlsStatus kAtAnyString = 0x10000; // no status has this value
+
+    struct Sign {
+        std::uint32_t value;
+        Character character;
+    };
+
+    [[nodiscard]] Sign signAt(const std::uint8_t *at) const {
+        const Character character = page_.characterAt(at);
+        std::uint32_t value = 0;
+        if (character.length > 4)
+            value = '?';
+        else
+            for (unsigned i = 0; i < character.length; ++i)
+                value = value << 8 | character.at[i];
+        return {value, character};
+    }
+    [[nodiscard]] bool isOneCharacter(std::uint32_t value) const {
+        return value == signs_.oneCharacter && value != signs_.escape;
+    }
+    [[nodiscard]] bool isAnyString(std::uint32_t value) const {
+        return value == signs_.anyString && value != signs_.escape;
+    }
+    [[nodiscard]] bool isOnlyAnyString(const std::uint8_t *pattern) const {
+        const Sign sign = signAt(pattern);
+        return isAnyString(sign.value) && *sign.character.end() == 0 && sign.character.length != 0;
+    }
+
+    // Matches up to a verdict or to the next any-string wildcard, whose places behind it and in the string it
+    // leaves in pattern_ and string_. absorbed_ counts what the pattern's last literal took beyond its own
+    // character: the character that stopped it stops every start as far as that, so they need not be tried.
+    nlsStatus matchTo(const std::uint8_t *pattern, const std::uint8_t *string) {
+        absorbed_ = 0;
+        for (;;) {
+            Sign sign = signAt(pattern);
+            const std::uint8_t *rest = sign.character.end();
+            if (isOneCharacter(sign.value)) {
+                if (*string == 0)
+                    return kLikeNo;
+                string = page_.characterAt(string).end();
+                if (*rest == 0 && *string != 0)
+                    return kLikeNo;
+                pattern = rest;
+                continue;
+            }
+            if (isAnyString(sign.value)) {
+                pattern_ = rest;
+                string_ = string;
+                return *rest == 0 || *string != 0 ? kAtAnyString : kLikeNo;
+            }
+            if (signs_.escape != 0 && sign.value == signs_.escape) {
+                sign = signAt(rest);
+                if (sign.value != signs_.escape && sign.value != signs_.oneCharacter &&
+                    sign.value != signs_.anyString)
+                    return kLikeBadEscape;
+                rest = sign.character.end();
+            } else if (*pattern == 0 && *string == 0) {
+                return kLikeYes;
+            }
+            nlsStatus verdict = kLikeNo;
+            if (!takeLiteral(sign.character, rest, string, verdict))
+                return verdict;
+            pattern = rest;
+        }
+    }
+
+    // Compares a literal with the string's character and steps over it. False where that decides.
+    bool takeLiteral(Character literal, const std::uint8_t *rest, const std::uint8_t *&string,
+                     nlsStatus &verdict) {
+        for (;;) {
+            const Character character = page_.characterAt(string);
+            bool equal = false;
+            const nlsStatus status = page_.equal(literal, character, equal);
+            if (status != NLS_OK || !equal) {
+                verdict = status != NLS_OK ? status : kLikeNo;
+                return false;
+            }
+            string = character.end();
+            if (*string == 0) {
+                verdict = *rest == 0 || isOnlyAnyString(rest) ? kLikeYes : kLikeNo;
+                return false;
+            }
+            if (*rest != 0)
+                return true;
+            ++absorbed_; // the pattern's last literal takes repeats of itself
+        }
+    }
+
+    const Page &page_;
+    const LikeSigns &signs_;
+    const std::uint8_t *pattern_ = nullptr;
+    const std::uint8_t *string_ = nullptr;
+    std::size_t absorbed_ = 0;
+};
+
+} // namespace velnls

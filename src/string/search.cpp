@@ -1,0 +1,13 @@
+#include "string/search.hpp"
+
+#include "string/count.hpp"
+
+namespace velnls {
+
+nlsStatus countText(const CharTable &table, const std::uint8_t *text, std::size_t length, Counted &counted) {
+    const auto bytes = static_cast<std::uint32_t>(length);
+    counted = {text, text + length, bytes};
+    return table.has(file::kMultibyte) ? countCharacters(table, text, bytes, counted.characters) : NLS_OK;
+}
+
+} // namespace velnls
