@@ -87,6 +87,20 @@ TEST(Convert, TheJapanesePagesTurnIntoEachOther) {
     EXPECT_EQ(converted({"-f", "EUCJIS", "-t", "SHIFT-JIS"}, "\xB0\xA1\x8E\xB1"), "\x88\x9F\xB1");
 }
 
+// ICU is bound at run time; where it is not there, the message says what is missing.
+TEST(Convert, APageOfIcuWorksOrNamesIcu) {
+    const Result result = runTool({"convert", "-f", "GB18030"}, "a\xC8\xD5\x81\x30\x81\x30");
+    if (result.exitCode == 0) {
+        EXPECT_EQ(result.out, "a\xE6\x97\xA5\xC2\x80");
+        return;
+    }
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "velnls: the conversion from GB18030 to UTF-8 in the built-in data file cannot be used: it "
+              "needs ICU, or its table is broken\n");
+}
+
 TEST(Convert, FilesAreConvertedOneAfterTheOther) {
     const Folder folder;
     const std::string first = folder.write("first", "\xE9");

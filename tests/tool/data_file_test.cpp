@@ -124,6 +124,37 @@ TEST(DataFile, WithoutThePageSaysSo) {
     EXPECT_EQ(result.err, "velnls: unknown code page '1252'; 'velnls list charsets' names all\n");
 }
 
+// The data file with every directory entry that names UTF-8 spelled otherwise.
+std::string withoutUtf8() {
+    std::string bytes = readFile(VELNLS_DATA);
+    const std::size_t entries = std::stoul(bytes.substr(8, 3));
+    const std::size_t start = std::stoul(bytes.substr(4, 2));
+    for (std::size_t i = 0; i < 2 * entries; ++i) {
+        // Two names of 20 bytes begin each entry of 64.
+        const std::size_t name = start + i / 2 * 64 + i % 2 * 20;
+        if (bytes.compare(name, 6, BYTES("UTF-8\0")) == 0) {
+            bytes[name] = 'X';
+        }
+    }
+    return bytes;
+}
+
+TEST(DataFile, WithoutUtf8StillConvertsWhatItLists) {
+    const Folder folder;
+    const std::string file = folder.write("data", withoutUtf8());
+    const Result direct = runTool({"convert", "-f", "1252", "-t", "IBM850", "--data", file}, "\xE9");
+    EXPECT_EQ(direct.exitCode, 0) << direct.err;
+    EXPECT_EQ(direct.out, "\x82");
+    const Result none = runTool({"convert", "-f", "1252", "-t", "1251", "--data", file}, "a");
+    EXPECT_EQ(none.exitCode, 2);
+    EXPECT_EQ(none.err, "velnls: no conversion from 1252 to 1251 in " + file +
+                            ", neither directly nor through UTF-8\n");
+    const Result info = runTool({"info", "1252", "--data", file});
+    EXPECT_EQ(info.exitCode, 0) << info.err;
+    EXPECT_NE(info.out.find("defined codes    not known: the data file has no UTF-8\n"), std::string::npos)
+        << info.out;
+}
+
 TEST(StatusWords, EveryStatusOfTheHeaderHasItsOwn) {
     std::vector<std::string> words;
     for (const nlsStatus status : {NLS_OK,          NLS_E_NOMEM,       NLS_E_BUFFER,      NLS_E_READ,

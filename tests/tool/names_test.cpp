@@ -143,6 +143,7 @@ TEST(Info, TellsTheByteOrderOfUnits) {
     EXPECT_EQ(infoLine("UTF-16", "kind"), "Unicode, 16-bit units, low byte first");
     EXPECT_EQ(infoLine("UTF-16BE", "kind"), "Unicode, 16-bit units, high byte first");
     EXPECT_EQ(infoLine("UTF-32BE", "kind"), "Unicode, 32-bit units, high byte first");
+    EXPECT_EQ(infoLine("UTF-16", "case tables"), "none");
     EXPECT_EQ(infoLine("UTF-8", "bytes"), "1 to 4");
     EXPECT_EQ(infoLine("UTF-8", "defined codes"), "every code point of Unicode");
 }

@@ -1,6 +1,7 @@
 // The progress bar, with a clock of its own.
 #include <gtest/gtest.h>
 
+#include "process.hpp"
 #include "progress.hpp"
 
 namespace velnls::tool {
@@ -72,6 +73,37 @@ TEST_F(ProgressBar, OfAFileThatGrewStaysFull) {
     time += milliseconds(1000);
     progress.update(150 * kMegabyte);
     EXPECT_EQ(shown, "\r100% [==============================] 150 of 100 MB  150 MB/s\033[K");
+}
+
+// Runs the shell command with a terminal for its streams, as far as it does not redirect them.
+Result runInTerminal(const std::string &command) {
+    const Folder folder;
+    const std::string file = folder.write("command", command);
+    return runShell("SHELL=/bin/sh script -qec 'sh " + file + "' /dev/null </dev/null");
+}
+
+constexpr char kSlowInput[] = "(printf a; sleep 2.2; printf b) | ";
+
+TEST(ProgressOnTheTerminal, AppearsAndIsWipedAwayWhenInputTakesLong) {
+    if (runShell("command -v script").exitCode != 0) {
+        GTEST_SKIP() << "no program 'script' to make a terminal";
+    }
+    const Result result = runInTerminal(kSlowInput + std::string("\"$VELNLS\" convert >/dev/null"));
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "\r0 MB  0 MB/s\033[K\r\033[K");
+}
+
+TEST(ProgressOnTheTerminal, StaysAwayWhenTheTextItselfGoesThere) {
+    if (runShell("command -v script").exitCode != 0) {
+        GTEST_SKIP() << "no program 'script' to make a terminal";
+    }
+    EXPECT_EQ(runInTerminal(kSlowInput + std::string("\"$VELNLS\" convert")).out, "ab");
+}
+
+TEST(ProgressOnTheTerminal, StaysAwayWhenStandardErrorIsAFile) {
+    const Result result = runShell(kSlowInput + std::string("\"$VELNLS\" convert"));
+    EXPECT_EQ(result.out, "ab");
+    EXPECT_EQ(result.err, "");
 }
 
 } // namespace

@@ -11,7 +11,7 @@ namespace velnls::tool {
 
 DataSource::DataSource(const std::string &path) {
     if (path.empty()) {
-        name_ = "built-in data file";
+        name_ = "the built-in data file";
         bytes_ = {velnlsDataBegin, velnlsDataEnd};
         return;
     }

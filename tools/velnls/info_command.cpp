@@ -92,7 +92,7 @@ std::string joined(const std::vector<std::string> &items) {
     for (const std::string &item : items) {
         words += (words.empty() ? "" : ", ") + item;
     }
-    return words;
+    return words.empty() ? "none" : words;
 }
 
 std::vector<std::uint32_t> bytesWhere(const std::array<unsigned char, 256> &table) {
@@ -184,11 +184,17 @@ int runInfo(const InfoOptions &options) {
                            (page.form == Form::Multibyte &&
                             *std::max_element(page.trailCount.begin(), page.trailCount.end()) == 1);
     if (countable) {
-        const Page utf8 = describePage(library, "UTF-8");
-        const CodeCensus census = takeCensus(library, page, utf8);
-        line("defined codes", std::to_string(census.defined));
-        line("undefined codes", std::to_string(census.undefined.size()));
-        line("one-way codes", countAndRanges(census.oneWay));
+        try {
+            const Page utf8 = describePage(library, resolvePage(library, "UTF-8"));
+            const CodeCensus census = takeCensus(library, page, utf8);
+            line("defined codes", std::to_string(census.defined));
+            line("undefined codes", std::to_string(census.undefined.size()));
+            line("one-way codes", countAndRanges(census.oneWay));
+        } catch (const UnknownPage &) {
+            line("defined codes", "not known: the data file has no UTF-8");
+        } catch (const NoRoute &) {
+            line("defined codes", "not known: no conversion to UTF-8 and back");
+        }
     } else if (page.isUnicode()) {
         line("defined codes", "every code point of Unicode");
     }

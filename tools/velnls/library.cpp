@@ -115,17 +115,33 @@ nlsStatus Library::withMemory(Call call) {
     }
 }
 
+nlsStatus Library::create(const std::string &codePage, nlsLocale *&locale) {
+    return withMemory(
+        [&] { return nlsCreateLocale(handle_, codePage.c_str(), NLS_NO_COLLATION, nullptr, &locale); });
+}
+
 nlsLocale *Library::locale(const std::string &codePage) {
     nlsLocale *result = nullptr;
-    const nlsStatus status = withMemory(
-        [&] { return nlsCreateLocale(handle_, codePage.c_str(), NLS_NO_COLLATION, nullptr, &result); });
+    const nlsStatus status = create(codePage, result);
     if (status != NLS_OK) {
         throw StatusError("code page " + codePage + " of " + data_.name(), status);
     }
     return result;
 }
 
+nlsLocale *Library::utf8() {
+    nlsLocale *result = nullptr;
+    const nlsStatus status = create("UTF-8", result);
+    if (status != NLS_OK && status != NLS_E_NOCHARSET) {
+        throw StatusError("code page UTF-8 of " + data_.name(), status);
+    }
+    return result;
+}
+
 nlsConversion *Library::conversion(nlsLocale *source, nlsLocale *target) {
+    if (source == nullptr || target == nullptr) {
+        return nullptr;
+    }
     nlsConversion *result = nullptr;
     const nlsStatus status =
         withMemory([&] { return nlsCreateConversion(handle_, source, target, &result); });

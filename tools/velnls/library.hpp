@@ -43,7 +43,9 @@ public:
 
     // A locale without collation and case table.
     nlsLocale *locale(const std::string &codePage);
-    // Null when the data file has no way from "source" to "target".
+    // The same for UTF-8, the page in the middle; null when the data file does not have it.
+    nlsLocale *utf8();
+    // Null when the data file has no way from "source" to "target", or one of them is null.
     nlsConversion *conversion(nlsLocale *source, nlsLocale *target);
 
     // The names of the whole data file.
@@ -70,6 +72,7 @@ private:
     void lendMore();
     template <typename Call>
     nlsStatus withMemory(Call call);
+    nlsStatus create(const std::string &codePage, nlsLocale *&locale);
 
     const DataSource &data_;
     std::uint32_t token_ = 0;

@@ -11,7 +11,7 @@ namespace {
 
 // One short text from UTF-8 to the page; empty when there is no conversion.
 std::string fromUtf8(Library &library, nlsLocale *target, const char *text) {
-    nlsConversion *conversion = library.conversion(library.locale("UTF-8"), target);
+    nlsConversion *conversion = library.conversion(library.utf8(), target);
     if (conversion == nullptr) {
         return {};
     }

@@ -2,6 +2,7 @@
 #include "route.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace velnls::tool {
 
@@ -12,16 +13,31 @@ constexpr std::size_t kLargestExpansion = 4;
 // The terminator that the library writes behind the text, and slack for room rules that keep bytes back.
 constexpr std::size_t kSpare = 16;
 
+// Tells conversions that the data file does not have from those that it has but that could not be made.
+std::string whyNoRoute(const Library &library, const std::string &source, const std::string &target) {
+    const std::vector<std::string> listed = library.list(NameList::Conversions);
+    const std::pair<std::string, std::string> steps[] = {
+        {source, target}, {source, "UTF-8"}, {"UTF-8", target}};
+    const auto isListed = [&](const auto &step) {
+        return std::find(listed.begin(), listed.end(), step.first + " -> " + step.second) != listed.end();
+    };
+    if (isListed(steps[0]) || (isListed(steps[1]) && isListed(steps[2]))) {
+        return "the conversion from " + source + " to " + target + " in " + library.data().name() +
+               " cannot be used: it needs ICU, or its table is broken";
+    }
+    return "no conversion from " + source + " to " + target + " in " + library.data().name() +
+           ", neither directly nor through UTF-8";
+}
+
 } // namespace
 
 Route::Route(Library &library, const Page &source, const Page &target) : source_(source), target_(target) {
     direct_ = library.conversion(source.locale, target.locale);
-    nlsLocale *utf8 = library.locale("UTF-8");
+    nlsLocale *utf8 = library.utf8();
     toUtf8_ = library.conversion(source.locale, utf8);
     fromUtf8_ = library.conversion(utf8, target.locale);
     if (direct_ == nullptr && (toUtf8_ == nullptr || fromUtf8_ == nullptr)) {
-        throw NoRoute("no conversion from " + source.name + " to " + target.name + " in the " +
-                      library.data().name() + ", neither directly nor through UTF-8");
+        throw NoRoute(whyNoRoute(library, source.name, target.name));
     }
     const bool throughUtf8 = toUtf8_ != nullptr && fromUtf8_ != nullptr;
     const bool tells = source.isUnicode() || source.name == target.name ||
