@@ -45,6 +45,7 @@ nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr 
     if (source == nullptr || destination == nullptr || lacksBuffer(*source) || destination->buffer == nullptr)
         return NLS_E_NULLARG;
     const void *const converter = conversion->converter;
+    destination->length = 0; // what stands when nothing is converted
     const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
     const nlsStatus status =
         convert({bytes(destination->buffer), destination->size, bytes(source->buffer),
@@ -64,6 +65,7 @@ nlsStatus nlsConvertNLSCheck(nlsConversion *conversion, const nlsStr *source, nl
     if (source == nullptr || destination == nullptr || source == destination || source->buffer == nullptr ||
         destination->buffer == nullptr)
         return NLS_E_NULLARG;
+    destination->length = 0;
     const nlsStatus status = convert({bytes(destination->buffer), destination->size, bytes(source->buffer),
                                       static_cast<std::int32_t>(source->length + 1), nullptr, 0,
                                       conversion->converter, &destination->length, true});
@@ -87,6 +89,7 @@ nlsStatus nlsConvertFromUCS2(nlsConversion *conversion, const void *source, uint
         return status;
     if (source == nullptr || destination == nullptr || destination->buffer == nullptr)
         return NLS_E_NULLARG;
+    destination->length = 0;
     return convert({bytes(destination->buffer), destination->size, static_cast<const std::uint8_t *>(source),
                     static_cast<std::int32_t>(length), nullptr, 0, conversion->converter,
                     &destination->length, false});
