@@ -45,12 +45,13 @@ nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr 
     if (source == nullptr || destination == nullptr || lacksBuffer(*source) || destination->buffer == nullptr)
         return NLS_E_NULLARG;
     const void *const converter = conversion->converter;
+    const auto sourceLength = static_cast<std::int32_t>(source->length); // both may be one record
     destination->length = 0; // what stands when nothing is converted
     const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
     const nlsStatus status =
-        convert({bytes(destination->buffer), destination->size, bytes(source->buffer),
-                 static_cast<std::int32_t>(source->length), chained ? bytes(intermediate->buffer) : nullptr,
-                 chained ? intermediate->size : 0, converter, &destination->length, false});
+        convert({bytes(destination->buffer), destination->size, bytes(source->buffer), sourceLength,
+                 chained ? bytes(intermediate->buffer) : nullptr, chained ? intermediate->size : 0, converter,
+                 &destination->length, false});
     const std::uint32_t width = terminatorWidth(converter);
     if (std::uint64_t{destination->length} + width > destination->size)
         return NLS_E_BUFFER;
