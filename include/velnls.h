@@ -87,7 +87,7 @@ typedef struct nlsConversion nlsConversion; /* opaque */
  */
 
 #define NLS_OK ((nlsStatus)0)             /* success */
-#define NLS_E_NOMEM ((nlsStatus)1)        /* lent memory is used up, or a lent block is too small */
+#define NLS_E_NOMEM ((nlsStatus)1)        /* lent memory used up or too small; ICU collation fails */
 #define NLS_E_BUFFER ((nlsStatus)2)       /* the caller's buffer is too small */
 #define NLS_E_READ ((nlsStatus)4)         /* the directory could not be read or has a bad entry */
 #define NLS_E_MAGIC ((nlsStatus)5)        /* not a data file */
@@ -416,6 +416,7 @@ NLS_API nlsStatus nlsGetVelCharset(nlsHandle *handle, nlsLocale *locale, const c
  *   1   the lent memory is used up
  *   9   no such code page
  *   21  the page's table could not be read in full
+ *   1   an ICU collation does not open; more memory does not help
  *   10  no such collation for the page
  *   25  the collation cannot be used: a BASIC record that does not say so, a user sort exit that does not
  *       load
@@ -566,13 +567,14 @@ NLS_API nlsStatus nlsLocaleToDbCollation(nlsLocale *locale, int32_t level, uint3
  *
  * Returns:
  *   13  'handle' is null or closed
- *   16  'record', 'name', 'blockSize', 'block' or 'locale' is null
+ *   16  'record', its data, 'name', 'blockSize' or 'locale' is null
  *   23  the handle is busy
  *   2   the block is too small; '*blockSize' receives the size needed
- *   1, 9, 11, 21, 22  as nlsCreateLocale, for an old record, and for the case table of a new one
+ *   16  'block' is null (so a null 'block' with '*blockSize' 0 asks for the size)
+ *   1, 9, 11, 21, 22  as nlsCreateLocale, for an old record; 1, 21 and 22 for a new one with bad tables
  *   25  a BASIC record that does not say so
  *   10  the record's user sort exit does not load
- *   8   the record's ICU collation does not open
+ *   1   the record's ICU collation does not open
  *       the statuses of nlsCreateLocale and nlsCreateConversion for the Shift-JIS companion and for
  *       'sortTarget'
  *   0   '*locale' is written
@@ -692,15 +694,14 @@ NLS_API nlsStatus nlsLCharToChar(nlsLocale *locale, uint32_t lchar, char **pp, u
 /*
  * nlsFindCharForw() finds the first character of 'str' that equals '*lchar'.
  *
- * '*position' receives its position, '*found' its address; 0 and null when there is none. A '*lchar' of 0
- * finds the terminating NUL.
+ * '*position' receives its position, '*found' its address; 0 and null when there is none, and before
+ * anything is checked. A '*lchar' of 0 finds the terminating NUL.
  *
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   16  'position' or 'found' is null
- *   16  'lchar' or 'str' is null; '*position' is 0, '*found' null
- *   27  the locale has no character table; '*position' is 0, '*found' null
+ *   16  'lchar', 'str', 'position' or 'found' is null
+ *   27  the locale has no character table
  *       a status of nlsCompareN, passed on
  *   0   found or not
  */
@@ -712,7 +713,7 @@ NLS_API nlsStatus nlsFindCharForw(nlsLocale *locale, const uint32_t *lchar, cons
  * bytes that equals '*lchar'. With 'length' 0 nothing is found. A '*lchar' of 0 finds the terminating NUL
  * of the whole string, whatever 'length'.
  *
- * Returns: as nlsFindCharForw.
+ * Returns: as nlsFindCharForw; also 16 for a negative 'length', unless '*lchar' is 0.
  */
 NLS_API nlsStatus nlsFindCharBack(nlsLocale *locale, const uint32_t *lchar, const char *str, int32_t length,
                                   uint16_t caseFlag, uint32_t *position, char **found);
@@ -743,7 +744,8 @@ NLS_API nlsStatus nlsFindLtrimPtrForw(nlsLocale *locale, const char *trimSet, co
  * so '*position' - 1 is the length that stays. 'str' is written to only where the locale's collation is the
  * user sort exit: then single bytes are 0 for a moment and restored.
  *
- * Returns: as nlsFindLtrimPtrForw, with the statuses of nlsSearchForw for those of nlsCompareN.
+ * Returns: as nlsFindLtrimPtrForw, with the statuses of nlsSearchForw for those of nlsCompareN; also 16 for
+ * a negative 'length'.
  */
 NLS_API nlsStatus nlsFindRtrimPtrBack(nlsLocale *locale, const char *trimSet, char *str, int32_t length,
                                       uint16_t caseFlag, uint32_t *position, char **result);
@@ -995,9 +997,9 @@ NLS_API nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *sour
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
+ *   16  'source', 'key' or 'keyLength' is null
  *   27  the locale has no character table
  *   25  the locale has no collation
- *   16  'source', 'key' or 'keyLength' is null
  *   7   the page collates through Shift-JIS and the handle has no such locale
  *   8   the same, and there is no conversion to it
  *   2   the key fills the buffer, or ICU had to cut it
@@ -1018,9 +1020,10 @@ NLS_API nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, 
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
+ *   16  'a', 'b' or 'result' is null
  *   27  the locale has no character table
  *   25  the locale has no collation
- *   16  'a', 'b' or 'result' is null; a mode that the collation does not know; ICU is missing
+ *   16  a mode that a weight table does not know; ICU is missing
  *   7   the page collates through Shift-JIS and the handle has no such locale
  *   8   the same, and there is no conversion to it
  *   2   no memory for a long string (ICU collations)
@@ -1049,8 +1052,8 @@ NLS_API nlsStatus nlsCompareN(nlsLocale *locale, const char *a, const char *b, i
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   32  the locale carries no sort data
  *   16  'flag' is null
+ *   32  the locale carries no sort data
  *   6   sort data of another kind
  *   0   '*flag' is written
  */
@@ -1067,10 +1070,11 @@ NLS_API nlsStatus nlsIsSortNeeded(nlsLocale *locale, uint32_t *flag);
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   32  the locale carries no sort data
  *   16  'string', '*string', 'word' or 'length' is null
+ *   32  the locale carries no sort data
  *   20  no further word; '*string' has not moved
- *   2   the word does not fit; '*string' has not moved
+ *   2   the word does not fit; '*string' has not moved, and 'word' holds what fits
+ *   25  a key is asked for and the locale has no collation
  *   29  a word of more than 184 bytes was cut to 184; '*string' is behind the whole word
  *   0   a word
  */
@@ -1127,8 +1131,8 @@ NLS_API nlsStatus nlsLowerCase(nlsLocale *locale, const nlsStr *source, nlsStr *
  * The result is no status:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   27  the locale has no character table
  *   16  'pattern' or 'string' is null
+ *   27  the locale has no character table
  *   1   the string matches
  *   0   it does not
  *   -1  the walk reached an escape character before something else than itself or a wildcard
@@ -1174,13 +1178,13 @@ NLS_API nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const ch
 /*
  * nlsSearchBack() finds the last place where 'pattern' stands in the first 'textLength' bytes of 'text'.
  *
- * '*position' and '*found' as in nlsSearchForw. An empty pattern is found at text + textLength, with
- * position textLength + 1.
+ * '*position' and '*found' as in nlsSearchForw. An empty pattern is found at text + textLength (or at the
+ * NUL, when that comes earlier), with the position there.
  *
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   16  'pattern', 'text', 'position' or 'found' is null
+ *   16  'pattern', 'text', 'position' or 'found' is null, or 'textLength' is negative
  *   27  the locale has no character table; '*found' is null
  *   -4  the pattern, or the text within 'textLength', ends inside a character
  *   20  'textLength' is 0 and the pattern is not empty
@@ -1204,8 +1208,7 @@ NLS_API nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const ch
  *       replacement or the rest did not fit
  *   0   'out' is written
  *
- * Without a match: ONE-BYTE OVERRUN AS nlsCopyString. So too where the text before the match fills 'out'
- * exactly.
+ * Without a match: ONE-BYTE OVERRUN AS nlsCopyString.
  */
 NLS_API nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replacement,
                              const char *text, uint16_t caseFlag, nlsStr *out, uint32_t *position,
@@ -1213,20 +1216,18 @@ NLS_API nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char 
 
 /*
  * nlsReplaceAll() copies 'text' to 'out' with every occurrence of 'pattern' replaced by 'replacement';
- * '*count' receives how many were replaced. Matches do not overlap. An empty pattern is found once, at the
- * end.
+ * '*count' receives how many were replaced. Matches do not overlap.
  *
  * When a replacement or the text before it does not fit, replacing stops and the rest of the text follows
  * as it is: the call returns 0 when that fits, and '*count' tells.
  *
  * Returns:
  *   13, 24, 16, 27, -4 and the statuses of nlsCompareN as nlsSearchForw, for the first search; 16 also when
- *       'replacement', 'out', its buffer or 'count' is null
+ *       'replacement', 'out', its buffer or 'count' is null, or 'pattern' is empty
  *   2   the rest of the text does not fit; 'out' is empty then, its former text overwritten with blanks
  *   0   'out' is written
  *
- * Without a match: ONE-BYTE OVERRUN AS nlsCopyString. So too where the text before the first match fills
- * 'out' exactly.
+ * Without a match: ONE-BYTE OVERRUN AS nlsCopyString.
  */
 NLS_API nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *replacement,
                                 const char *text, uint16_t caseFlag, nlsStr *out, uint32_t *count);
@@ -1244,8 +1245,8 @@ NLS_API nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const ch
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   27  the locale has no character table
  *   16  'str' or 'bytes' is null, or 'chars' is negative; '*bytes' is 0
+ *   27  the locale has no character table
  *   -4  a character is longer than the whole text
  *   0   counted
  */
@@ -1258,8 +1259,8 @@ NLS_API nlsStatus nlsCountBytes(nlsLocale *locale, const char *str, int32_t char
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   27  the locale has no character table
  *   16  'str' or 'chars' is null, or 'bytes' is negative; '*chars' is 0
+ *   27  the locale has no character table
  *   -4  the limit falls inside a character; '*chars' counts those before it
  *   0   counted
  */
@@ -1277,8 +1278,8 @@ NLS_API nlsStatus nlsCountChars(nlsLocale *locale, const char *str, int32_t byte
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   27  the locale has no character table
  *   16  'str' or 'columns' is null, or 'bytes' is negative or exceeds the text's length; '*columns' is 0
+ *   27  the locale has no character table
  *   0   counted
  */
 NLS_API nlsStatus nlsCountColumns(nlsLocale *locale, const char *str, int32_t bytes, uint32_t *columns);
@@ -1292,9 +1293,9 @@ NLS_API nlsStatus nlsCountColumns(nlsLocale *locale, const char *str, int32_t by
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   27  the locale has no character table
  *   16  'str', 'chars', 'out' or its buffer is null; 'start' is below 1 or beyond the text's length;
  *       'length' is negative or exceeds the text's length
+ *   27  the locale has no character table
  *   2   as nlsCopyString
  *   0   'out' is written
  *
@@ -1309,8 +1310,8 @@ NLS_API nlsStatus nlsSubstr(nlsLocale *locale, const char *str, int32_t start, i
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   27  the locale has no character table
  *   16  'str', 'out' or its buffer is null
+ *   27  the locale has no character table
  *   16, -4  as nlsCountBytes
  *   2   as nlsCopyString
  *   0   'out' is written
@@ -1333,8 +1334,8 @@ NLS_API nlsStatus nlsExtract(nlsLocale *locale, const char *str, uint32_t chars,
  * Returns:
  *   13  'locale' is null or its handle closed
  *   24  'locale' is not a live locale
- *   27  the locale has no character table
  *   16  'data' or 'count' is null, or 'length' is negative
+ *   27  the locale has no character table
  *   16  the text begins inside a character; a byte is no trail byte; a unit lies beyond U+10FFFF
  *   33  a UTF-16 surrogate is out of pair
  *   -4  the text ends inside a character
