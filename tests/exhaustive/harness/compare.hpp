@@ -1,6 +1,6 @@
 // One call of the library beside one run of the model, with everything compared: status, written count, the
-// bytes, and that nothing behind the destination's capacity was touched. The bytes between the written ones and
-// the capacity are the library's to scribble on.
+// bytes, and that nothing behind the destination's capacity was touched. The bytes between the written ones
+// and the capacity are the library's to scribble on.
 #pragma once
 
 #include "library.hpp"
