@@ -54,7 +54,9 @@ nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t
             --length;
         text.end = text.at + length;
     }
-    writeSortKey(*locale, text, mode & ~kIcuKeyBits, trimKey, key, keySize);
+    if (const nlsStatus status = writeSortKey(*locale, text, mode & ~kIcuKeyBits, trimKey, key, keySize);
+        status != NLS_OK)
+        return status;
     const void *const end = std::memchr(key, 0, keySize);
     const auto length =
         end == nullptr ? keySize : static_cast<std::uint16_t>(static_cast<const unsigned char *>(end) - key);

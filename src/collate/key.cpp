@@ -57,48 +57,59 @@ void writeBasicKeyThroughShiftJis(const nlsLocale &locale, const ShiftJisWay &wa
     key[length] = 0;
 }
 
-} // namespace
-
-void writeTableKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
-                   std::size_t size) {
-    if (size == 0)
-        return;
-    const WeightOrder order{weightsOf(*locale.collation, mode), locale.charTable};
-    std::size_t length = 0;
-    if (order.weights != nullptr) {
-        const Expansion expansion =
-            spellsLiteralSs(*locale.collation) ? Expansion::Literal : Expansion::Weights;
-        ShiftJisWay way{};
-        if (!locale.charTable->has(file::kThroughShiftJis))
-            length = writeWeightKey(order, expansion, text, key, size - 1);
-        else if (findShiftJisWay(locale, way) == NLS_OK)
-            length = writeWeightKeyThroughShiftJis(order, way, expansion, text, key, size - 1);
-        while (trimKey && length > 0 && key[length - 1] == ' ')
-            --length;
+// Runs `write` with the way to Shift-JIS that the page goes; null for a page that goes none.
+template <typename Write>
+nlsStatus withShiftJisWay(const nlsLocale &locale, Write write) {
+    if (!locale.charTable->has(file::kThroughShiftJis)) {
+        write(nullptr);
+        return NLS_OK;
     }
-    key[length] = 0;
+    ShiftJisWay way{};
+    const nlsStatus status = findShiftJisWay(locale, way);
+    if (status == NLS_OK)
+        write(&way);
+    return status;
 }
 
-void writeSortKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
-                  std::size_t size) {
+} // namespace
+
+nlsStatus writeTableKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
+                        std::size_t size) {
+    return withShiftJisWay(locale, [&](const ShiftJisWay *way) {
+        if (size == 0)
+            return;
+        const WeightOrder order{weightsOf(*locale.collation, mode), locale.charTable};
+        const Expansion expansion =
+            spellsLiteralSs(*locale.collation) ? Expansion::Literal : Expansion::Weights;
+        std::size_t length = 0;
+        if (order.weights != nullptr)
+            length = way == nullptr
+                         ? writeWeightKey(order, expansion, text, key, size - 1)
+                         : writeWeightKeyThroughShiftJis(order, *way, expansion, text, key, size - 1);
+        while (trimKey && length > 0 && key[length - 1] == ' ')
+            --length;
+        key[length] = 0;
+    });
+}
+
+nlsStatus writeSortKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
+                       std::size_t size) {
     const Collation &collation = *locale.collation;
     switch (collation.kind) {
     case file::kThai:
         if (size != 0)
             key[writeThaiKey(mode != 0 ? collation.caseSensitive : collation.caseInsensitive, text, key,
                              size - 1)] = 0;
-        return;
-    case file::kBasic: {
-        ShiftJisWay way{};
-        if (!locale.charTable->has(file::kThroughShiftJis))
-            writeBasicKey(locale, text, mode, key, size);
-        else if (findShiftJisWay(locale, way) == NLS_OK)
-            writeBasicKeyThroughShiftJis(locale, way, text, mode, key, size);
-        return;
-    }
+        return NLS_OK;
+    case file::kBasic:
+        return withShiftJisWay(locale, [&](const ShiftJisWay *way) {
+            if (way == nullptr)
+                writeBasicKey(locale, text, mode, key, size);
+            else
+                writeBasicKeyThroughShiftJis(locale, *way, text, mode, key, size);
+        });
     default:
-        writeTableKey(locale, text, mode, trimKey, key, size);
-        return;
+        return writeTableKey(locale, text, mode, trimKey, key, size);
     }
 }
 

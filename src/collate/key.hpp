@@ -10,9 +10,10 @@ namespace velnls {
 
 // Writes the NUL-terminated key of `text`, which ends at its bound or NUL, into a buffer of `size` bytes.
 // Leaves the buffer as it is where the mode selects no BASIC key or a BASIC source is too long. `trimKey`:
-// cut trailing 0x20 bytes of a weight key.
-void writeSortKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
-                  std::size_t size);
+// cut trailing 0x20 bytes of a weight key. 0, or 7 or 8 where the Shift-JIS companion is missing: nothing is
+// written then.
+nlsStatus writeSortKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
+                       std::size_t size);
 
 // Whether keys of this collation spell an expanding character as the letters "SS".
 inline bool spellsLiteralSs(const Collation &collation) {
@@ -20,7 +21,7 @@ inline bool spellsLiteralSs(const Collation &collation) {
 }
 
 // The weight key alone, as words are keyed too.
-void writeTableKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
-                   std::size_t size);
+nlsStatus writeTableKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
+                        std::size_t size);
 
 } // namespace velnls

@@ -38,7 +38,9 @@ nlsStatus loadIcuCollation(nlsHandle &handle, const char *charSetName, const cha
     return NLS_E_NOMEM;
 }
 
-nlsStatus loadEntry(nlsHandle &handle, Entry &entry, Collation *&out) {
+// The record keeps the names as they were asked for.
+nlsStatus loadEntry(nlsHandle &handle, Entry &entry, const char *charSetName, const char *collationName,
+                    Collation *&out) {
     if (entry.table != nullptr) {
         out = static_cast<Collation *>(const_cast<void *>(entry.table));
         return NLS_OK;
@@ -59,8 +61,8 @@ nlsStatus loadEntry(nlsHandle &handle, Entry &entry, Collation *&out) {
     std::memcpy(record->caseInsensitive, raw.caseInsensitive, copied);
     record->kind = raw.kind;
     record->variant = raw.variant;
-    copyName(record->charSetName, entry.name);
-    copyName(record->name, entry.name2);
+    copyName(record->charSetName, charSetName);
+    copyName(record->name, collationName);
     entry.table = record;
     pushCollation(*record);
     out = record;
@@ -96,7 +98,7 @@ nlsStatus borrowCollation(nlsHandle &handle, const char *charSetName, const char
     if (lender == nullptr)
         return NLS_E_NOCOLLATION;
     Collation *lent = nullptr;
-    if (loadEntry(handle, *lender, lent) != NLS_OK)
+    if (loadEntry(handle, *lender, lender->name, collationName, lent) != NLS_OK)
         return NLS_E_NOCOLLATION;
     Collation *record = nullptr;
     if (const nlsStatus status = allocate(handle, sizeof *record, 1, record); status != NLS_OK)
@@ -129,7 +131,7 @@ nlsStatus loadCollation(nlsHandle &handle, const CharTable &charTable, const cha
         return loadIcuCollation(handle, charSetName, collationName, out);
     if (Entry *const entry = findEntry(handle, file::kCollation, charSetName, collationName);
         entry != nullptr)
-        return loadEntry(handle, *entry, out);
+        return loadEntry(handle, *entry, charSetName, collationName, out);
     if (!charTable.has(file::kBorrowsCollation))
         return NLS_E_NOCOLLATION;
     return borrowCollation(handle, charSetName, collationName, out);

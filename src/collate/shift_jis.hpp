@@ -18,4 +18,29 @@ nlsStatus findShiftJisWay(const nlsLocale &locale, ShiftJisWay &way);
 unsigned takeAsShiftJis(const CharTable &pageChars, const ShiftJisWay &way, Text &text,
                         std::uint8_t (&out)[2]);
 
+// The Shift-JIS form of a text, byte by byte.
+class ShiftJisBytes {
+public:
+    ShiftJisBytes(const CharTable &pageChars, const ShiftJisWay &way, Text text)
+        : pageChars_(pageChars), way_(way), text_(text) {}
+    [[nodiscard]] bool more() const {
+        return at_ != count_ || !text_.ended();
+    }
+    std::uint8_t take() {
+        if (at_ == count_) {
+            count_ = takeAsShiftJis(pageChars_, way_, text_, bytes_);
+            at_ = 0;
+        }
+        return bytes_[at_++];
+    }
+
+private:
+    const CharTable &pageChars_;
+    const ShiftJisWay &way_;
+    Text text_;
+    std::uint8_t bytes_[2] = {};
+    unsigned at_ = 0;
+    unsigned count_ = 0;
+};
+
 } // namespace velnls

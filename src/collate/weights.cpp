@@ -107,10 +107,40 @@ private:
     std::uint8_t *end_;
 };
 
-void putExpansion(KeyWriter &writer, const WeightOrder &order, Expansion expansion) {
-    const std::uint8_t byte = expansion == Expansion::Literal ? std::uint8_t{'S'} : order.expansion();
-    writer.put(byte);
-    writer.put(byte);
+class PlainBytes {
+public:
+    explicit PlainBytes(Text text) : text_(text) {}
+    [[nodiscard]] bool more() const {
+        return !text_.ended();
+    }
+    std::uint8_t take() {
+        return *text_.at++;
+    }
+
+private:
+    Text text_;
+};
+
+template <typename Bytes>
+std::size_t writeKey(Bytes bytes, const CharTable &chars, const WeightOrder &order, Expansion expansion,
+                     std::uint8_t *key, std::size_t room) {
+    const std::uint8_t expanded = expansion == Expansion::Literal ? std::uint8_t{'S'} : order.expansion();
+    KeyWriter writer(key, room);
+    while (bytes.more() && !writer.full()) {
+        const std::uint8_t byte = bytes.take();
+        const std::uint8_t weight = order.weights[byte];
+        if (chars.trailCount(byte) != 0) {
+            writer.put(weight);
+            if (bytes.more())
+                writer.put(bytes.take());
+        } else if (weight == 0) {
+            writer.put(expanded);
+            writer.put(expanded);
+        } else {
+            writer.put(weight);
+        }
+    }
+    return writer.length();
 }
 
 } // namespace
@@ -135,41 +165,13 @@ int compareThroughShiftJis(const WeightOrder &order, const ShiftJisWay &way, Tex
 
 std::size_t writeWeightKey(const WeightOrder &order, Expansion expansion, Text text, std::uint8_t *key,
                            std::size_t room) {
-    KeyWriter writer(key, room);
-    while (!text.ended() && !writer.full()) {
-        const std::uint8_t byte = *text.at++;
-        const std::uint8_t weight = order.weights[byte];
-        if (order.chars->trailCount(byte) != 0) {
-            writer.put(weight);
-            if (!text.ended())
-                writer.put(*text.at++);
-        } else if (weight == 0) {
-            putExpansion(writer, order, expansion);
-        } else {
-            writer.put(weight);
-        }
-    }
-    return writer.length();
+    return writeKey(PlainBytes(text), *order.chars, order, expansion, key, room);
 }
 
 std::size_t writeWeightKeyThroughShiftJis(const WeightOrder &order, const ShiftJisWay &way,
                                           Expansion expansion, Text text, std::uint8_t *key,
                                           std::size_t room) {
-    KeyWriter writer(key, room);
-    while (!text.ended() && !writer.full()) {
-        std::uint8_t bytes[2] = {};
-        const unsigned count = takeAsShiftJis(*order.chars, way, text, bytes);
-        const std::uint8_t weight = order.weights[bytes[0]];
-        if (count == 2) {
-            writer.put(weight);
-            writer.put(bytes[1]);
-        } else if (weight == 0) {
-            putExpansion(writer, order, expansion);
-        } else {
-            writer.put(weight);
-        }
-    }
-    return writer.length();
+    return writeKey(ShiftJisBytes(*order.chars, way, text), *way.chars, order, expansion, key, room);
 }
 
 } // namespace velnls

@@ -39,7 +39,7 @@ enum class Expansion {
 std::size_t writeWeightKey(const WeightOrder &order, Expansion expansion, Text text, std::uint8_t *key,
                            std::size_t room);
 
-// The same of a text that is converted to Shift-JIS on the way.
+// The same of the Shift-JIS form of a text, whose lead bytes are those of Shift-JIS.
 std::size_t writeWeightKeyThroughShiftJis(const WeightOrder &order, const ShiftJisWay &way,
                                           Expansion expansion, Text text, std::uint8_t *key,
                                           std::size_t room);

@@ -74,8 +74,11 @@ nlsStatus nlsGetNextWord(nlsLocale *locale, char **string, int16_t mode, char *w
     } else {
         if (locale->collation == nullptr)
             return NLS_E_NOSORT;
-        writeTableKey(*locale, terminatedText(found.bytes), static_cast<std::uint16_t>(mode), false,
-                      reinterpret_cast<std::uint8_t *>(word), room);
+        const nlsStatus status =
+            writeTableKey(*locale, terminatedText(found.bytes), static_cast<std::uint16_t>(mode), false,
+                          reinterpret_cast<std::uint8_t *>(word), room);
+        if (status != NLS_OK)
+            return status;
         *length = static_cast<std::uint32_t>(std::strlen(word));
     }
     *string = reinterpret_cast<char *>(const_cast<std::uint8_t *>(next));

@@ -79,19 +79,19 @@ nlsStatus convertChain(const Request &request) {
     return convert(step);
 }
 
-bool readsUtf8(std::int32_t kind) {
-    switch (kind) {
-    case kUtf8ToPage:
-    case kUtf8ToByte:
-    case kUtf8ToUcs2:
-    case kUtf8ToUtf16:
-    case kUtf8ToUtf32:
-    case kUtf8ToBytePage:
-        return true;
-    default:
-        return false;
-    }
+// A set of kinds below 64, for tests that every call makes.
+template <typename... Kinds>
+constexpr std::uint64_t setOf(Kinds... kinds) {
+    return (... | (std::uint64_t{1} << kinds));
 }
+bool isIn(std::uint64_t set, std::int32_t kind) {
+    return kind < 64 && (set >> kind & 1) != 0;
+}
+
+constexpr std::uint64_t kReadsUtf8 =
+    setOf(kUtf8ToPage, kUtf8ToByte, kUtf8ToUcs2, kUtf8ToUtf16, kUtf8ToUtf32, kUtf8ToBytePage);
+constexpr std::uint64_t kWritesUtf16 = setOf(kUtf8ToUcs2, kUtf8ToUtf16, kUtf32ToUtf16);
+constexpr std::uint64_t kWritesUtf32 = setOf(kUtf8ToUtf32, kUtf16ToUtf32);
 
 // Kinds whose check mode compares the output with the source.
 bool comparesInCheckMode(std::int32_t kind) {
@@ -114,17 +114,9 @@ bool isUnicodeForm(std::int32_t kind) {
 
 // Whole units only: an odd capacity never lets half a unit through.
 std::ptrdiff_t wholeUnits(std::int32_t kind, std::ptrdiff_t bytes) {
-    switch (kind) {
-    case kUtf8ToUcs2:
-    case kUtf8ToUtf16:
-    case kUtf32ToUtf16:
+    if (isIn(kWritesUtf16, kind))
         return bytes & ~std::ptrdiff_t{1};
-    case kUtf8ToUtf32:
-    case kUtf16ToUtf32:
-        return bytes & ~std::ptrdiff_t{3};
-    default:
-        return bytes;
-    }
+    return isIn(kWritesUtf32, kind) ? bytes & ~std::ptrdiff_t{3} : bytes;
 }
 
 template <typename Body>
@@ -267,7 +259,7 @@ nlsStatus convert(const Request &request) {
     const std::int32_t kind = kindOf(request.converter);
     if (request.converter == nullptr)
         return copyIdentity(request);
-    if (readsUtf8(kind) && request.sourceLength > 0 && (*request.source & 0xC0) == 0x80)
+    if (isIn(kReadsUtf8, kind) && request.sourceLength > 0 && (*request.source & 0xC0) == 0x80)
         return NLS_E_NULLARG;
     if (request.check && comparesInCheckMode(kind) && request.source == request.destination)
         return NLS_E_NULLARG;

@@ -42,7 +42,9 @@ private:
 
 // The new form: the tables are copies of the record's.
 nlsStatus takeRecordTables(const nlsDbCollation &record, BlockCarver &carver, nlsLocale &locale) {
-    std::uint8_t *const copy = record.dataSize >= kNewRecordSize ? carver.take(record.dataSize) : nullptr;
+    if (record.dataSize < kNewRecordSize)
+        return NLS_E_TABLE;
+    std::uint8_t *const copy = carver.take(record.dataSize);
     if (copy == nullptr)
         return NLS_E_NOMEM;
     std::memcpy(copy, record.data, record.dataSize);

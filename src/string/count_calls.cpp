@@ -15,10 +15,12 @@ const std::uint8_t *bytesOf(const char *text) {
     return reinterpret_cast<const std::uint8_t *>(text);
 }
 
-// 0, 13, 24, 16 (`argumentsGiven` is false) or 27.
-nlsStatus checkText(const nlsLocale *locale, bool argumentsGiven) {
+// 0, 13, 24, 16 (`argumentsGiven` is false) or 27. The count is set to 0 before arguments are looked at.
+nlsStatus checkText(const nlsLocale *locale, bool argumentsGiven, std::uint32_t *count) {
     if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
         return status;
+    if (count != nullptr)
+        *count = 0;
     if (!argumentsGiven)
         return NLS_E_NULLARG;
     return locale->charTable == nullptr ? NLS_E_NOCHARTAB : NLS_OK;
@@ -32,9 +34,9 @@ std::uint32_t lengthUpTo(const char *str, std::uint32_t limit) {
 } // namespace
 
 nlsStatus nlsCountBytes(nlsLocale *locale, const char *str, int32_t chars, uint32_t *bytes) {
-    if (const nlsStatus status = checkText(locale, str != nullptr && bytes != nullptr); status != NLS_OK)
+    if (const nlsStatus status = checkText(locale, str != nullptr && bytes != nullptr, bytes);
+        status != NLS_OK)
         return status;
-    *bytes = 0;
     if (chars < 0)
         return NLS_E_NULLARG;
     const auto length = static_cast<std::uint32_t>(std::strlen(str));
@@ -47,9 +49,9 @@ nlsStatus nlsCountBytes(nlsLocale *locale, const char *str, int32_t chars, uint3
 }
 
 nlsStatus nlsCountChars(nlsLocale *locale, const char *str, int32_t bytes, uint32_t *chars) {
-    if (const nlsStatus status = checkText(locale, str != nullptr && chars != nullptr); status != NLS_OK)
+    if (const nlsStatus status = checkText(locale, str != nullptr && chars != nullptr, chars);
+        status != NLS_OK)
         return status;
-    *chars = 0;
     if (bytes < 0)
         return NLS_E_NULLARG;
     const std::uint32_t limit = lengthUpTo(str, static_cast<std::uint32_t>(bytes));
@@ -61,9 +63,9 @@ nlsStatus nlsCountChars(nlsLocale *locale, const char *str, int32_t bytes, uint3
 }
 
 nlsStatus nlsCountColumns(nlsLocale *locale, const char *str, int32_t bytes, uint32_t *columns) {
-    if (const nlsStatus status = checkText(locale, str != nullptr && columns != nullptr); status != NLS_OK)
+    if (const nlsStatus status = checkText(locale, str != nullptr && columns != nullptr, columns);
+        status != NLS_OK)
         return status;
-    *columns = 0;
     if (bytes < 0)
         return NLS_E_NULLARG;
     const auto limit = static_cast<std::uint32_t>(bytes);
@@ -76,9 +78,8 @@ nlsStatus nlsCountColumns(nlsLocale *locale, const char *str, int32_t bytes, uin
 nlsStatus nlsSubstr(nlsLocale *locale, const char *str, int32_t start, int32_t length, uint32_t *chars,
                     nlsStr *out) {
     const bool given = str != nullptr && chars != nullptr && out != nullptr;
-    if (const nlsStatus status = checkText(locale, given); status != NLS_OK)
+    if (const nlsStatus status = checkText(locale, given, chars); status != NLS_OK)
         return status;
-    *chars = 0;
     if (start < 1 || length < 0)
         return NLS_E_NULLARG;
     const auto needed = static_cast<std::uint32_t>(std::max(start, length));
@@ -103,7 +104,8 @@ nlsStatus nlsSubstr(nlsLocale *locale, const char *str, int32_t start, int32_t l
 }
 
 nlsStatus nlsExtract(nlsLocale *locale, const char *str, uint32_t chars, nlsStr *out) {
-    if (const nlsStatus status = checkText(locale, str != nullptr && out != nullptr); status != NLS_OK)
+    if (const nlsStatus status = checkText(locale, str != nullptr && out != nullptr, nullptr);
+        status != NLS_OK)
         return status;
     std::uint32_t bytes = 0;
     constexpr std::uint32_t kAll = 0x7FFFFFFF; // more characters than any string has
@@ -114,9 +116,9 @@ nlsStatus nlsExtract(nlsLocale *locale, const char *str, uint32_t chars, nlsStr 
 
 nlsStatus nlsValidateString(nlsLocale *locale, const void *data, int32_t length, uint32_t byteOrder,
                             uint32_t *count) {
-    if (const nlsStatus status = checkText(locale, data != nullptr && count != nullptr); status != NLS_OK)
+    if (const nlsStatus status = checkText(locale, data != nullptr && count != nullptr, count);
+        status != NLS_OK)
         return status;
-    *count = 0;
     if (length < 0)
         return NLS_E_NULLARG;
     const CharTable &table = *locale->charTable;

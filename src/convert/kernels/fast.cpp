@@ -69,20 +69,32 @@ template <typename Sink, typename Read>
 void mapBytes(const std::uint8_t *map, Source &source, Target &target) {
     const std::uint8_t *at = source.at;
     std::uint8_t *to = target.at;
-    for (; source.end - at >= 16; at += 16, to += 16) {
-        // Eight look-ups make a word: one store, and no byte of the output waits for another.
-        for (int half = 0; half < 16; half += 8) {
-            const auto word = loadNumber<std::uint64_t>(at + half);
-            std::uint64_t mapped = 0;
-            for (int i = 0; i < 64; i += 8)
-                mapped |= std::uint64_t{map[word >> i & 0xFF]} << i;
-            storeNumber(to + half, mapped);
-        }
+    const std::ptrdiff_t length = source.end - at;
+    source.at = source.end;
+    target.at += length;
+    // Eight look-ups make a word: one store, and no byte of the output waits for another.
+    const auto map8 = [map](const std::uint8_t *from, std::uint8_t *into) {
+        const auto word = loadNumber<std::uint64_t>(from);
+        std::uint64_t mapped = 0;
+#pragma GCC unroll 8
+        for (int i = 0; i < 64; i += 8)
+            mapped |= std::uint64_t{map[word >> i & 0xFF]} << i;
+        storeNumber(into, mapped);
+    };
+    if (length < 8) {
+        for (std::ptrdiff_t i = 0; i < length; ++i)
+            to[i] = map[at[i]];
+        return;
     }
-    while (at < source.end)
-        *to++ = map[*at++];
-    source.at = at;
-    target.at = to;
+    // The last word overlaps the one before it, which spares a loop over single bytes.
+    std::ptrdiff_t done = 0;
+    for (; length - done > 16; done += 16) {
+        map8(at + done, to + done);
+        map8(at + done + 8, to + done + 8);
+    }
+    if (length - done > 8)
+        map8(at + done, to + done);
+    map8(at + length - 8, to + length - 8);
 }
 
 bool canMap(std::uint32_t proofs) {
@@ -114,19 +126,37 @@ nlsStatus pageToUtf8(const MappingBody &body, std::uint32_t proofs, Source &sour
     return alternate(source, target, 1, blocks, window, plain, endsUnits);
 }
 
-nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
-    const auto plain = [&body](Source &piece, Target &out) { return velnls::utf8ToPage(body, piece, out); };
-    if ((proofs & kByteRow) != 0) {
-        const auto blocks = [&body](Source &text, Target &out) {
-            into(ByteRowSink(body, out.at, out.end), out,
-                 [&](ByteRowSink &sink) { readUtf8Into(text, sink); });
-        };
-        return alternate(source, target, 1, blocks, utf8Window, plain, endsUtf8);
-    }
-    const auto blocks = [&body](Source &text, Target &out) {
-        into(PairSink(body, out.at, out.end), out, [&](PairSink &sink) { readUtf8Into(text, sink); });
+namespace {
+
+template <typename Sink>
+nlsStatus utf8IntoPage(const MappingBody &body, Sink sink, Source &source, Target &target) {
+    const auto blocks = [&sink](Source &text, Target &out) {
+        Sink running = sink; // a copy of its own, which the compiler can keep in registers
+        running.out = out.at;
+        running.end = out.end;
+        readUtf8Into(text, running);
+        out.at = running.out;
     };
+    const auto plain = [&body](Source &piece, Target &out) { return velnls::utf8ToPage(body, piece, out); };
     return alternate(source, target, 1, blocks, utf8Window, plain, endsUtf8);
+}
+
+} // namespace
+
+nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
+    const std::ptrdiff_t length = source.end - source.at;
+    if ((proofs & kByteRow) != 0) {
+        const ByteRowSink row(body, target.at, target.end);
+        if (length < ByteTableSink::kWorthwhile)
+            return utf8IntoPage(body, row, source, target);
+        const ByteTableSink::Table table(row);
+        return utf8IntoPage(body, ByteTableSink(row, table), source, target);
+    }
+    const PairSink page(body, target.at, target.end);
+    if (length < KanaTableSink::kWorthwhile)
+        return utf8IntoPage(body, page, source, target);
+    const KanaTableSink::Table table(page);
+    return utf8IntoPage(body, KanaTableSink(page, table), source, target);
 }
 
 nlsStatus utf8ToUtf16(Source &source, Target &target) {

@@ -29,31 +29,41 @@ private:
 };
 
 template <typename Sink>
-[[gnu::always_inline]] inline bool takeByte(const ByteRow &row, std::uint32_t byte, Sink &sink) {
-    const std::uint32_t value = row.valueOf(byte);
-    return value != file::kUnmapped && sink.put(value);
-}
-
-template <typename Sink>
 [[gnu::always_inline]] inline void readByteRowInto(const ByteRow &row, Source &source, Sink &sink) {
     const std::uint8_t *at = source.at;
-    while (source.end - at >= 16 && sink.hasRoom(Sink::kBlockRoom)) {
-        const int prefix = asciiPrefix16(at);
-        sink.ascii16(at);
-        sink.advance(prefix);
-        at += prefix;
-        if (prefix == 16)
+    const std::uint8_t *const last = source.end;
+    while (at < last) {
+        const std::ptrdiff_t left = last - at;
+        if (left >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
+            const int count = asciiPrefix16(at);
+            sink.ascii16(at);
+            sink.advance(count);
+            at += count;
             continue;
-        for (const std::uint8_t *const end = at + (source.end - at < 8 ? source.end - at : 8); at < end;
-             ++at) {
-            if (!takeByte(row, *at, sink)) {
+        }
+        // Eight bytes of whatever script, or the last few.
+        const std::uint8_t *const end = at + (left < 8 ? left : 8);
+        if (!sink.hasRoom(8 * Sink::kCharacterRoom))
+            break;
+        do {
+            const std::uint32_t byte = *at;
+            if (byte < 0x80) {
+                sink.putAscii(static_cast<std::uint8_t>(byte));
+                continue;
+            }
+            const std::uint32_t value = row.valueOf(byte);
+            if (value == file::kUnmapped || !sink.put(value)) {
                 source.at = at;
                 return;
             }
-        }
+        } while (++at < end);
     }
-    while (at < source.end && sink.hasRoom(Sink::kCharacterRoom) && takeByte(row, *at, sink))
+    while (at < last && sink.hasRoom(Sink::kCharacterRoom)) {
+        const std::uint32_t value = row.valueOf(*at);
+        if (value == file::kUnmapped || !sink.put(value))
+            break;
         ++at;
+    }
     source.at = at;
 }
 
@@ -99,8 +109,8 @@ public:
     }
 
 private:
-    static constexpr int kLengthShift =
-        29; // above the three bytes; lengths are 1 to 3, so the top bit is free
+    // Above the three bytes; lengths are 1 to 3, so the top bit is free.
+    static constexpr int kLengthShift = 29;
     static constexpr std::uint32_t kHard = 0x80000000;
 
     static std::uint32_t entryOf(std::uint32_t value) {
@@ -117,8 +127,7 @@ private:
     std::uint32_t entries_[0x100];
 };
 
-// ---- Pairs
-// -------------------------------------------------------------------------------------------------
+// ---- Pairs ----------------------------------------------------------------------------------
 
 class PairRectangle {
 public:
@@ -133,21 +142,18 @@ public:
     [[gnu::always_inline]] bool isLead(std::uint32_t byte) const {
         return byte - firstLead_ <= lastLead_ - firstLead_ && !(byte > leadGapLow_ && byte < leadGapHigh_);
     }
-    [[gnu::always_inline]] std::uint64_t leadMask(const std::uint8_t *at) const {
-        std::uint64_t leads = atLeastMask<64>(at, static_cast<std::uint8_t>(firstLead_));
-        if (lastLead_ != 0xFF)
-            leads &= ~atLeastMask<64>(at, static_cast<std::uint8_t>(lastLead_ + 1));
-        if (leadGapLow_ != 0xFF)
-            leads &= ~(atLeastMask<64>(at, static_cast<std::uint8_t>(leadGapLow_ + 1)) &
-                       ~atLeastMask<64>(at, static_cast<std::uint8_t>(leadGapHigh_)));
-        return leads;
-    }
     // The value of a lead byte and the byte behind it, or kUnmapped.
     [[gnu::always_inline]] std::uint32_t valueOf(std::uint32_t lead, std::uint32_t trail) const {
-        const std::uint32_t row = lead - firstLead_ - (lead > leadGapLow_ ? leadShift_ : 0);
-        const bool behindGap = trail > trailGapLow_;
-        const std::uint32_t column = trail - firstTrail_ - (behindGap ? trailShift_ : 0);
-        if (column >= trailsPerLead_ || (behindGap && trail < trailGapHigh_))
+        std::uint32_t row = lead - firstLead_;
+        if (leadShift_ != 0)
+            row -= leadShift_ & maskIf(lead > leadGapLow_);
+        std::uint32_t column = trail - firstTrail_;
+        if (trailShift_ != 0) {
+            if (trail > trailGapLow_ && trail < trailGapHigh_)
+                return file::kUnmapped;
+            column -= trailShift_ & maskIf(trail > trailGapLow_);
+        }
+        if (column >= trailsPerLead_)
             return file::kUnmapped;
         return loadNumber<std::uint16_t>(values_ + std::size_t{row * trailsPerLead_ + column + 1} * 2);
     }
@@ -166,56 +172,15 @@ private:
     std::uint32_t trailsPerLead_;
 };
 
-// Blocks of 64 bytes. Reads 16 bytes further.
-template <typename Sink>
-[[gnu::always_inline]] inline void pairBlocks(const PairRectangle &page, Source &source, Sink &sink,
-                                              bool &refused) {
-    const std::uint8_t *at = source.at;
-    while (source.end - at >= 64 + 16 && sink.hasRoom(Sink::kBlockRoom)) {
-        const std::uint64_t notAscii = notAsciiMask<64>(at);
-        if (notAscii == 0) {
-            for (int i = 0; i < 4; ++i) {
-                sink.ascii16(at + 16 * i);
-                sink.advance(16);
-            }
-            at += 64;
-            continue;
-        }
-        const std::uint64_t leads = page.leadMask(at);
-        const std::uint64_t trails = trailsBehind(leads);
-        const auto take = [at, leads, &page, &sink](int position) {
-            const std::uint32_t first = at[position];
-            if (first < 0x80) {
-                sink.putAscii(static_cast<std::uint8_t>(first));
-                return 1;
-            }
-            if ((leads >> position & 1) == 0)
-                return 0;
-            const std::uint32_t value = page.valueOf(first, at[position + 1]);
-            return value != file::kUnmapped && sink.put(value) ? 2 : 0;
-        };
-        const std::uint64_t notAsciiStarts = notAscii & ~trails;
-        at += isSparse(notAsciiStarts)
-                  ? sparseCharacters<kStartsOfTwo>(at, notAsciiStarts, sink, take, refused)
-                  : denseCharacters<kStartsOfTwo>(~trails, take, refused);
-        if (refused)
-            break;
-    }
-    source.at = at;
-}
-
+// Run by run: the length of a character is foreseen with its script.
 template <typename Sink>
 [[gnu::always_inline]] inline void readPairsInto(const PairRectangle &page, Source &source, Sink &sink) {
-    bool refused = false;
-    if constexpr (kHasVectors)
-        pairBlocks(page, source, sink, refused);
-    if (refused)
-        return;
     const std::uint8_t *at = source.at;
-    while (at < source.end) {
-        const std::uint32_t first = *at;
+    const std::uint8_t *const last = source.end;
+    while (at < last) {
+        std::uint32_t first = *at;
         if (first < 0x80) {
-            if (source.end - at >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
+            if (last - at >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
                 const int count = asciiPrefix16(at);
                 sink.ascii16(at);
                 sink.advance(count);
@@ -228,12 +193,19 @@ template <typename Sink>
             ++at;
             continue;
         }
-        if (source.end - at < 2 || !sink.hasRoom(Sink::kCharacterRoom) || !page.isLead(first))
+        bool taken = true;
+        do {
+            taken = last - at >= 2 && sink.hasRoom(Sink::kCharacterRoom) && page.isLead(first);
+            if (!taken)
+                break;
+            const std::uint32_t value = page.valueOf(first, at[1]);
+            taken = value != file::kUnmapped && sink.put(value);
+            if (!taken)
+                break;
+            at += 2;
+        } while (at < last && (first = *at) >= 0x80);
+        if (!taken)
             break;
-        const std::uint32_t value = page.valueOf(first, at[1]);
-        if (value == file::kUnmapped || !sink.put(value))
-            break;
-        at += 2;
     }
     source.at = at;
 }

@@ -3,7 +3,7 @@
 // Stops at a surrogate, at a value above U+FFFF and before half a unit; the plain way takes those.
 #pragma once
 
-#include "convert/kernels/fast_vector.hpp"
+#include "convert/kernels/fast_sinks.hpp"
 #include "convert/kernels/kernels.hpp"
 
 namespace velnls {
@@ -106,6 +106,29 @@ inline void storeAs16(std::uint8_t *to, const std::uint8_t *at) {
     return value < 0x10000 && (value & 0xF800) != 0xD800;
 }
 
+// Eight units that are plain. To UTF-8, alike lengths spare the choice; every run of words has such
+// stretches.
+template <typename Unit>
+[[gnu::always_inline]] inline void put8(const std::uint8_t *at, Utf8Sink &sink) {
+    std::uint32_t seen = 0;
+    std::uint32_t shortest = 0xFFFF;
+    for (std::size_t i = 0; i < 8; ++i) {
+        const std::uint32_t unit = loadNumber<Unit>(at + i * sizeof(Unit));
+        seen |= unit;
+        shortest = unit < shortest ? unit : shortest;
+    }
+    if (seen < 0x800) {
+        for (std::size_t i = 0; i < 8; ++i)
+            sink.putOneOrTwo(loadNumber<Unit>(at + i * sizeof(Unit)));
+    } else if (shortest >= 0x800) {
+        for (std::size_t i = 0; i < 8; ++i)
+            sink.putThree(loadNumber<Unit>(at + i * sizeof(Unit)));
+    } else {
+        for (std::size_t i = 0; i < 8; ++i)
+            sink.put(loadNumber<Unit>(at + i * sizeof(Unit)));
+    }
+}
+
 // To a sink of characters. Half of a unit at the end of the source stays there.
 template <typename Unit, typename Sink>
 [[gnu::always_inline]] inline void readUnitsInto(Source &source, Sink &sink) {
@@ -121,12 +144,8 @@ template <typename Unit, typename Sink>
         }
         if (!arePlain8(at, Unit{}))
             break;
-        for (int i = 0; i < 8; ++i, at += kWidth) {
-            if (!sink.put(loadNumber<Unit>(at))) {
-                source.at = at;
-                return;
-            }
-        }
+        put8<Unit>(at, sink);
+        at += 8 * kWidth;
     }
     while (source.end - at >= kWidth && sink.hasRoom(Sink::kCharacterRoom)) {
         const std::uint32_t value = loadNumber<Unit>(at);

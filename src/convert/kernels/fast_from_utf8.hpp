@@ -11,18 +11,11 @@
 namespace velnls {
 namespace {
 
-// The character in the low bytes of `word`: one, two or three well-formed bytes.
-[[gnu::always_inline]] inline std::uint32_t utf8Value(std::uint32_t word) {
-    const std::uint32_t two = (word & 0x1F) << 6 | (word >> 8 & 0x3F);
-    const std::uint32_t three = (word & 0x0F) << 12 | (word >> 8 & 0x3F) << 6 | (word >> 16 & 0x3F);
-    const std::uint32_t value = (word & 0xFF) < 0xE0 ? two : three;
-    return (word & 0x80) != 0 ? value : word & 0x7F;
-}
-
 // What a block's lead bytes announce must be what follows. A block begins at a character.
 struct Utf8Block {
     std::uint64_t lead; // of two bytes and more
     std::uint64_t trail;
+    bool hasThree;
     bool wellFormed; // and no character is longer than three bytes
 };
 
@@ -31,14 +24,15 @@ struct Utf8Block {
     const std::uint64_t three = atLeastMask<64>(at, 0xE0);
     const std::uint64_t four = atLeastMask<64>(at, 0xF0);
     const std::uint64_t trail = notAscii & ~lead;
-    return {lead, trail, four == 0 && trail == (lead << 1 | three << 2)};
+    return {lead, trail, three != 0, four == 0 && trail == (lead << 1 | three << 2)};
 }
 
 template <typename Sink>
 [[gnu::always_inline]] inline void utf8Blocks(Source &source, Sink &sink, bool &refused) {
     const std::uint8_t *at = source.at;
+    const std::uint8_t *const last = source.end;
     // Sparse copying reads up to 16 bytes behind a block.
-    while (source.end - at >= 64 + 16 && sink.hasRoom(Sink::kBlockRoom)) {
+    while (last - at >= 64 + 16 && sink.hasRoom(Sink::kBlockRoom)) {
         const std::uint64_t notAscii = notAsciiMask<64>(at);
         if (notAscii == 0) {
             for (int i = 0; i < 4; ++i) {
@@ -51,28 +45,40 @@ template <typename Sink>
         const Utf8Block block = utf8Block(at, notAscii);
         if (!block.wellFormed)
             break;
-        const auto take = [at, &sink](int position) {
-            const auto word = loadNumber<std::uint32_t>(at + position);
-            const int length = 2 + static_cast<int>((word & 0xFF) >= 0xE0);
-            return sink.put(utf8Value(word)) ? length : 0;
+        const auto takeUpToTwo = [at, &sink](int position) {
+            return sink.putUpToTwo(loadNumber<std::uint16_t>(at + position)) ? 1 : 0;
         };
-        at += isSparse(block.lead) ? sparseCharacters<kStartsOfFour>(at, block.lead, sink, take, refused)
-                                   : denseCharacters<kStartsOfFour>(~block.trail, take, refused);
+        const auto take = [at, &sink](int position) {
+            const std::uint8_t *const character = at + position;
+            const std::uint32_t first = *character;
+            if (first < 0xE0)
+                return sink.put(twoByteValue(loadNumber<std::uint16_t>(character))) ? 2 : 0;
+            return sink.put((first << 12) + (std::uint32_t{character[1]} << 6) + character[2] - 0xE2080u) ? 3
+                                                                                                          : 0;
+        };
+        if (isSparse(block.lead))
+            at += sparseCharacters<kStartsOfFour>(at, block.lead, sink, take, refused);
+        else if (!block.hasThree)
+            at += denseCharacters<kStartsOfTwo>(~block.trail, takeUpToTwo, refused);
+        else
+            break; // long characters come in runs, where jumps are foreseen
         if (refused)
             break;
     }
     source.at = at;
 }
 
-// One character after the other. False when the next one needs the plain way.
+// One character after the other, run by run of equal length. By sums and offsets, so that malformed trail
+// bytes come out as the plain way has them. False when the next character needs the plain way.
 template <typename Sink>
 [[gnu::always_inline]] inline bool utf8Characters(Source &source, const std::uint8_t *end, Sink &sink) {
     const std::uint8_t *at = source.at;
+    const std::uint8_t *const last = source.end;
     bool taken = true;
     while (at < end && taken) {
-        const std::uint32_t first = *at;
+        std::uint32_t first = *at;
         if (first < 0x80) {
-            if (source.end - at >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
+            if (last - at >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
                 const int count = asciiPrefix16(at);
                 sink.ascii16(at);
                 sink.advance(count);
@@ -85,21 +91,30 @@ template <typename Sink>
             ++at;
             continue;
         }
-        if (first < 0xC0 || first >= 0xF0 || !sink.hasRoom(Sink::kCharacterRoom))
+        if (first < 0xC0 || first >= 0xF0)
             break;
-        // By sums and offsets, so that malformed trail bytes come out as the plain way has them.
         if (first < 0xE0) {
-            if (source.end - at < 2)
-                break;
-            const std::uint32_t value = (first << 6) + at[1] - 0x3080u;
-            taken = value <= 0xFFFF && sink.put(value);
-            at += taken ? 2 : 0;
+            do {
+                taken = last - at >= 2 && sink.hasRoom(Sink::kCharacterRoom);
+                if (!taken)
+                    break;
+                const std::uint32_t value = (first << 6) + at[1] - 0x3080u;
+                taken = value - 0x80 <= 0xFF7F && sink.put(value);
+                if (!taken)
+                    break;
+                at += 2;
+            } while (at < end && ((first = *at) & 0xE0) == 0xC0);
         } else {
-            if (source.end - at < 3)
-                break;
-            const std::uint32_t value = (first << 12) + (std::uint32_t{at[1]} << 6) + at[2] - 0xE2080u;
-            taken = value <= 0xFFFF && sink.put(value);
-            at += taken ? 3 : 0;
+            do {
+                taken = last - at >= 3 && sink.hasRoom(Sink::kCharacterRoom);
+                if (!taken)
+                    break;
+                const std::uint32_t value = (first << 12) + (std::uint32_t{at[1]} << 6) + at[2] - 0xE2080u;
+                taken = value - 0x80 <= 0xFF7F && sink.put(value);
+                if (!taken)
+                    break;
+                at += 3;
+            } while (at < end && ((first = *at) & 0xF0) == 0xE0);
         }
     }
     source.at = at;

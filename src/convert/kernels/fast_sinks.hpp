@@ -21,6 +21,19 @@ struct ByteCursor {
     }
 };
 
+// The value of a well-formed sequence of two bytes, or of one or two, in the low bytes of `word`.
+[[gnu::always_inline]] inline std::uint32_t twoByteValue(std::uint32_t word) {
+    return (word & 0x1F) << 6 | (word >> 8 & 0x3F);
+}
+[[gnu::always_inline]] inline std::uint32_t maskOfTop(std::uint32_t word) {
+    auto mask = static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<std::int8_t>(word)) >> 7);
+    asm("" : "+r"(mask));
+    return mask;
+}
+[[gnu::always_inline]] inline std::uint32_t valueUpToTwo(std::uint32_t word) {
+    return select(maskOfTop(word), twoByteValue(word), word & 0xFF);
+}
+
 struct Utf16Sink : ByteCursor {
     static constexpr std::ptrdiff_t kBlockRoom = (64 + 16) * 2;
     static constexpr std::ptrdiff_t kAsciiRoom = 32;
@@ -48,6 +61,9 @@ struct Utf16Sink : ByteCursor {
         storeNumber(out, static_cast<std::uint16_t>(value));
         out += 2;
         return true;
+    }
+    [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
+        return put(valueUpToTwo(word));
     }
 };
 
@@ -82,6 +98,9 @@ struct Utf32Sink : ByteCursor {
         out += 4;
         return true;
     }
+    [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
+        return put(valueUpToTwo(word));
+    }
 };
 
 // A single-byte page: the reverse window gives the index, the row makes it a byte.
@@ -92,7 +111,7 @@ struct ByteRowSink : ByteCursor {
 
     const std::uint8_t *window; // 16-bit indexes by value - lowest
     std::uint32_t lowest;
-    std::uint32_t span; // values of the window
+    std::uint32_t span; // values of the window; without one, ASCII alone passes
     std::uint32_t base; // byte = index + base
 
     ByteRowSink(const MappingBody &body, std::uint8_t *outBegin, std::uint8_t *outEnd)
@@ -100,8 +119,8 @@ struct ByteRowSink : ByteCursor {
           // Never null: ASCII looks at the first entry without using it.
           window(reinterpret_cast<const std::uint8_t *>(
               body.groups[2].reverse != nullptr ? body.groups[2].reverse : body.groups[2].values)),
-          lowest(body.groups[2].lowest),
-          span(body.groups[2].reverseCount == 0 ? 0 : body.groups[2].highest - body.groups[2].lowest + 1),
+          lowest(body.groups[2].reverseCount == 0 ? 0 : body.groups[2].lowest),
+          span(body.groups[2].reverseCount == 0 ? 1 : body.groups[2].highest - body.groups[2].lowest + 1),
           base(body.groups[2].firstTrail - 1u) {}
 
     [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
@@ -114,15 +133,59 @@ struct ByteRowSink : ByteCursor {
         *out++ = byte;
     }
     [[gnu::always_inline]] bool put(std::uint32_t value) {
-        const bool ascii = value < 0x80;
         const std::uint32_t place = value - lowest;
-        if (place >= span && !ascii)
+        if (place >= span)
             return false;
-        // ASCII reads the window's first entry and does not use it: no branch on the script.
-        const std::uint32_t index = loadNumber<std::uint16_t>(window + std::size_t{ascii ? 0 : place} * 2);
-        if (index == file::kUnmapped && !ascii)
+        const std::uint32_t index = loadNumber<std::uint16_t>(window + std::size_t{place} * 2);
+        if (index == file::kUnmapped)
             return false;
-        *out++ = static_cast<std::uint8_t>(ascii ? value : index + base);
+        *out++ = static_cast<std::uint8_t>(index + base);
+        return true;
+    }
+    [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
+        const std::uint32_t beyondAscii = maskOfTop(word);
+        // ASCII reads the window's first entry and does not use it.
+        const std::uint32_t place = (twoByteValue(word) - lowest) & beyondAscii;
+        if (place >= span)
+            return false;
+        const std::uint32_t index = loadNumber<std::uint16_t>(window + std::size_t{place} * 2);
+        if (index == file::kUnmapped && beyondAscii != 0)
+            return false;
+        *out++ = static_cast<std::uint8_t>(select(beyondAscii, index + base, word));
+        return true;
+    }
+};
+
+// The same page for long texts: the byte of every character of one or two UTF-8 bytes, made once. 0 needs the
+// plain way, and so does U+0000 itself.
+struct ByteTableSink : ByteRowSink {
+    static constexpr std::ptrdiff_t kWorthwhile = 8192; // source bytes that repay making the table
+    static constexpr std::uint32_t kValues = 0x800;
+
+    const std::uint8_t *bytes;
+
+    struct Table {
+        std::uint8_t bytes[kValues];
+
+        explicit Table(const ByteRowSink &row) {
+            std::memset(bytes, 0, sizeof bytes);
+            for (std::uint32_t value = 0; value < 0x80; ++value)
+                bytes[value] = static_cast<std::uint8_t>(value);
+            for (std::uint32_t place = 0; place < row.span && row.lowest + place < kValues; ++place) {
+                const std::uint32_t index = loadNumber<std::uint16_t>(row.window + std::size_t{place} * 2);
+                if (index != file::kUnmapped && row.lowest + place >= 0x80)
+                    bytes[row.lowest + place] = static_cast<std::uint8_t>(index + row.base);
+            }
+        }
+    };
+
+    ByteTableSink(const ByteRowSink &row, const Table &table) : ByteRowSink(row), bytes(table.bytes) {}
+
+    [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
+        const std::uint8_t byte = bytes[valueUpToTwo(word)];
+        if (byte == 0)
+            return false;
+        *out++ = byte;
         return true;
     }
 };
@@ -131,29 +194,32 @@ struct ByteRowSink : ByteCursor {
 struct PairSink : ByteCursor {
     static constexpr std::ptrdiff_t kBlockRoom = 64 + 16;
     static constexpr std::ptrdiff_t kAsciiRoom = 16;
-    static constexpr std::ptrdiff_t kCharacterRoom = 2;
+    static constexpr std::ptrdiff_t kCharacterRoom = 2; // of one byte too, since two are stored
 
     const std::uint8_t *window;
     const MappingFacts &facts;
+    const std::uint8_t *punctuation;
+    const std::uint8_t *widePunctuation;
     std::uint32_t lowest;
     std::uint32_t span;
     std::uint32_t reciprocal;
-    std::uint32_t trailsPerLead;
-    std::uint32_t firstLead;
-    std::uint32_t leadGapLow;
-    std::uint32_t leadShift;
-    std::uint32_t firstTrail;
+    std::uint32_t codeBase;   // the first code of the rectangle
+    std::uint32_t rowStep;    // from the end of one row to the begin of the next
+    std::uint32_t leadGapEnd; // the last code before the lead gap
+    std::uint32_t leadShift;  // in codes
     std::uint32_t trailGapLow;
     std::uint32_t trailShift;
 
     PairSink(const MappingBody &body, std::uint8_t *outBegin, std::uint8_t *outEnd)
         : ByteCursor{outBegin, outEnd},
           window(reinterpret_cast<const std::uint8_t *>(body.groups[2].reverse)), facts(factsOf(body)),
+          punctuation(body.groups[1].unusedA), widePunctuation(body.groups[2].unusedA),
           lowest(body.groups[2].lowest),
           span(body.groups[2].reverseCount == 0 ? 0 : body.groups[2].highest - body.groups[2].lowest + 1),
-          reciprocal(facts.reciprocal), trailsPerLead(body.groups[2].trailsPerLead),
-          firstLead(body.groups[2].firstLead), leadGapLow(body.groups[2].leadGapLow),
-          leadShift(body.groups[2].leadShift), firstTrail(body.groups[2].firstTrail),
+          reciprocal(facts.reciprocal),
+          codeBase(body.groups[2].firstLead * 0x100u + body.groups[2].firstTrail),
+          rowStep(0x100u - body.groups[2].trailsPerLead),
+          leadGapEnd(body.groups[2].leadGapLow * 0x100u + 0xFF), leadShift(body.groups[2].leadShift * 0x100u),
           trailGapLow(body.groups[2].trailGap1Low), trailShift(body.groups[2].trailShift1) {}
 
     [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
@@ -165,41 +231,92 @@ struct PairSink : ByteCursor {
     [[gnu::always_inline]] void putAscii(std::uint8_t byte) {
         *out++ = byte;
     }
-    [[gnu::always_inline]] void putPair(std::uint32_t lead, std::uint32_t trail) {
-        storeNumber(out, static_cast<std::uint16_t>(lead | trail << 8));
+    [[gnu::always_inline]] void putIndex(std::uint32_t index) {
+        const std::uint32_t place = index - 1;
+        const auto row = static_cast<std::uint32_t>(std::uint64_t{place} * reciprocal >> kReciprocalShift);
+        std::uint32_t code = codeBase + place + row * rowStep;
+        if (trailShift != 0)
+            code += trailShift & maskIf((code & 0xFF) > trailGapLow);
+        if (leadShift != 0)
+            code += leadShift & maskIf(code > leadGapEnd);
+        storeNumber(out, __builtin_bswap16(static_cast<std::uint16_t>(code)));
         out += 2;
     }
-    [[gnu::always_inline]] bool putLinear(const LinearBlock &block, std::uint32_t value) {
-        if ((value & 31) - block.first >= block.count)
-            return false;
-        const std::uint32_t code = (value + block.delta) & 0xFFFF;
-        putPair(code >> 8, code & 0xFF);
-        return true;
+    // The index of a value outside the window, or 0.
+    [[gnu::always_inline]] static std::uint32_t indexInBlock(const LinearBlock &block, std::uint32_t value) {
+        return (value & 31) - block.first < block.count ? (value + block.delta) & 0xFFFF : 0;
+    }
+    [[gnu::always_inline]] std::uint32_t indexBeside(std::uint32_t value) const {
+        if (value - kKanaBegin < 32 * kKanaBlocks) {
+            if (value - kSoundMarksBegin < kSoundMarks)
+                return facts.marks[value - kSoundMarksBegin];
+            return indexInBlock(facts.kana[(value - kKanaBegin) >> 5], value);
+        }
+        if (value - kPunctuationBegin < kPunctuation)
+            return loadNumber<std::uint16_t>(punctuation + (value - kPunctuationBegin) * 2);
+        if (value - kWidePunctuationBegin < kPunctuation)
+            return loadNumber<std::uint16_t>(widePunctuation + (value - kWidePunctuationBegin) * 2);
+        if (value - kLettersBegin < 32 * kLetterBlocks)
+            return indexInBlock(facts.letters[(value - kLettersBegin) >> 5], value);
+        return 0;
     }
     [[gnu::always_inline]] bool put(std::uint32_t value) {
-        if (value < 0x80) {
-            putAscii(static_cast<std::uint8_t>(value));
-            return true;
-        }
+        std::uint32_t index = 0;
         if (value - lowest < span) {
-            const std::uint32_t index = loadNumber<std::uint16_t>(window + std::size_t{value - lowest} * 2);
+            index = loadNumber<std::uint16_t>(window + std::size_t{value - lowest} * 2);
             if (index == file::kUnmapped)
                 return false;
-            const std::uint32_t place = index - 1;
-            const auto row =
-                static_cast<std::uint32_t>(std::uint64_t{place} * reciprocal >> kReciprocalShift);
-            std::uint32_t lead = firstLead + row;
-            std::uint32_t trail = firstTrail + (place - row * trailsPerLead);
-            trail += trail > trailGapLow ? trailShift : 0;
-            lead += lead > leadGapLow ? leadShift : 0;
-            putPair(lead, trail);
-            return true;
+        } else {
+            index = indexBeside(value);
+            if (index == 0)
+                return false;
         }
-        if (value - kKanaFirst < 32 * kKanaBlocks)
-            return putLinear(facts.kana[(value - kKanaFirst) / 32], value);
-        if (value - kFullWidthFirst < 32 * kFullWidthBlocks)
-            return putLinear(facts.fullWidth[(value - kFullWidthFirst) / 32], value);
-        return false;
+        putIndex(index);
+        return true;
+    }
+    [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
+        if ((word & 0x80) != 0)
+            return put(twoByteValue(word));
+        putAscii(static_cast<std::uint8_t>(word));
+        return true;
+    }
+};
+
+// The same page for long texts: kana by a table of their own, so that the change between kana and ideographs,
+// which is as good as random, costs no jump.
+struct KanaTableSink : PairSink {
+    static constexpr std::ptrdiff_t kWorthwhile = 2048; // source bytes that repay making the table
+    static constexpr std::uint32_t kValues = 0x100;     // U+3000 to 30FF
+
+    const std::uint16_t *kana;
+
+    struct Table {
+        std::uint16_t indexes[kValues];
+
+        explicit Table(const PairSink &page) {
+            for (std::uint32_t i = 0; i < kValues; ++i) {
+                const std::uint32_t index = page.indexBeside(kPunctuationBegin + i);
+                indexes[i] = index != 0 ? static_cast<std::uint16_t>(index) : file::kUnmapped;
+            }
+        }
+    };
+
+    KanaTableSink(const PairSink &page, const Table &table) : PairSink(page), kana(table.indexes) {}
+
+    [[gnu::always_inline]] bool put(std::uint32_t value) {
+        const std::uint32_t place = value - lowest;
+        if (place >= span && value >> 8 != kPunctuationBegin >> 8)
+            return PairSink::put(value);
+        std::uintptr_t mask = 0 - static_cast<std::uintptr_t>(place < span);
+        asm("" : "+r"(mask));
+        const auto inWindow = reinterpret_cast<std::uintptr_t>(window + std::size_t{place} * 2);
+        const auto inTable = reinterpret_cast<std::uintptr_t>(kana + (value & 0xFF));
+        const std::uintptr_t entry = inTable ^ ((inWindow ^ inTable) & mask);
+        const std::uint32_t index = loadNumber<std::uint16_t>(reinterpret_cast<const void *>(entry));
+        if (index == file::kUnmapped)
+            return false;
+        putIndex(index);
+        return true;
     }
 };
 
@@ -220,14 +337,21 @@ struct Utf8Sink : ByteCursor {
     }
     // A value up to U+FFFF, not a surrogate.
     [[gnu::always_inline]] bool put(std::uint32_t value) {
-        const std::uint32_t last = (value & 0x3F) | 0x80;
-        const std::uint32_t two = 0xC0 | value >> 6 | last << 8;
-        const std::uint32_t three = 0xE0 | value >> 12 | (0x80 | (value >> 6 & 0x3F)) << 8 | last << 16;
-        std::uint32_t bytes = value < 0x800 ? two : three;
-        bytes = value < 0x80 ? value : bytes;
-        storeNumber(out, bytes);
-        out += 1 + static_cast<int>(value >= 0x80) + static_cast<int>(value >= 0x800);
+        if (value < 0x800)
+            putOneOrTwo(value);
+        else
+            putThree(value);
         return true;
+    }
+    [[gnu::always_inline]] void putOneOrTwo(std::uint32_t value) {
+        const std::uint32_t beyondOne = maskIf(value >= 0x80);
+        const std::uint32_t two = 0x80C0 | value >> 6 | (value & 0x3F) << 8;
+        storeNumber(out, static_cast<std::uint16_t>(select(beyondOne, two, value)));
+        out += 1 - static_cast<std::int32_t>(beyondOne);
+    }
+    [[gnu::always_inline]] void putThree(std::uint32_t value) {
+        storeNumber(out, 0x8080E0 | value >> 12 | (value << 2 & 0x3F00) | (value & 0x3F) << 16);
+        out += 3;
     }
 };
 

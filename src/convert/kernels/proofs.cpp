@@ -135,37 +135,64 @@ bool isPairRectangle(const MappingBody &body) {
            hasIndexesUpTo(group, last);
 }
 
-// The longest run of two-byte codes that follow each other, among 32 values.
+// The index of a two-byte code in the rectangle, or kNone.
+std::uint32_t indexOfPair(const MappingGroup &group, std::uint32_t code) {
+    const unsigned lead = code >> 8;
+    unsigned trail = code & 0xFF;
+    if (code == kNone || !isRectangleLead(group, lead) || trail < group.firstTrail ||
+        trail > group.lastTrail || (trail > group.trailGap1Low && trail < group.trailGap1High))
+        return kNone;
+    trail -= trail > group.trailGap1Low ? group.trailShift1 : 0;
+    const unsigned row = lead - group.firstLead - (lead > group.leadGapLow ? group.leadShift : 0u);
+    return row * group.trailsPerLead + (trail - group.firstTrail) + 1;
+}
+
+// The longest run of indexes that follow each other, among 32 values.
 LinearBlock linearBlock(const MappingBody &body, std::uint32_t first) {
     LinearBlock best{};
     LinearBlock run{};
     std::uint32_t before = kNone;
     for (unsigned i = 0; i < 32; ++i) {
-        const std::uint32_t code = codeOfUnicode(body, first + i);
-        if (code == kNone || code < 0x100) {
+        const std::uint32_t index = indexOfPair(body.groups[2], codeOfUnicode(body, first + i));
+        if (index == kNone)
             run.count = 0;
-        } else if (run.count != 0 && code == before + 1) {
+        else if (run.count != 0 && index == before + 1)
             ++run.count;
-        } else {
-            run = {static_cast<std::uint8_t>(i), 1, static_cast<std::uint16_t>(code - (first + i))};
-        }
-        before = code;
+        else
+            run = {static_cast<std::uint8_t>(i), 1, static_cast<std::uint16_t>(index - (first + i))};
+        before = index;
         if (run.count > best.count)
             best = run;
     }
     return best;
 }
 
-MappingFacts makeFacts(const MappingBody &body) {
+std::uint16_t pairIndex(const MappingBody &body, std::uint32_t value) {
+    const std::uint32_t index = indexOfPair(body.groups[2], codeOfUnicode(body, value));
+    return index == kNone ? std::uint16_t{0} : static_cast<std::uint16_t>(index);
+}
+
+void putPunctuation(MappingBody &body, MappingGroup &group, std::uint32_t begin) {
+    std::uint16_t indexes[kPunctuation];
+    for (unsigned i = 0; i < kPunctuation; ++i)
+        indexes[i] = pairIndex(body, begin + i);
+    std::memcpy(group.unusedA, indexes, sizeof indexes);
+}
+
+void putFacts(MappingBody &body) {
     MappingFacts facts{};
-    for (unsigned i = 0; i < kKanaBlocks; ++i)
-        facts.kana[i] = linearBlock(body, kKanaFirst + 32 * i);
-    for (unsigned i = 0; i < kFullWidthBlocks; ++i)
-        facts.fullWidth[i] = linearBlock(body, kFullWidthFirst + 32 * i);
+    for (unsigned block = 0; block < kKanaBlocks; ++block)
+        facts.kana[block] = linearBlock(body, kKanaBegin + 32 * block);
+    for (unsigned block = 0; block < kLetterBlocks; ++block)
+        facts.letters[block] = linearBlock(body, kLettersBegin + 32 * block);
+    for (unsigned i = 0; i < kSoundMarks; ++i)
+        facts.marks[i] = pairIndex(body, kSoundMarksBegin + i);
     // Rounded up. The error of at most 254 per 2^24, times a place below 2^16, stays below one.
     const std::uint32_t divisor = body.groups[2].trailsPerLead;
     facts.reciprocal = ((1u << kReciprocalShift) + divisor - 1) / divisor;
-    return facts;
+    std::memcpy(body.groups[0].unusedA, &facts, sizeof facts);
+    putPunctuation(body, body.groups[1], kPunctuationBegin);
+    putPunctuation(body, body.groups[2], kWidePunctuationBegin);
 }
 
 } // namespace
@@ -180,8 +207,7 @@ std::uint32_t proveMapping(MappingBody &body) {
         proofs |= kByteRow;
     if (isPairRectangle(body)) {
         proofs |= kPairRectangle;
-        const MappingFacts facts = makeFacts(body);
-        std::memcpy(body.groups[0].unusedA, &facts, sizeof facts);
+        putFacts(body);
     }
     return proofs;
 }

@@ -19,27 +19,38 @@ inline constexpr std::uint32_t kByteRow = 0x0020;
 // most one trail gap, and the indexes of its reverse window are two-byte codes.
 inline constexpr std::uint32_t kPairRectangle = 0x0040;
 
-// A stretch of 32 Unicode values, in which `count` from `first` on have codes that follow each other.
+// A stretch of 32 Unicode values, in which `count` from `first` on have indexes of the third group's
+// rectangle that follow each other.
 struct [[gnu::packed]] LinearBlock {
     std::uint8_t first; // low five bits of the value
     std::uint8_t count;
-    std::uint16_t delta; // code = value + delta, modulo 2^16
+    std::uint16_t delta; // index = value + delta, modulo 2^16
 };
 
-// The stretches whose characters stand everywhere in East Asian text but not in the reverse window.
-inline constexpr std::uint32_t kKanaFirst = 0x3000; // punctuation, hiragana, katakana
-inline constexpr unsigned kKanaBlocks = 8;
-inline constexpr std::uint32_t kFullWidthFirst = 0xFF00; // full-width forms of ASCII
-inline constexpr unsigned kFullWidthBlocks = 3;
+// What stands everywhere in East Asian text but not in the reverse window: kana and full-width letters by
+// stretches, punctuation one by one. An index of 0 is none.
+inline constexpr std::uint32_t kKanaBegin = 0x3040;
+inline constexpr unsigned kKanaBlocks = 6;
+inline constexpr std::uint32_t kLettersBegin = 0xFF20;
+inline constexpr unsigned kLetterBlocks = 2;
+inline constexpr std::uint32_t kSoundMarksBegin =
+    0x30FB; // middle dot and prolonged sound, behind the katakana
+inline constexpr unsigned kSoundMarks = 2;
+inline constexpr std::uint32_t kPunctuationBegin = 0x3000;
+inline constexpr std::uint32_t kWidePunctuationBegin = 0xFF00;
+inline constexpr unsigned kPunctuation = 29; // values of each
 
-// Lies in the first group's unused bytes.
+// The facts lie in the unused bytes of the groups: these in the first, the indexes of U+3000 on in the
+// second, those of U+FF00 on in the third.
 struct [[gnu::packed]] MappingFacts {
     LinearBlock kana[kKanaBlocks];
-    LinearBlock fullWidth[kFullWidthBlocks];
+    LinearBlock letters[kLetterBlocks];
+    std::uint16_t marks[kSoundMarks];
     std::uint32_t
         reciprocal; // of trailsPerLead: place * reciprocal >> kReciprocalShift is place / trailsPerLead
 };
 static_assert(sizeof(MappingFacts) <= sizeof(file::MappingGroup::unusedA));
+static_assert(kPunctuation * sizeof(std::uint16_t) <= sizeof(file::MappingGroup::unusedA));
 
 inline constexpr unsigned kReciprocalShift = 24;
 
