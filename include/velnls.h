@@ -846,26 +846,27 @@ NLS_API nlsStatus nlsGetStrConversionProperty(nlsConversion *conversion, int32_t
  *                 U+FFFD in a Unicode form; the output is complete and the result is -3. Two exceptions
  *                 report nothing: byte to byte tables, which put "?" where a byte has no counterpart, and
  *                 the first step of a chain.
- *   Malformed     A character cut by the end of the input gives 16, as does UTF-8 that begins with a
- *                 continuation byte (nothing is converted then). Else UTF-8 is decoded leniently, without a
- *                 check for overlong forms, surrogates or bad trail bytes: use nlsValidateString, or the
- *                 velnls command, to find such text. Surrogates out of pair become "?" on the way to UTF-8,
- *                 with 16 from UTF-16 and 33 from UTF-32, the output complete; between UTF-16 and UTF-32
- *                 they pass unchanged. Values above U+10FFFF become U+FFFD in UTF-16 and in UTF-32 from
- *                 UTF-8; from UTF-32 to UTF-8 they are written in four or five bytes, from 0x4000000 up as
- *                 FF BD. A unit cut by the end of UTF-16 or UTF-32 input ends the input.
+ *   Malformed     UTF-8 that begins with a continuation byte gives 16, and nothing is converted. A
+ *                 character cut by the end of the input gives 16 from UTF-8 (but see below) and between
+ *                 SHIFT-JIS and EUCJIS; from other multibyte pages the bytes that are there are taken as a
+ *                 code, which has no counterpart as a rule and is substituted. Else UTF-8 is decoded
+ *                 leniently, without a check for overlong forms, surrogates or bad trail bytes: use
+ *                 nlsValidateString, or the velnls command, to find such text. Surrogates out of pair
+ *                 become "?" on the way to UTF-8, with 16 from UTF-16 and 33 from UTF-32, the output
+ *                 complete; between UTF-16 and UTF-32 they pass unchanged. Values above U+10FFFF become
+ *                 U+FFFD in UTF-16 and in UTF-32 from UTF-8; from UTF-32 to UTF-8 they are written in four
+ *                 or five bytes, from 0x4000000 up as FF BD. A unit cut by the end of UTF-16 or UTF-32
+ *                 input ends the input.
  *   Small buffer  2: what fitted is written and counted, whole characters only. Three differ: byte to byte
- *   tables write
- *                 nothing; the page to UTF-8 converters by bytes (kinds 19, 51) fill the rest with blanks
- *                 and a 0; the plain copy writes as many bytes as there is room for, whatever characters
- *                 they cut.
+ *                 tables write nothing; the page to UTF-8 converters by bytes (kinds 19, 51) fill the rest
+ *                 with blanks and a 0; the plain copy writes as many bytes as there is room for, whatever
+ *                 characters they cut.
  *   Byte order    is that of the machine for UTF-16, UTF-32 and UCS2, high byte first for UTF-16BE and
- *   UTF-32BE. No
- *                 byte-order mark is read, skipped or written.
+ *                 UTF-32BE. No byte-order mark is read, skipped or written.
  *   Buffers       'source' and 'destination' must not overlap.
  *
  * ONE BYTE BEHIND THE SOURCE IS READ BY CONVERSIONS FROM UTF-8 WHEN ITS LAST CHARACTER IS SHORT BY EXACTLY
- * ONE BYTE: IT MUST BE THE TEXT'S TERMINATING NUL, OR AT LEAST READABLE.
+ * ONE BYTE, AND TAKEN AS ITS LAST BYTE: IT MUST BE THE TEXT'S TERMINATING NUL, OR AT LEAST READABLE.
  */
 
 /*
