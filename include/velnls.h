@@ -539,8 +539,7 @@ typedef struct nlsDbCollation {
  *   old                        512        712
  *   new, no case table         1368       1504
  *   new, byte case table       1884       2020
- *   new, Unicode case table    1368 + n   1504 + n + m, with n and m the first two 32-bit words of the case
- *   table
+ *   new, Unicode case table    1368 + n   1504 + n + m; n, m: the case table's first two 32-bit words
  *
  * Returns:
  *   13  'locale' is null or its handle closed
@@ -803,8 +802,7 @@ NLS_API nlsStatus nlsCreateConversion(nlsHandle *handle, nlsLocale *source, nlsL
  *   UTF-32 to UTF-8 (25), UTF-8 to UTF-32 (26)               -     4
  *   UTF-16 to UTF-32 (27), UTF-32 to UTF-16 (28)             2, -  4
  *   page to UTF-16 (29), UTF-16 to page (30)                 2, -  4, 2
- *   chain (7)                                                the two steps' product; the second step's
- *   value
+ *   chain (7)                                                both steps' product; the second's value
  *
  * For every converter, also where 17 has no value (-), a destination of 4 times the source's bytes and 4
  * more is large enough for the output and its terminator; so is 17 times the source's bytes and 4 more
@@ -1203,10 +1201,10 @@ NLS_API nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const ch
  *
  * Returns:
  *   13, 24, 16, 27, -4 and the statuses of nlsCompareN as nlsSearchForw; 16 also when 'replacement', 'out'
- *   or its buffer
- *       is null
- *   2   the result does not fit; 'out' is empty then, its former text overwritten with blanks where the
- *       replacement or the rest did not fit
+ *   or
+ *       its buffer is null
+ *   2   the result does not fit; 'out' stays as it was when the text before the match exceeds its size,
+ *       else it is empty and what stood in it is overwritten with blanks
  *   0   'out' is written
  *
  * Without a match: ONE-BYTE OVERRUN AS nlsCopyString.
