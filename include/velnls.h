@@ -1200,9 +1200,8 @@ NLS_API nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const ch
  * 'out' receives the text as it is. An empty pattern gives the text and the replacement behind it.
  *
  * Returns:
- *   13, 24, 16, 27, -4 and the statuses of nlsCompareN as nlsSearchForw; 16 also when 'replacement', 'out'
- *   or
- *       its buffer is null
+ *   13, 24, 16, 27, -4 and the statuses of nlsCompareN as nlsSearchForw
+ *   16  'replacement', 'out' or its buffer is null
  *   2   the result does not fit; 'out' stays as it was when the text before the match exceeds its size,
  *       else it is empty and what stood in it is overwritten with blanks
  *   0   'out' is written
@@ -1221,8 +1220,8 @@ NLS_API nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char 
  * as it is: the call returns 0 when that fits, and '*count' tells.
  *
  * Returns:
- *   13, 24, 16, 27, -4 and the statuses of nlsCompareN as nlsSearchForw, for the first search; 16 also when
- *       'replacement', 'out', its buffer or 'count' is null, or 'pattern' is empty
+ *   13, 24, 16, 27, -4 and the statuses of nlsCompareN as nlsSearchForw, for the first search
+ *   16  'replacement', 'out', its buffer or 'count' is null, or 'pattern' is empty
  *   2   the rest of the text does not fit; 'out' is empty then, its former text overwritten with blanks
  *   0   'out' is written
  *
