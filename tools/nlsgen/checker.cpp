@@ -298,9 +298,23 @@ private:
         if (type == 19 || type == 51)
             checkByteToUtf8();
         if (isMappingType(type))
-            checkMappingRecord(file_, offset, [this](std::size_t place, const std::string &expected) {
-                expect(false, place, expected.starts_with("expected ") ? expected.substr(9) : expected);
-            });
+            checkMappingRecord(file_, offset, attributesOf(entry).data(),
+                               [this](std::size_t place, const std::string &expected) {
+                                   expect(false, place,
+                                          expected.starts_with("expected ") ? expected.substr(9) : expected);
+                               });
+    }
+
+    // Of a page that the directory has; its record may still be unsound.
+    [[nodiscard]] std::array<std::uint8_t, kByteCount> attributesOf(const EntryView &entry) const {
+        std::array<std::uint8_t, kByteCount> attributes{};
+        const EntryView *page = find(file::kCharSet, entry.name, "");
+        const auto offset = static_cast<std::size_t>(page->offset);
+        expect(page->offset > 0 && file_.has(offset, sizeof(file::CharTable)), page->place,
+               "the character set of the conversion's page");
+        std::memcpy(attributes.data(), file_.bytes().data() + offset + offsetof(file::CharTable, attributes),
+                    attributes.size());
+        return attributes;
     }
 
     void checkLength(long length) const {

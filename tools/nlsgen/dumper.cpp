@@ -1,8 +1,8 @@
 #include "dumper.hpp"
 
 #include "checker.hpp"
-#include "file_lookup.hpp"
 #include "file_view.hpp"
+#include "mapping_figures.hpp"
 #include "name_compare.hpp"
 #include "problem.hpp"
 
@@ -15,9 +15,6 @@
 
 namespace velnls::nlsgen {
 namespace {
-
-constexpr std::size_t kConverterHeader = 8;
-constexpr std::size_t kMappingBody = 488;
 
 const char *kindName(long kind) {
     switch (kind) {
@@ -160,38 +157,12 @@ void dumpMapping(const FileView &file, std::size_t offset, std::ostream &out) {
     dumpGroup(mapping.groups[1], "second", out);
     dumpGroup(mapping.groups[2], "third", out);
 
-    std::size_t inFile = sizeof(file::Conversion);
-    std::size_t arena = 2 * (kConverterHeader + kMappingBody);
-    std::size_t largest = kConverterHeader + kMappingBody;
-    for (const file::MappingGroup &group : mapping.groups) {
-        for (const std::size_t count : {group.valueCount, group.reverseCount, group.deltaCount}) {
-            const std::size_t size = count * 2;
-            inFile += count == 0 ? 0 : file::kSubTableHead + size;
-            arena += size;
-            largest = std::max(largest, size);
-        }
-    }
-    const FileLookup lookup(file.bytes(), offset);
-    std::size_t codes = 0;
-    std::size_t characters = 0;
-    std::size_t steps = 0;
-    unsigned most = 0;
-    for (std::uint32_t code = 0; code <= 0xFFFF; code++)
-        codes += lookup.toUnicode(static_cast<std::uint16_t>(code)).has_value() ? 1 : 0;
-    for (std::uint32_t character = 0; character <= 0x2FFFF; character++) {
-        if (!lookup.fromUnicode(character))
-            continue;
-        characters++;
-        steps += lookup.steps();
-        most = std::max(most, lookup.steps());
-    }
-    out << "  " << codes << " codes looked up, " << characters << " turn back";
-    if (characters != 0)
-        out << ", by " << std::fixed << std::setprecision(2)
-            << static_cast<double>(steps) / static_cast<double>(characters) << " steps each, at most "
-            << most;
-    out << "\n  sizes: " << inFile << " bytes of the file, " << arena
-        << " of the arena for both directions, largest request " << largest << '\n';
+    const MappingFigures figures = measureMapping(file, offset);
+    out << "  " << figures.codes << " codes looked up, " << figures.characters << " turn back, by "
+        << std::fixed << std::setprecision(2) << figures.averageSteps << " steps each, at most "
+        << figures.mostSteps << "\n  sizes: " << figures.fileBytes << " bytes of the file, "
+        << figures.arenaBytes << " of the arena for both directions, largest request "
+        << figures.largestRequest << '\n';
 }
 
 void dumpConversion(const FileView &file, const EntryView &entry, std::ostream &out) {

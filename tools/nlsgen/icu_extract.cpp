@@ -97,7 +97,8 @@ ExtractedFile page720() {
             heading("Code page 720, Arabic: converter ibm-720; ASCII by definition.") + codeLines(codes)};
 }
 
-// What the converter has and the charmap lacks; with `privateUseOnly` of the private use area alone.
+// What the converter has and the charmap lacks; with `privateUseOnly` of the private use area alone, and
+// single bytes, which are controls and private characters.
 ExtractedFile userArea(const std::string &file, const std::string &charmap, const char *converter,
                        bool privateUseOnly, const Sources &sources) {
     const IcuPage icu(converter);
@@ -105,11 +106,12 @@ ExtractedFile userArea(const std::string &file, const std::string &charmap, cons
     for (const CodeLine &line : readCharmap(sources.charmaps + "/" + charmap + ".gz").lines)
         known.insert(line.code);
     Codes codes;
-    for (std::uint32_t code = 0x8100; code < kCodeCount; code++) {
+    for (std::uint32_t code = 0x80; code < kCodeCount; code++) {
         const std::uint32_t character = known.contains(code) ? kNone : icu.toUnicode(code);
         if (character == kNone)
             continue;
-        if (!privateUseOnly || (character >= kPrivateUseFirst && character <= kPrivateUseLast))
+        if (!privateUseOnly || code < 0x100 ||
+            (character >= kPrivateUseFirst && character <= kPrivateUseLast))
             codes.emplace_back(code, character);
     }
     return {file, heading("Codes of converter " + std::string(converter) + " that the charmap " + charmap +

@@ -17,8 +17,8 @@ constexpr std::size_t kThird = 2;
 
 class MappingChecker {
 public:
-    MappingChecker(const FileView &file, std::size_t offset, const Fail &fail)
-        : file_(file), offset_(offset), fail_(fail) {}
+    MappingChecker(const FileView &file, std::size_t offset, const std::uint8_t *attributes, const Fail &fail)
+        : file_(file), offset_(offset), attributes_(attributes), fail_(fail) {}
 
     void check() {
         for (group_ = 0; group_ < 3; group_++) {
@@ -33,6 +33,10 @@ public:
                 checkCompressedReverse();
             checkDeltas();
         }
+        group_ = 0;
+        place_ = offset_ + offsetof(file::Mapping, groups);
+        fields_ = file_.at<MappingGroup>(place_);
+        expect(fields_.substitution != 0, offsetof(MappingGroup, substitution), "a substitution code");
         checkThereAndBack();
     }
 
@@ -77,9 +81,9 @@ private:
         const MappingGroup &f = fields_;
         if (f.valueCount == 0 && f.reverseCount == 0)
             return;
-        const bool leadGap = f.leadGapLow < f.leadGapHigh;
-        const bool trailGap1 = f.trailGap1Low < f.trailGap1High;
-        const bool trailGap2 = f.trailGap2Low >= f.trailGap1High && f.trailGap2Low < f.trailGap2High;
+        const bool leadGap = f.leadGapLow + 1 < f.leadGapHigh;
+        const bool trailGap1 = f.trailGap1Low + 1 < f.trailGap1High;
+        const bool trailGap2 = f.trailGap2Low >= f.trailGap1High && f.trailGap2Low + 1 < f.trailGap2High;
         expect(f.firstLead <= f.lastLead, offsetof(MappingGroup, lastLead),
                "a last lead not before the first");
         expect(f.firstTrail <= f.lastTrail, offsetof(MappingGroup, lastTrail),
@@ -102,6 +106,14 @@ private:
                "the number of trails in the second gap as trail shift 2");
         expect(f.trailsPerLead == f.lastTrail - f.firstTrail + 1 - shift1 - shift2,
                offsetof(MappingGroup, trailsPerLead), "the number of trails of a row as trails per lead");
+        const auto isLead = [this](std::uint8_t byte) {
+            return byte == 0 || (attributes_[byte] & file::kTrailCountMask) != 0;
+        };
+        const std::string leadByte = "a lead byte of the page, or 00 for single bytes";
+        expect(isLead(f.firstLead), offsetof(MappingGroup, firstLead), leadByte);
+        expect(isLead(f.lastLead), offsetof(MappingGroup, lastLead), leadByte);
+        expect(!leadGap || isLead(f.leadGapLow), offsetof(MappingGroup, leadGapLow), leadByte);
+        expect(!leadGap || isLead(f.leadGapHigh), offsetof(MappingGroup, leadGapHigh), leadByte);
         expect(f.holeStart == 0xFFFF ? f.holeSize == 0 : f.holeStart != 0 && f.holeSize != 0,
                offsetof(MappingGroup, holeStart), "a hole with a size, or FFFF and 0 for none");
         expect(f.indexBase <= 1, offsetof(MappingGroup, indexBase), "index base 0 or 1");
@@ -158,6 +170,18 @@ private:
                                       " group: expected a segment's start behind the starts");
             checkSegment(reverse_[segment], segmentSize);
         }
+        expect(maps(f.highest), offsetof(MappingGroup, highest), "a highest value that the table maps");
+    }
+
+    // Of a table whose segments are sound.
+    [[nodiscard]] bool maps(std::uint32_t value) const {
+        const std::uint32_t distance = value - fields_.lowest;
+        long left = static_cast<long>(distance & ((1U << fields_.split) - 1)) + 1;
+        for (std::size_t at = reverse_[distance >> fields_.split]; left > 0; at++) {
+            const int run = reverse_[at] & fields_.runMask;
+            left -= run != 0 ? run : reverse_[++at];
+        }
+        return left == 0;
     }
 
     void checkSegment(std::size_t at, long left) const {
@@ -205,9 +229,26 @@ private:
                "a flag for each delta list and no more");
     }
 
-    // A character that has a code must be what the code stands for.
-    void checkThereAndBack() const {
+    // Index 0 belongs to the zero code, whichever group maps it.
+    void checkZeroCodes(const FileLookup &lookup) {
+        for (group_ = 0; group_ < 3; group_++) {
+            place_ = offset_ + offsetof(file::Mapping, groups) + group_ * sizeof(MappingGroup);
+            fields_ = file_.at<MappingGroup>(place_);
+            if (fields_.valueCount == 0)
+                continue;
+            checkSubTables();
+            const bool good = values_[0] == file::kUnmapped
+                                  ? fields_.zeroCode == 0
+                                  : lookup.toUnicode(fields_.zeroCode) == values_[0];
+            expect(good, offsetof(MappingGroup, zeroCode),
+                   "the code that the first value belongs to as zero code");
+        }
+    }
+
+    // A character that has a code must be what the code stands for, and what a code stands for must have one.
+    void checkThereAndBack() {
         const FileLookup lookup(file_.bytes(), offset_);
+        checkZeroCodes(lookup);
         for (std::uint32_t character = 0; character <= 0x2FFFF; character++) {
             const auto code = lookup.fromUnicode(character);
             if (!code)
@@ -218,10 +259,17 @@ private:
                                    hexadecimal(*code, 2) + ", which stands for " +
                                    (back ? unicodeName(*back) : "nothing"));
         }
+        for (std::uint32_t code = 0; code <= 0xFFFF; code++) {
+            const auto character = lookup.toUnicode(static_cast<std::uint16_t>(code));
+            if (character && !lookup.fromUnicode(*character) && !(*character == code && code < 0x7F))
+                fail_(offset_, "expected " + unicodeName(*character) + ", for which code " +
+                                   hexadecimal(code, 2) + " stands, to turn back to it or to another");
+        }
     }
 
     const FileView &file_;
     std::size_t offset_;
+    const std::uint8_t *attributes_; // of the page's bytes
     const Fail &fail_;
     std::size_t group_ = 0;
     std::size_t place_ = 0;
@@ -231,8 +279,9 @@ private:
 
 } // namespace
 
-void checkMappingRecord(const FileView &file, std::size_t offset, const Fail &fail) {
-    MappingChecker(file, offset, fail).check();
+void checkMappingRecord(const FileView &file, std::size_t offset, const std::uint8_t *attributes,
+                        const Fail &fail) {
+    MappingChecker(file, offset, attributes, fail).check();
 }
 
 } // namespace velnls::nlsgen

@@ -42,6 +42,11 @@ void Page::finish(const UnicodeData &unicode) {
                                              hexadecimal(other->second, 2) + " and " + hexadecimal(code, 2) +
                                              " both turn back to it");
     }
+    for (std::uint32_t code = 0; code < kCodeCount; code++)
+        if (oneWay_[code] && codeOf(toUnicode_[code]) == kNone)
+            throw Problem(placeOf(code), "page " + name + ": expected another code of " +
+                                             unicodeName(toUnicode_[code]) + ", to which the one-way code " +
+                                             hexadecimal(code, 2) + " turns back");
     for (std::uint32_t byte = 0; byte < 256; byte++) {
         const std::uint32_t character = toUnicode_[byte];
         const bool asciiAtItsPlace = character == byte && byte < 0x80;
