@@ -70,8 +70,9 @@ nlsStatus buildUtf8Leg(nlsHandle &handle, const Entry &entry, std::int32_t type,
 // Type 20: building the opposite direction stores this one's table on this entry.
 nlsStatus buildOpposite(nlsHandle &handle, const Entry &entry, const Pending &pending, const void *&out) {
     const void *opposite = nullptr;
-    if (buildPair(handle, entry.name2, entry.name, 0, &pending, opposite) != NLS_OK)
-        return NLS_E_ICU;
+    if (const nlsStatus status = buildPair(handle, entry.name2, entry.name, 0, &pending, opposite);
+        status != NLS_OK)
+        return partStatus(status);
     out = entry.table;
     return out == nullptr ? NLS_E_ICU : NLS_OK;
 }
