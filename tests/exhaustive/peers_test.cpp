@@ -8,6 +8,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 
 using harness::Bytes;
 using peers::Difference;
@@ -164,7 +166,21 @@ std::string peersTestName(const ::testing::TestParamInfo<peers::Names> &info) {
 
 INSTANTIATE_TEST_SUITE_P(Pages, PeersTest, ::testing::ValuesIn(peers::peerNames()), peersTestName);
 
-TEST(Peers, everyPageHasItsLine) {
+TEST(Peers, theManualStatesNamesAndNumbersOfEveryPage) {
+    std::ifstream manual(VELNLS_DIFFERENCES_MANUAL);
+    std::string text((std::istreambuf_iterator<char>(manual)), std::istreambuf_iterator<char>());
+    const auto cells = [](const char *page, const char *name, const char *kind) {
+        if (name == nullptr)
+            return std::string(" - | - |");
+        const std::string path = std::string(VELNLS_DIFFERENCES_DIR) + "/" + page + "." + kind + ".txt";
+        return std::string(" ") + name + " | " + peers::totals(peers::readList(path)) + " |";
+    };
+    for (const peers::Names &names : peers::peerNames()) {
+        const std::string row = std::string("| ") + names.page + " |" +
+                                cells(names.page, names.iconv, "iconv") +
+                                cells(names.page, names.icu, "icu") + "\n";
+        EXPECT_NE(text.find(row), std::string::npos) << "docs/differences.md lacks: " << row;
+    }
     EXPECT_EQ(peers::peerNames().size(), model::allPages().size());
 }
 

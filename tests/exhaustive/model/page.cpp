@@ -209,7 +209,6 @@ Page cp950() {
 Page hkscs() {
     Page page = fromCharmap("CP950-HKSCS", "BIG5-HKSCS");
     setLeads(page, {{0x81, 0xFE}});
-    unmap(page, 0x80); // the layout has room for one single byte above 7E, and 7F takes it
     return page;
 }
 

@@ -78,6 +78,25 @@ std::map<std::string, std::string> readList(const std::string &path) {
     return reasons;
 }
 
+std::string totals(const std::map<std::string, std::string> &list) {
+    if (list.empty())
+        return "same";
+    std::uint64_t codes = 0;
+    std::uint64_t characters = 0;
+    for (const auto &[line, reason] : list) {
+        const std::size_t start = line.find(kSeparator) + 1;
+        const std::string range = line.substr(start, line.find(kSeparator, start) - start);
+        const std::size_t dots = range.find("..");
+        std::uint64_t count = 1;
+        if (range.find(' ') != std::string::npos)
+            count = std::stoul(range);
+        else if (dots != std::string::npos)
+            count = std::stoul(range.substr(dots + 2), nullptr, 16) - std::stoul(range, nullptr, 16) + 1;
+        (line.rfind("to-unicode", 0) == 0 ? codes : characters) += count;
+    }
+    return std::to_string(codes) + " / " + std::to_string(characters);
+}
+
 void writeList(const std::string &path, const std::string &heading, const std::vector<std::string> &lines,
                const std::map<std::string, std::string> &reasons) {
     if (lines.empty()) {

@@ -25,6 +25,9 @@ std::vector<std::string> describe(const std::vector<Difference> &all);
 // The reason of each line of a file; comment lines are left out. Empty when there is no such file.
 std::map<std::string, std::string> readList(const std::string &path);
 
+// "codes / characters" that the lines stand for, "same" when there are none: what the manual states.
+std::string totals(const std::map<std::string, std::string> &list);
+
 // Writes the lines with the reasons they had; new ones get "?", for a person to replace.
 void writeList(const std::string &path, const std::string &heading, const std::vector<std::string> &lines,
                const std::map<std::string, std::string> &reasons);
