@@ -69,7 +69,7 @@ nlsStatus nlsConvertNLSCheck(nlsConversion *conversion, const nlsStr *source, nl
     destination->length = 0;
     const nlsStatus status = convert({bytes(destination->buffer), destination->size, bytes(source->buffer),
                                       static_cast<std::int32_t>(source->length + 1), nullptr, 0,
-                                      conversion->converter, &destination->length, true, true});
+                                      conversion->converter, &destination->length, true, 0});
     const std::uint32_t length = destination->length;
     if (length != 0 && length <= destination->size && destination->buffer[length - 1] == '\0')
         destination->length = length - 1;
@@ -104,5 +104,5 @@ nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *source, uint
         return NLS_E_NULLARG;
     return convert({static_cast<std::uint8_t *>(destination), capacity, bytes(source->buffer),
                     static_cast<std::int32_t>(source->length + 1), nullptr, 0, conversion->converter, written,
-                    false, true});
+                    false, 0});
 }

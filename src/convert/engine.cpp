@@ -76,6 +76,7 @@ nlsStatus convertChain(const Request &request) {
     step.capacity = request.capacity;
     step.source = request.intermediate;
     step.sourceLength = static_cast<std::int32_t>(*request.written);
+    step.behind = *request.written < request.intermediateCapacity ? 1 : 0;
     return convert(step);
 }
 
@@ -253,43 +254,18 @@ nlsStatus checked(const Request &request, std::int32_t kind, nlsStatus status) {
     return changed ? NLS_R_CHANGED : status;
 }
 
-// Runs the kernel of a kind. False for a kind that has none.
-bool runKernel(std::int32_t kind, const void *converter, Source &source, Target &target, nlsStatus &status) {
-    return runFastKernel(kind, converter, source, target, status) ||
-           runPlainKernel(kind, converter, source, target, status);
-}
-
-// UTF-8 with its terminator. The decoders may read one byte behind their source, so they get the text without
-// the terminator, which then is that byte; where they have not used it up, it is converted by itself.
-bool runTerminated(std::int32_t kind, const void *converter, Source &source, Target &target,
-                   nlsStatus &status) {
-    Source text{source.at, source.end - 1};
-    if (!runKernel(kind, converter, text, target, status))
-        return false;
-    const bool whole = status == NLS_OK || status == NLS_R_SUBSTITUTED;
-    if (whole && text.at < source.end) {
-        nlsStatus last = NLS_OK;
-        text = {source.end - 1, source.end};
-        runKernel(kind, converter, text, target, last);
-        if (last != NLS_OK)
-            status = last;
-    }
-    return true;
-}
-
 } // namespace
 
 nlsStatus convert(const Request &request) {
     const std::int32_t kind = kindOf(request.converter);
     if (request.converter == nullptr)
         return copyIdentity(request);
-    const bool readsUtf8 = isIn(kReadsUtf8, kind);
-    if (readsUtf8 && request.sourceLength > 0 && (*request.source & 0xC0) == 0x80)
+    if (isIn(kReadsUtf8, kind) && request.sourceLength > 0 && (*request.source & 0xC0) == 0x80)
         return NLS_E_NULLARG;
     if (request.check && comparesInCheckMode(kind) && request.source == request.destination)
         return NLS_E_NULLARG;
 
-    Source source{request.source, request.source + std::max(request.sourceLength, 0)};
+    Source source{request.source, request.source + std::max(request.sourceLength, 0), request.behind};
     Target target{request.destination, request.destination + signedCapacity(request.capacity)};
     nlsStatus status = NLS_OK;
     if (kind == kChain) {
@@ -299,9 +275,8 @@ nlsStatus convert(const Request &request) {
         if (status != NLS_E_BUFFER)
             *request.written = static_cast<std::uint32_t>(target.at - request.destination);
         return status;
-    } else if (readsUtf8 && request.terminated && source.left() > 0
-                   ? runTerminated(kind, request.converter, source, target, status)
-                   : runKernel(kind, request.converter, source, target, status)) {
+    } else if (runFastKernel(kind, request.converter, source, target, status) ||
+               runPlainKernel(kind, request.converter, source, target, status)) {
         *request.written = static_cast<std::uint32_t>(wholeUnits(kind, target.at - request.destination));
     } else {
         if (target.room() > 0)

@@ -12,10 +12,11 @@ struct Request {
     std::int32_t sourceLength;  // bytes, of UTF-16 and UTF-32 too
     std::uint8_t *intermediate; // for a chain's first step; null: none
     std::uint32_t intermediateCapacity;
-    const void *converter;   // null: plain copy
-    std::uint32_t *written;  // left alone where nothing is converted
-    bool check;              // report NLS_R_CHANGED when the text changes
-    bool terminated = false; // the source ends with its terminator: nothing behind it may be read
+    const void *converter;  // null: plain copy
+    std::uint32_t *written; // left alone where nothing is converted
+    bool check;             // report NLS_R_CHANGED when the text changes
+    std::ptrdiff_t behind =
+        1; // bytes behind the source that UTF-8 decoders may read: its terminator, or none
 };
 
 // 0, 2, 16, 33, NLS_R_CHANGED (check mode), NLS_R_SUBSTITUTED.

@@ -25,7 +25,7 @@ template <typename Blocks, typename Window, typename Plain, typename Ends>
         if (left < unit)
             return result;
         const std::ptrdiff_t wanted = window(source);
-        Source piece{source.at, source.at + (wanted < left ? wanted : left)};
+        Source piece{source.at, source.at + (wanted < left ? wanted : left), source.behind};
         const nlsStatus status = plain(piece, target);
         source.at = piece.at;
         if (ends(status))

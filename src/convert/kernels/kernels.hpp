@@ -18,6 +18,7 @@ namespace velnls {
 struct Source {
     const std::uint8_t *at;
     const std::uint8_t *end;
+    std::ptrdiff_t behind = 1; // bytes behind the end that UTF-8 decoders may read: the terminator, or none
 
     [[nodiscard]] std::ptrdiff_t left() const {
         return end - at;

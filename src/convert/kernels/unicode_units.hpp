@@ -45,7 +45,7 @@ inline unsigned utf8Trails(std::uint8_t lead) {
 inline bool readUtf8(Source &source, std::uint32_t &value) {
     constexpr std::uint32_t kOffsets[6] = {0, 0x3080, 0xE2080, 0x3C82080, 0xFA082080, 0x82082080};
     const unsigned trails = utf8Trails(*source.at);
-    if (source.left() < static_cast<std::ptrdiff_t>(trails))
+    if (source.left() - 1 + source.behind < static_cast<std::ptrdiff_t>(trails))
         return false;
     std::uint32_t sum = *source.at++;
     for (unsigned i = 0; i < trails; ++i)
