@@ -76,7 +76,7 @@ nlsStatus convertChain(const Request &request) {
     step.capacity = request.capacity;
     step.source = request.intermediate;
     step.sourceLength = static_cast<std::int32_t>(*request.written);
-    step.behind = *request.written < request.intermediateCapacity ? 1 : 0;
+    step.behind = 0; // no terminator stands there
     return convert(step);
 }
 

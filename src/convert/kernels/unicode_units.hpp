@@ -40,8 +40,7 @@ inline unsigned utf8Trails(std::uint8_t lead) {
 }
 
 // The character at source.at, by sums and offsets modulo 2^32. False, with nothing consumed, when the
-// sequence reaches beyond the end by more than one byte; short by exactly one byte, the byte at the end is
-// its last.
+// sequence reaches further than may be read. Short by exactly one byte, the terminator is its last.
 inline bool readUtf8(Source &source, std::uint32_t &value) {
     constexpr std::uint32_t kOffsets[6] = {0, 0x3080, 0xE2080, 0x3C82080, 0xFA082080, 0x82082080};
     const unsigned trails = utf8Trails(*source.at);
