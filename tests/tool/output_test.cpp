@@ -170,6 +170,9 @@ TEST(InputFile, ThatIsAFolderHasExitCode2) {
 
 // Constant memory: the address space allowed is far smaller than the input.
 TEST(Memory, DoesNotGrowWithTheInput) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers take address space of their own";
+#endif
     const Result result =
         runShell("ulimit -v 60000; yes 'some text, some more' | head -c 200000000 | \"$VELNLS\" "
                  "convert -f 1252 -t UTF-16 | wc -c | tr -d ' '");

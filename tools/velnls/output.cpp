@@ -53,7 +53,7 @@ std::system_error lastError(const std::string &name) {
 // The path with symbolic links followed, so that a link stays a link and its target is replaced.
 std::string followLinks(const std::string &path) {
     char *resolved = ::realpath(path.c_str(), nullptr);
-    const std::string result = resolved != nullptr ? resolved : path;
+    std::string result = resolved != nullptr ? resolved : path;
     std::free(resolved);
     return result;
 }
