@@ -1,4 +1,4 @@
-# Helpers of the install tests.
+# What the install tests share.
 
 # Runs a command; what it wrote to standard output is in 'run_output'. A failure ends the test.
 function(run)
