@@ -6,7 +6,7 @@
 // constant memory and time proportional to the pattern times the string at worst.
 #pragma once
 
-#include "string/pages.hpp"
+#include "string/seeker.hpp"
 #include "velnls.h"
 
 namespace velnls {
@@ -30,20 +30,8 @@ public:
 
     nlsStatus match(const std::uint8_t *pattern, const std::uint8_t *string) {
         nlsStatus result = matchTo(pattern, string);
-        while (result == kAtAnyString) {
-            pattern = pattern_;
-            if (*pattern == 0)
-                return kLikeYes;
-            const std::uint8_t *start = string_;
-            // A failure inside what the wildcard tries only means that there is no match there.
-            do {
-                if (*start == 0)
-                    return kLikeNo;
-                result = matchTo(pattern, start);
-                for (std::size_t steps = absorbed_ + 1; steps > 0 && *start != 0; --steps)
-                    start = page_.characterAt(start).end();
-            } while (result != kLikeYes && result != kAtAnyString);
-        }
+        while (result == kAtAnyString)
+            result = *pattern_ == 0 ? kLikeYes : matchAnywhere(pattern_, string_);
         return result;
     }
 
@@ -56,13 +44,13 @@ private:
     };
 
     [[nodiscard]] Sign signAt(const std::uint8_t *at) const {
-        const Character character = page_.characterAt(at);
-        std::uint32_t value = 0;
-        if (character.length > 4)
-            value = '?';
-        else
+        const Character character = page_.characters().characterAt(at);
+        std::uint32_t value = '?';
+        if (page_.characters().announced(*at) <= 4) {
+            value = 0;
             for (unsigned i = 0; i < character.length; ++i)
                 value = value << 8 | character.at[i];
+        }
         return {value, character};
     }
     [[nodiscard]] bool isOneCharacter(std::uint32_t value) const {
@@ -71,9 +59,61 @@ private:
     [[nodiscard]] bool isAnyString(std::uint32_t value) const {
         return value == signs_.anyString && value != signs_.escape;
     }
+    [[nodiscard]] bool isEscape(std::uint32_t value) const {
+        return value == signs_.escape && value != 0;
+    }
+    [[nodiscard]] bool isAnySign(std::uint32_t value) const {
+        return value == signs_.escape || value == signs_.oneCharacter || value == signs_.anyString;
+    }
     [[nodiscard]] bool isOnlyAnyString(const std::uint8_t *pattern) const {
         const Sign sign = signAt(pattern);
         return isAnyString(sign.value) && *sign.character.end() == 0 && sign.character.length != 0;
+    }
+
+    // Tries what stands behind an any-string wildcard, at least one character, at each place of a string that
+    // is not empty. A failure inside only means that there is no match at that place.
+    nlsStatus matchAnywhere(const std::uint8_t *pattern, const std::uint8_t *string) {
+        if constexpr (Page::kQuick) {
+            const std::uint8_t *run = pattern;
+            if (const std::uint8_t *const runEnd = literalRun(run); runEnd != run) {
+                if (end_ == nullptr)
+                    end_ = string + std::strlen(reinterpret_cast<const char *>(string));
+                Seeker<Page> seeker(page_, run, runEnd, string, end_);
+                return matchAt(pattern, string,
+                               [&](const std::uint8_t *at) { return *at == 0 ? at : seeker.next(at); });
+            }
+        }
+        return matchAt(pattern, string, [](const std::uint8_t *at) { return at; });
+    }
+
+    // `seek` gives the first place from another on that is worth a try.
+    template <typename Seek>
+    nlsStatus matchAt(const std::uint8_t *pattern, const std::uint8_t *string, Seek seek) {
+        for (const std::uint8_t *start = seek(string); *start != 0; start = seek(start)) {
+            const nlsStatus result = matchTo(pattern, start);
+            if (result == kLikeYes || result == kAtAnyString)
+                return result;
+            for (std::size_t steps = absorbed_ + 1; steps > 0 && *start != 0; --steps)
+                start = page_.characters().characterAt(start).end();
+        }
+        return kLikeNo;
+    }
+
+    // The literals that the pattern begins with, up to any sign; an escaped literal stands alone. `run` moves
+    // behind the escape. Empty: the first is none.
+    const std::uint8_t *literalRun(const std::uint8_t *&run) const {
+        Sign sign = signAt(run);
+        if (isEscape(sign.value)) {
+            const Sign escaped = signAt(sign.character.end());
+            if (!isAnySign(escaped.value))
+                return run;
+            run = sign.character.end();
+            return escaped.character.end();
+        }
+        const std::uint8_t *end = run;
+        for (; *end != 0 && !isAnySign(sign.value); sign = signAt(end))
+            end = sign.character.end();
+        return end;
     }
 
     // Matches up to a verdict or to the next any-string wildcard, whose places behind it and in the string it
@@ -87,7 +127,7 @@ private:
             if (isOneCharacter(sign.value)) {
                 if (*string == 0)
                     return kLikeNo;
-                string = page_.characterAt(string).end();
+                string = page_.characters().characterAt(string).end();
                 if (*rest == 0 && *string != 0)
                     return kLikeNo;
                 pattern = rest;
@@ -98,15 +138,14 @@ private:
                 string_ = string;
                 return *rest == 0 || *string != 0 ? kAtAnyString : kLikeNo;
             }
-            if (signs_.escape != 0 && sign.value == signs_.escape) {
+            if (isEscape(sign.value)) {
                 sign = signAt(rest);
-                if (sign.value != signs_.escape && sign.value != signs_.oneCharacter &&
-                    sign.value != signs_.anyString)
+                if (!isAnySign(sign.value))
                     return kLikeBadEscape;
                 rest = sign.character.end();
-            } else if (*pattern == 0 && *string == 0) {
-                return kLikeYes;
             }
+            if (*rest == 0 && sign.character.length == 0 && *string == 0)
+                return kLikeYes;
             nlsStatus verdict = kLikeNo;
             if (!takeLiteral(sign.character, rest, string, verdict))
                 return verdict;
@@ -118,7 +157,7 @@ private:
     bool takeLiteral(Character literal, const std::uint8_t *rest, const std::uint8_t *&string,
                      nlsStatus &verdict) {
         for (;;) {
-            const Character character = page_.characterAt(string);
+            const Character character = page_.characters().characterAt(string);
             bool equal = false;
             const nlsStatus status = page_.equal(literal, character, equal);
             if (status != NLS_OK || !equal) {
@@ -140,6 +179,7 @@ private:
     const LikeSigns &signs_;
     const std::uint8_t *pattern_ = nullptr;
     const std::uint8_t *string_ = nullptr;
+    const std::uint8_t *end_ = nullptr; // of the string, once it is known
     std::size_t absorbed_ = 0;
 };
 

@@ -10,4 +10,9 @@ nlsStatus countText(const CharTable &table, const std::uint8_t *text, std::size_
     return table.has(file::kMultibyte) ? countCharacters(table, text, bytes, counted.characters) : NLS_OK;
 }
 
+bool isCut(const CharTable &table, const std::uint8_t *text, const std::uint8_t *end) {
+    const TableCharacters characters{table};
+    return table.has(file::kMultibyte) && Boundaries(characters, text).from(end) != end;
+}
+
 } // namespace velnls

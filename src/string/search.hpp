@@ -2,7 +2,7 @@
 #pragma once
 
 #include "locale/walk.hpp"
-#include "string/pages.hpp"
+#include "string/seeker.hpp"
 
 namespace velnls {
 
@@ -16,16 +16,49 @@ struct Counted {
 // The characters of a string bounded by its length: 0, or NLS_R_CUT.
 nlsStatus countText(const CharTable &table, const std::uint8_t *text, std::size_t length, Counted &counted);
 
+// Whether the end of a text falls inside a character: what countText finds, without counting.
+bool isCut(const CharTable &table, const std::uint8_t *text, const std::uint8_t *end);
+
 struct Match {
     const std::uint8_t *at; // null: none
     const std::uint8_t *end;
 };
 
+// Finds match after match on a quick page, where counts are not needed: a match that fits in the text has as
+// many characters as the pattern, and the pattern's are all there. Neither text is cut at its end.
 template <typename Page>
-class Searcher {
+class QuickSearch {
+public:
+    QuickSearch(const Page &page, const std::uint8_t *pattern, const std::uint8_t *patternEnd,
+                const std::uint8_t *text, const std::uint8_t *end)
+        : page_(page), pattern_(pattern), patternEnd_(patternEnd), end_(end),
+          seeker_(page, pattern, patternEnd, text, end) {}
+
+    // The first match from `at` on, where a character begins.
+    Match next(const std::uint8_t *at) {
+        while (at != end_ && (at = seeker_.next(at)) != end_) {
+            const std::uint8_t *behind = at;
+            if (page_.stands(pattern_, patternEnd_, behind, end_))
+                return {at, behind};
+            at = page_.characters().characterAt(at).end();
+        }
+        return {nullptr, nullptr};
+    }
+
+private:
+    const Page &page_;
+    const std::uint8_t *pattern_;
+    const std::uint8_t *patternEnd_;
+    const std::uint8_t *end_;
+    Seeker<Page> seeker_;
+};
+
+// The search as it is stated, for any page: places are tried as long as enough characters are left.
+template <typename Page>
+class CountedSearch {
 public:
     // The pattern is not empty.
-    Searcher(const Page &page, const Counted &pattern) : page_(page), pattern_(pattern) {}
+    CountedSearch(const Page &page, const Counted &pattern) : page_(page), pattern_(pattern) {}
 
     // The first match in `text`, which moves on to the match's start. 0 whether there is one or not.
     nlsStatus forwards(Counted &text, Match &match) const {
@@ -42,13 +75,13 @@ public:
     // The last match in `text`, whose characters are walked from its end by `walk`.
     nlsStatus backwards(Counted text, BackWalk walk, BackWalk patternWalk, Match &match) const {
         match = {nullptr, nullptr};
-        const Character last = {patternWalk.before(pattern_.end), 0};
+        const std::uint8_t *const last = patternWalk.before(pattern_.end);
         const std::uint8_t *end = text.end;
         for (std::uint32_t left = text.characters; left >= pattern_.characters && end > text.at; --left) {
             const std::uint8_t *const candidate = walk.before(end);
             bool equal = false;
             const std::uint8_t *place = candidate;
-            const std::uint8_t *wanted = last.at;
+            const std::uint8_t *wanted = last;
             BackWalk inner = walk;
             BackWalk innerPattern = patternWalk;
             for (;;) {
@@ -72,7 +105,7 @@ public:
 
 private:
     [[nodiscard]] Character clipped(const std::uint8_t *at, const std::uint8_t *end) const {
-        Character character = page_.characterAt(at);
+        Character character = page_.characters().characterAt(at);
         if (end - at < static_cast<std::ptrdiff_t>(character.length))
             character.length = static_cast<unsigned>(end - at);
         return character;

@@ -1,5 +1,6 @@
 // nlsSearchForw, nlsSearchBack, nlsReplace, nlsReplaceAll.
 #include "locale/checks.hpp"
+#include "string/out_text.hpp"
 #include "string/search.hpp"
 
 #include <algorithm>
@@ -18,42 +19,73 @@ char *text(const std::uint8_t *at) {
     return reinterpret_cast<char *>(const_cast<std::uint8_t *>(at));
 }
 
-std::uint32_t offset(const std::uint8_t *at, const char *from) {
-    return static_cast<std::uint32_t>(at - bytes(from));
+std::uint32_t offset(const std::uint8_t *at, const std::uint8_t *from) {
+    return static_cast<std::uint32_t>(at - from);
 }
 
-nlsStatus countWhole(const nlsLocale &locale, const char *string, Counted &counted) {
-    return countText(*locale.charTable, bytes(string), std::strlen(string), counted);
+// A NUL-terminated string and its end.
+struct Whole {
+    const std::uint8_t *at;
+    const std::uint8_t *end;
+
+    explicit Whole(const char *string) : at(bytes(string)), end(at + std::strlen(string)) {}
+    [[nodiscard]] bool empty() const {
+        return at == end;
+    }
+};
+
+nlsStatus checkNotCut(const nlsLocale &locale, const Whole &string) {
+    return isCut(*locale.charTable, string.at, string.end) ? NLS_R_CUT : NLS_OK;
 }
 
-// The room that a counted string has left; -1 and less: not even an empty piece fits.
-std::int64_t roomLeft(const nlsStr &string) {
-    return std::int64_t{static_cast<std::int32_t>(string.size)} - static_cast<std::int32_t>(string.length) -
-           1;
+nlsStatus countWhole(const nlsLocale &locale, const Whole &string, Counted &counted) {
+    return countText(*locale.charTable, string.at, static_cast<std::size_t>(string.end - string.at), counted);
 }
 
-nlsStatus blankOut(nlsStr &string, nlsStatus status) {
-    const auto used = std::min(string.length, string.size);
-    if (used != 0)
-        std::memset(string.buffer, ' ', used);
-    string.length = 0;
-    if (string.size != 0)
-        string.buffer[0] = '\0';
-    return status;
+// The first match of a pattern that is not empty. Neither string is cut.
+template <typename Page>
+nlsStatus findFirst(const Page &page, const nlsLocale &locale, const Whole &sought, const Whole &where,
+                    Match &match) {
+    if constexpr (Page::kQuick) {
+        match = QuickSearch(page, sought.at, sought.end, where.at, where.end).next(where.at);
+        return NLS_OK;
+    } else {
+        Counted pattern{};
+        Counted rest{};
+        countWhole(locale, sought, pattern);
+        countWhole(locale, where, rest);
+        return CountedSearch(page, pattern).forwards(rest, match);
+    }
 }
 
-nlsStatus appendBytes(const std::uint8_t *from, const std::uint8_t *to, nlsStr &out) {
-    return nlsAppendString(reinterpret_cast<const char *>(from), static_cast<std::int32_t>(to - from), &out);
-}
-
-// Replaces what stands in `out` by the first bytes of a text.
-nlsStatus beginWith(const std::uint8_t *from, const std::uint8_t *to, nlsStr &out) {
-    const auto size = static_cast<std::int32_t>(out.size);
-    if (size <= 0 || to - from > size)
-        return NLS_E_BUFFER;
-    if (to - from == size) // fits without its terminator, so nothing can follow
-        return blankOut(out, NLS_E_BUFFER);
-    return nlsCopyString(reinterpret_cast<const char *>(from), static_cast<std::int32_t>(to - from), &out);
+// Calls `found(match)` for one match after the other, none of which overlap, until it gives false. The status
+// of the first search; a later one that fails only ends the search.
+template <typename Page, typename Found>
+nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought, const Whole &where,
+                  Found found) {
+    if constexpr (Page::kQuick) {
+        QuickSearch search(page, sought.at, sought.end, where.at, where.end);
+        for (Match match = search.next(where.at); match.at != nullptr && found(match);)
+            match = search.next(match.end);
+        return NLS_OK;
+    } else {
+        Counted pattern{};
+        Counted rest{};
+        countWhole(locale, sought, pattern);
+        countWhole(locale, where, rest);
+        const CountedSearch search(page, pattern);
+        Match match{};
+        if (const nlsStatus status = search.forwards(rest, match); status != NLS_OK)
+            return status;
+        // The text is counted once: behind a match, its rest has the pattern's characters less.
+        while (match.at != nullptr && found(match)) {
+            rest.at = match.end;
+            rest.characters -= pattern.characters;
+            if (search.forwards(rest, match) != NLS_OK)
+                break;
+        }
+        return NLS_OK;
+    }
 }
 
 } // namespace
@@ -71,24 +103,24 @@ nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text
         return NLS_E_NULLARG;
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
-    Counted sought{};
-    Counted rest{};
-    if (const nlsStatus status = countWhole(*locale, pattern, sought); status != NLS_OK)
+    const Whole sought(pattern);
+    const Whole where(text_);
+    if (const nlsStatus status = checkNotCut(*locale, sought); status != NLS_OK)
         return status;
-    if (const nlsStatus status = countWhole(*locale, text_, rest); status != NLS_OK)
+    if (const nlsStatus status = checkNotCut(*locale, where); status != NLS_OK)
         return status;
-    if (sought.at == sought.end) {
-        *position = *endOffset = offset(rest.end, text_) + 1;
-        *found = text(rest.end);
+    if (sought.empty()) {
+        *position = *endOffset = offset(where.end, where.at) + 1;
+        *found = text(where.end);
         return NLS_OK;
     }
     return withPage(*locale, caseFlag, [&](const auto &page) {
         Match match{};
-        const nlsStatus status = Searcher(page, sought).forwards(rest, match);
+        const nlsStatus status = findFirst(page, *locale, sought, where, match);
         if (status == NLS_OK && match.at != nullptr) {
             *found = text(match.at);
-            *position = offset(match.at, text_) + 1;
-            *endOffset = offset(match.end, text_);
+            *position = offset(match.at, where.at) + 1;
+            *endOffset = offset(match.end, where.at);
         }
         return status;
     });
@@ -109,14 +141,14 @@ nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const char *text
     const CharTable &table = *locale->charTable;
     Counted sought{};
     Counted rest{};
-    if (const nlsStatus status = countWhole(*locale, pattern, sought); status != NLS_OK)
+    if (const nlsStatus status = countWhole(*locale, Whole(pattern), sought); status != NLS_OK)
         return status;
     const std::size_t length = ::strnlen(text_, static_cast<std::size_t>(textLength));
     if (const nlsStatus status = countText(table, bytes(text_), length, rest); status != NLS_OK)
         return status;
     if (sought.at == sought.end) {
-        *position = static_cast<std::uint32_t>(length) + 1;
-        *found = text(rest.end);
+        *position = static_cast<std::uint32_t>(textLength) + 1;
+        *found = text(rest.at + textLength);
         return NLS_OK;
     }
     if (length == 0)
@@ -124,11 +156,11 @@ nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const char *text
     return withPage(*locale, caseFlag, [&](const auto &page) {
         Match match{};
         const nlsStatus status =
-            Searcher(page, sought)
+            CountedSearch(page, sought)
                 .backwards(rest, BackWalk(table, rest.at), BackWalk(table, sought.at), match);
         if (status == NLS_OK && match.at != nullptr) {
             *found = text(match.at);
-            *position = offset(match.at, text_) + 1;
+            *position = offset(match.at, rest.at) + 1;
         }
         return status;
     });
@@ -143,20 +175,19 @@ nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replace
     if (const nlsStatus status = nlsSearchForw(locale, pattern, text_, caseFlag, position, endOffset, found);
         status != NLS_OK)
         return status;
-    const std::uint8_t *const begin = bytes(text_);
-    const std::uint8_t *const end = begin + std::strlen(text_);
+    const Whole where(text_);
+    const Whole instead(replacement);
+    OutText result(*out);
     if (*found == nullptr)
-        return nlsCopyString(text_, static_cast<std::int32_t>(end - begin), out);
-    const std::uint8_t *const behind =
-        std::min(begin + *endOffset, end); // an empty pattern is found behind the end
-    if (const nlsStatus status = beginWith(begin, bytes(*found), *out); status != NLS_OK)
+        return result.copy(where.at, where.end);
+    // An empty pattern is found behind the end.
+    const std::uint8_t *const behind = std::min(where.at + *endOffset, where.end);
+    if (const nlsStatus status = result.begin(where.at, bytes(*found)); status != NLS_OK)
         return status;
-    if (const nlsStatus status =
-            nlsAppendString(replacement, static_cast<std::int32_t>(std::strlen(replacement)), out);
-        status != NLS_OK)
-        return blankOut(*out, status);
-    if (const nlsStatus status = appendBytes(behind, end, *out); status != NLS_OK)
-        return blankOut(*out, status);
+    if (const nlsStatus status = result.append(instead.at, instead.end); status != NLS_OK)
+        return result.blank(status);
+    if (const nlsStatus status = result.append(behind, where.end); status != NLS_OK)
+        return result.blank(status);
     return NLS_OK;
 }
 
@@ -170,41 +201,37 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
     *count = 0;
-    Counted sought{};
-    Counted rest{};
-    if (const nlsStatus status = countWhole(*locale, pattern, sought); status != NLS_OK)
+    const Whole sought(pattern);
+    if (const nlsStatus status = checkNotCut(*locale, sought); status != NLS_OK)
         return status;
-    if (sought.at == sought.end)
+    if (sought.empty())
         return NLS_E_NULLARG;
-    if (const nlsStatus status = countWhole(*locale, text_, rest); status != NLS_OK)
+    const Whole where(text_);
+    if (const nlsStatus status = checkNotCut(*locale, where); status != NLS_OK)
         return status;
-    const auto replacementLength = static_cast<std::int32_t>(std::strlen(replacement));
-    const std::uint8_t *written = rest.at; // what stands before is in `out`, or replaced there
+    const Whole instead(replacement);
     return withPage(*locale, caseFlag, [&](const auto &page) {
-        const Searcher searcher(page, sought);
-        Match match{};
-        if (const nlsStatus status = searcher.forwards(rest, match); status != NLS_OK)
-            return status;
-        if (match.at == nullptr)
-            return nlsCopyString(text_, static_cast<std::int32_t>(rest.end - bytes(text_)), out);
-        // The text is counted once: behind a match, its rest has the pattern's characters less.
-        bool stopped = beginWith(written, match.at, *out) != NLS_OK;
-        if (!stopped)
+        OutText result(*out);
+        const std::uint8_t *written = nullptr; // what stands before is in `out`, or replaced there
+        nlsStatus status = NLS_OK;
+        const auto replace = [&](const Match &match) {
+            status = written == nullptr ? result.begin(where.at, match.at) : result.append(written, match.at);
+            if (status != NLS_OK)
+                return false;
             written = match.at;
-        while (!stopped && match.at != nullptr) {
-            if ((written != match.at && appendBytes(written, match.at, *out) != NLS_OK))
-                break;
-            written = match.at;
-            if (replacementLength > roomLeft(*out) ||
-                nlsAppendString(replacement, replacementLength, out) != NLS_OK)
-                break;
+            if (result.append(instead.at, instead.end) != NLS_OK)
+                return false;
+            written = match.end;
             ++*count;
-            written = rest.at = match.end;
-            rest.characters -= sought.characters;
-            if (searcher.forwards(rest, match) != NLS_OK)
-                break;
-        }
-        const nlsStatus status = appendBytes(written, rest.end, *out);
-        return status == NLS_OK ? NLS_OK : blankOut(*out, status);
+            return true;
+        };
+        if (const nlsStatus failure = findAll(page, *locale, sought, where, replace); failure != NLS_OK)
+            return failure;
+        if (written == nullptr && status == NLS_OK)
+            return result.copy(where.at, where.end);
+        // Where the text before the first match does not fit, all of it does not.
+        if (written != nullptr)
+            status = result.append(written, where.end);
+        return status == NLS_OK ? NLS_OK : result.blank(status);
     });
 }

@@ -22,21 +22,28 @@ std::uint32_t positionOf(const std::uint8_t *at, const char *from) {
     return static_cast<std::uint32_t>(at - bytes(from)) + 1;
 }
 
-// The bytes of a packed character, leading zero bytes dropped.
+// The bytes of a packed character, leading zero bytes dropped, as a text.
 struct Unpacked {
-    std::uint8_t bytes[4];
+    std::uint8_t bytes[5];
     unsigned length;
-};
-Unpacked unpack(std::uint32_t lchar) {
-    Unpacked unpacked{};
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        const auto byte = static_cast<std::uint8_t>(lchar >> shift);
-        if (byte != 0 || unpacked.length != 0)
-            unpacked.bytes[unpacked.length++] = byte;
+
+    explicit Unpacked(std::uint32_t lchar) : bytes{}, length(0) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            const auto byte = static_cast<std::uint8_t>(lchar >> shift);
+            if (byte != 0 || length != 0)
+                bytes[length++] = byte;
+        }
+        length = terminatedText(bytes).available(length);
     }
-    // As a text it ends at its first NUL.
-    unpacked.length = terminatedText(unpacked.bytes).available(unpacked.length);
-    return unpacked;
+};
+
+// Calls `use` with the page that compares a packed character: any number may be given as one, and what is not
+// one character of the code page is compared as the string that it is.
+template <typename Use>
+nlsStatus withPageFor(const nlsLocale &locale, unsigned mode, const Unpacked &sought, Use use) {
+    if (sought.length != locale.charTable->trailCount(sought.bytes[0]) + 1)
+        return use(AnyPage(locale, mode));
+    return withPage(locale, mode, use);
 }
 
 // The first character of `str` that equals the sought one; null: none.
@@ -45,7 +52,7 @@ nlsStatus findForwards(const Page &page, Character sought, const std::uint8_t *s
                        const std::uint8_t *&found) {
     found = nullptr;
     while (*str != 0) {
-        const Character character = page.characterAt(str);
+        const Character character = page.characters().characterAt(str);
         bool equal = false;
         if (const nlsStatus status = page.equal(sought, character, equal); status != NLS_OK)
             return status;
@@ -56,6 +63,31 @@ nlsStatus findForwards(const Page &page, Character sought, const std::uint8_t *s
         str = character.end();
     }
     return NLS_OK;
+}
+
+// The same in a text that may be long.
+template <typename Page>
+nlsStatus findInText(const Page &page, const Unpacked &sought, const std::uint8_t *str,
+                     const std::uint8_t *&found) {
+    const Character character{sought.bytes, sought.length};
+    if constexpr (Page::kQuick) {
+        const std::uint8_t *const end = str + std::strlen(reinterpret_cast<const char *>(str));
+        Seeker seeker(page, character.at, character.end(), str, end);
+        for (const std::uint8_t *at = str; at != end && (at = seeker.next(at)) != end;) {
+            const Character candidate = page.characters().characterAt(at);
+            bool equal = false;
+            page.equal(character, candidate, equal);
+            if (equal) {
+                found = at;
+                return NLS_OK;
+            }
+            at = candidate.end();
+        }
+        found = nullptr;
+        return NLS_OK;
+    } else {
+        return findForwards(page, character, str, found);
+    }
 }
 
 nlsStatus checkFind(const nlsLocale *locale, const uint32_t *lchar, const char *str, uint32_t *position,
@@ -79,10 +111,31 @@ void findTerminator(const char *str, std::uint32_t &position, char **found) {
     *found = text(end);
 }
 
-// The packed character at `at` as the trims read it: characters of more than four bytes count as "?".
-Character trimCharacter(Character character) {
+// A character as the left trim reads it: those of more than four bytes count as "?".
+template <typename Characters>
+Character trimCharacter(const Characters &characters, Character character) {
     static constexpr std::uint8_t kQuestionMark[] = "?";
-    return character.length > 4 ? Character{kQuestionMark, 1} : character;
+    return characters.announced(*character.at) > 4 ? Character{kQuestionMark, 1} : character;
+}
+
+// Whether the trim set holds what stands between two places of a text; it ends at a NUL.
+template <typename Page>
+nlsStatus isIn(const Page &page, const CharTable &table, const std::uint8_t *from, const std::uint8_t *to,
+               const std::uint8_t *set, bool &isInSet) {
+    Counted sought{};
+    Counted rest{};
+    const std::size_t length = terminatedText(from).available(static_cast<unsigned>(to - from));
+    if (const nlsStatus status = countText(table, from, length, sought); status != NLS_OK)
+        return status;
+    const std::size_t setLength = std::strlen(reinterpret_cast<const char *>(set));
+    if (const nlsStatus status = countText(table, set, setLength, rest); status != NLS_OK)
+        return status;
+    Match match{};
+    if (length != 0)
+        if (const nlsStatus status = CountedSearch(page, sought).forwards(rest, match); status != NLS_OK)
+            return status;
+    isInSet = length == 0 || match.at != nullptr; // an empty text is found in any
+    return NLS_OK;
 }
 
 } // namespace
@@ -95,10 +148,10 @@ nlsStatus nlsFindCharForw(nlsLocale *locale, const uint32_t *lchar, const char *
         findTerminator(str, *position, found);
         return NLS_OK;
     }
-    const Unpacked sought = unpack(*lchar);
-    return withPage(*locale, caseFlag, [&](const auto &page) {
+    const Unpacked sought(*lchar);
+    return withPageFor(*locale, caseFlag, sought, [&](const auto &page) {
         const std::uint8_t *at = nullptr;
-        const nlsStatus status = findForwards(page, {sought.bytes, sought.length}, bytes(str), at);
+        const nlsStatus status = findInText(page, sought, bytes(str), at);
         if (at != nullptr) {
             *found = text(at);
             *position = positionOf(at, str);
@@ -117,14 +170,14 @@ nlsStatus nlsFindCharBack(nlsLocale *locale, const uint32_t *lchar, const char *
     }
     if (length < 0)
         return NLS_E_NULLARG;
-    const Unpacked sought = unpack(*lchar);
-    return withPage(*locale, caseFlag, [&](const auto &page) {
+    const Unpacked sought(*lchar);
+    return withPageFor(*locale, caseFlag, sought, [&](const auto &page) -> nlsStatus {
         BackWalk walk(*locale->charTable, bytes(str));
         for (const std::uint8_t *at = bytes(str) + length; at != bytes(str);) {
             at = walk.before(at);
             bool equal = false;
             if (const nlsStatus status =
-                    page.equal({sought.bytes, sought.length}, page.characterAt(at), equal);
+                    page.equal({sought.bytes, sought.length}, page.characters().characterAt(at), equal);
                 status != NLS_OK)
                 return status;
             if (equal) {
@@ -152,9 +205,10 @@ nlsStatus nlsFindLtrimPtrForw(nlsLocale *locale, const char *trimSet, const char
     return withPage(*locale, caseFlag, [&](const auto &page) {
         const std::uint8_t *at = bytes(str);
         while (*at != 0) {
-            const Character character = page.characterAt(at);
+            const Character character = page.characters().characterAt(at);
             const std::uint8_t *inSet = nullptr;
-            if (const nlsStatus status = findForwards(page, trimCharacter(character), set, inSet);
+            if (const nlsStatus status =
+                    findForwards(page, trimCharacter(page.characters(), character), set, inSet);
                 status != NLS_OK)
                 return status;
             if (inSet == nullptr)
@@ -178,26 +232,17 @@ nlsStatus nlsFindRtrimPtrBack(nlsLocale *locale, const char *trimSet, char *str,
         *result = nullptr;
         return NLS_E_NOCHARTAB;
     }
-    const CharTable &table = *locale->charTable;
-    const char *const set = trimSet == nullptr ? kBlankSet : trimSet;
+    const std::uint8_t *const set = bytes(trimSet == nullptr ? kBlankSet : trimSet);
     return withPage(*locale, caseFlag, [&](const auto &page) {
-        BackWalk walk(table, bytes(str));
+        BackWalk walk(*locale->charTable, bytes(str));
         const std::uint8_t *end = bytes(str) + length;
         while (end != bytes(str)) {
             const std::uint8_t *const start = walk.before(end);
-            Counted character{};
-            Counted rest{};
-            if (const nlsStatus status =
-                    countText(table, start, static_cast<std::size_t>(end - start), character);
+            bool isInSet = false;
+            if (const nlsStatus status = isIn(page, *locale->charTable, start, end, set, isInSet);
                 status != NLS_OK)
                 return status;
-            if (const nlsStatus status = countText(table, bytes(set), std::strlen(set), rest);
-                status != NLS_OK)
-                return status;
-            Match match{};
-            if (const nlsStatus status = Searcher(page, character).forwards(rest, match); status != NLS_OK)
-                return status;
-            if (match.at == nullptr)
+            if (!isInSet)
                 break;
             end = start;
         }

@@ -1,0 +1,90 @@
+// The characters of a single-byte code page under weights, for matching.
+#pragma once
+
+#include "string/characters.hpp"
+#include "string/place_filter.hpp"
+#include "velnls.h"
+
+#include <cstring>
+
+namespace velnls {
+
+// Single bytes under weights: those of one weight are equal. A weight of 0 counts as that of "s"; the end of
+// the string equals a blank.
+class BytePage {
+public:
+    static constexpr bool kQuick = true;
+    static constexpr std::ptrdiff_t kFilterWorth = 160; // bytes of text that repay the making of a filter
+    static constexpr std::ptrdiff_t kUnfiltered = 0;    // bytes at the text's end that no filter may judge
+
+    explicit BytePage(const std::uint8_t *weights) : weights_(weights), zeroWeight_(weights['s']) {}
+    [[nodiscard]] const SingleBytes &characters() const {
+        return characters_;
+    }
+    nlsStatus equal(Character a, Character b, bool &equal) const {
+        if (a.length != 0 && b.length != 0)
+            equal = weightOf(*a.at) == weightOf(*b.at);
+        else
+            equal = isBlankOrEnd(a) && isBlankOrEnd(b);
+        return NLS_OK;
+    }
+    // The first character of the text that may equal `sought`, or the text's end.
+    [[nodiscard]] const std::uint8_t *seek(const std::uint8_t *at, const std::uint8_t *end,
+                                           Character sought) const {
+        const std::uint8_t wanted = weightOf(*sought.at);
+        while (at != end && weightOf(*at) != wanted)
+            ++at;
+        return at;
+    }
+    // Whether the characters from `wanted` to its end stand at `at`; `at` moves behind them.
+    [[nodiscard]] bool stands(const std::uint8_t *wanted, const std::uint8_t *wantedEnd,
+                              const std::uint8_t *&at, const std::uint8_t *end) const {
+        const std::ptrdiff_t length = wantedEnd - wanted;
+        if (end - at < length)
+            return false;
+        for (std::ptrdiff_t i = 0; i < length; ++i)
+            if (weightOf(wanted[i]) != weightOf(at[i]))
+                return false;
+        at += length;
+        return true;
+    }
+    // A sieve for the places where the characters from `run` to its end, at least one, may stand.
+    bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, PlaceFilter &filter) const {
+        if (!formsOf(weightOf(*run), filter.first))
+            return false;
+        filter.distance = static_cast<std::size_t>(runEnd - run) - 1;
+        if (filter.distance == 0 || !formsOf(weightOf(runEnd[-1]), filter.second))
+            filter.second.count = 0;
+        return true;
+    }
+
+private:
+    [[nodiscard]] std::uint8_t weightOf(std::uint8_t byte) const {
+        const std::uint8_t weight = weights_[byte];
+        return weight != 0 ? weight : zeroWeight_;
+    }
+    // The bytes of a weight.
+    bool formsOf(std::uint8_t weight, ByteForms &forms) const {
+        return addBytesOf(weight, forms) && (weight != zeroWeight_ || addBytesOf(0, forms));
+    }
+    bool addBytesOf(std::uint8_t weight, ByteForms &forms) const {
+        const std::uint8_t *const end = weights_ + 256;
+        for (const std::uint8_t *at = weights_ + 1;; ++at) { // no text holds a NUL
+            at = static_cast<const std::uint8_t *>(
+                std::memchr(at, weight, static_cast<std::size_t>(end - at)));
+            if (at == nullptr)
+                return true;
+            if (!forms.add(static_cast<std::uint8_t>(at - weights_)))
+                return false;
+        }
+    }
+    static bool isBlankOrEnd(Character character) {
+        return character.length == 0 || *character.at == ' ';
+    }
+
+    SingleBytes characters_;
+    const std::uint8_t *weights_;
+    std::uint8_t zeroWeight_;
+};
+
+} // namespace velnls

@@ -1,0 +1,107 @@
+// Characters of a NUL-terminated string, and proofs of where they begin.
+#pragma once
+
+#include "locale/tables.hpp"
+#include "locale/text.hpp"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace velnls {
+
+// One character: its bytes, fewer than announced where the string ends inside it. No bytes: the string's end.
+struct Character {
+    const std::uint8_t *at;
+    unsigned length;
+
+    [[nodiscard]] const std::uint8_t *end() const {
+        return at + length;
+    }
+};
+
+inline Text textOf(Character character) {
+    return {character.at, character.end()};
+}
+
+// Each byte is a character.
+struct SingleBytes {
+    static constexpr unsigned kReach = 0; // bytes before a place that may belong to a character across it
+
+    [[nodiscard]] static unsigned announced(std::uint8_t) {
+        return 1;
+    }
+    [[nodiscard]] static Character characterAt(const std::uint8_t *at) {
+        return {at, *at != 0 ? 1u : 0u};
+    }
+};
+
+// By a page's table.
+struct TableCharacters {
+    static constexpr unsigned kReach = 7;
+    static constexpr bool kAsciiIsSingle = false; // not proved
+    const CharTable &table;
+
+    [[nodiscard]] unsigned announced(std::uint8_t first) const {
+        return table.trailCount(first) + 1;
+    }
+    [[nodiscard]] Character characterAt(const std::uint8_t *at) const {
+        return {at, terminatedText(at).available(announced(*at))};
+    }
+};
+
+// By the table of a page that was proved to be UTF-8.
+struct Utf8Characters {
+    static constexpr unsigned kReach = 3;
+    static constexpr bool kAsciiIsSingle = true;
+    const CharTable &table;
+
+    [[nodiscard]] unsigned announced(std::uint8_t first) const {
+        return table.trailCount(first) + 1;
+    }
+    [[nodiscard]] Character characterAt(const std::uint8_t *at) const {
+        if (*at < 0x80)
+            return {at, *at != 0 ? 1u : 0u};
+        return {at, terminatedText(at).available(announced(*at))};
+    }
+};
+
+// Tells where characters begin in a text that is walked from its start, without walking all of it: a place
+// that none of the few bytes before it reaches across is a boundary however those bytes are read. Elsewhere
+// the walk goes from the last such place. Places are asked for in ascending order, and what was found for one
+// serves the next: all answers together take time proportional to the text.
+template <typename Characters>
+class Boundaries {
+public:
+    // A character begins at `start`.
+    Boundaries(const Characters &characters, const std::uint8_t *start)
+        : characters_(characters), known_(start) {}
+
+    // The first boundary at or behind `place`. It lies behind the text's end where a character is cut there.
+    const std::uint8_t *from(const std::uint8_t *place) {
+        if constexpr (Characters::kReach == 0)
+            return place;
+        if (place <= known_)
+            return known_;
+        const std::uint8_t *at = place;
+        while (at != known_ && isCrossed(at))
+            --at;
+        while (at < place)
+            at += characters_.announced(*at);
+        return known_ = at;
+    }
+
+private:
+    [[nodiscard]] bool isCrossed(const std::uint8_t *place) const {
+        const auto reach = static_cast<unsigned>(
+            std::min<std::ptrdiff_t>(place - known_, static_cast<std::ptrdiff_t>(Characters::kReach)));
+        for (unsigned back = 1; back <= reach; ++back)
+            if (characters_.announced(place[-static_cast<std::ptrdiff_t>(back)]) > back)
+                return true;
+        return false;
+    }
+
+    const Characters &characters_;
+    const std::uint8_t *known_; // the last boundary found
+};
+
+} // namespace velnls
