@@ -238,7 +238,7 @@ TEST(CharTable, EveryCodeWalksAsOneCharacter) {
     EXPECT_EQ(problemOf([&] { checkCharTable(page); }),
               "tiny.map:203: page TINY, code 8142: expected a trail byte that validation accepts");
     page = tinyPage();
-    page.classes['A'] = 1;
+    page.classes[0x41] = 1;
     EXPECT_NE(problemOf([&] { checkCharTable(page); }).find("expected class 0"), std::string::npos);
     page = tinyPage();
     page.flags = 0;
@@ -306,16 +306,16 @@ TEST_F(UnicodeCase, SurrogatesAreNoCharacters) {
 TEST(ByteCase, KeepsTheLettersOfThePage) {
     const UnicodeData unicode(NLSGEN_UNICODE "/UnicodeData.txt");
     const file::CaseTable western = makeByteCaseTable(realPage("1252"), unicode, false);
-    EXPECT_EQ(western.upper['a'], 'A');
+    EXPECT_EQ(western.upper[0x61], 'A');
     EXPECT_EQ(western.upper[0xFF], 0x9F);
     EXPECT_EQ(western.upper[0xB5], 0xB5); // micro sign
     EXPECT_EQ(western.upper[0xDF], 0xDF);
     const file::CaseTable japanese = makeByteCaseTable(realPage("SHIFT-JIS"), unicode, false);
-    EXPECT_EQ(japanese.lower['Z'], 'z');
+    EXPECT_EQ(japanese.lower[0x5A], 'z');
     EXPECT_EQ(japanese.lower[0x83], 0x83);
     const file::CaseTable turkish = makeByteCaseTable(realPage("1254"), unicode, true);
-    EXPECT_EQ(turkish.upper['i'], 0xDD);
-    EXPECT_EQ(turkish.lower['I'], 0xFD);
+    EXPECT_EQ(turkish.upper[0x69], 0xDD);
+    EXPECT_EQ(turkish.lower[0x49], 0xFD);
     EXPECT_EQ(makeByteCaseTable(realPage("IBM037"), unicode, false).upper[0x81], 0xC1);
 }
 

@@ -31,30 +31,30 @@ std::string problemWith(const std::string &page, file::Collation collation,
     return byte == std::string::npos ? message : message.substr(byte);
 }
 
-TEST(Weights, OrderLettersByTheDefaultOrder) {
+TEST(Weights, OrderLettersByTheDefaultOrder) { // blank, 0, 9, a, A, b, S, t by their bytes
     const file::Collation weights = collationOf("1252");
     const auto *cs = weights.caseSensitive;
-    EXPECT_LT(cs[' '], cs['0']);
-    EXPECT_LT(cs['9'], cs['a']);
-    EXPECT_LT(cs['a'], cs['A']);
-    EXPECT_LT(cs['A'], cs[0xE4]); // a with diaeresis
-    EXPECT_LT(cs[0xC4], cs['b']);
-    EXPECT_LT(cs['S'], cs[0xDF]); // sharp s behind all s
+    EXPECT_LT(cs[0x20], cs[0x30]);
+    EXPECT_LT(cs[0x39], cs[0x61]);
+    EXPECT_LT(cs[0x61], cs[0x41]);
+    EXPECT_LT(cs[0x41], cs[0xE4]); // a with diaeresis
+    EXPECT_LT(cs[0xC4], cs[0x62]);
+    EXPECT_LT(cs[0x53], cs[0xDF]); // sharp s behind all s
     EXPECT_LT(cs[0x8A], cs[0xDF]);
-    EXPECT_LT(cs[0xDF], cs['t']);
+    EXPECT_LT(cs[0xDF], cs[0x74]);
 }
 
 TEST(Weights, FormsOfALetterShareTheLowestWeightWhenCaseDoesNotCount) {
     const file::Collation weights = collationOf("1252");
-    EXPECT_EQ(weights.caseInsensitive['A'], weights.caseInsensitive['a']);
-    EXPECT_EQ(weights.caseInsensitive['a'], weights.caseSensitive['a']);
-    EXPECT_NE(weights.caseInsensitive[0xE4], weights.caseInsensitive['a']);
+    EXPECT_EQ(weights.caseInsensitive[0x41], weights.caseInsensitive[0x61]);
+    EXPECT_EQ(weights.caseInsensitive[0x61], weights.caseSensitive[0x61]);
+    EXPECT_NE(weights.caseInsensitive[0xE4], weights.caseInsensitive[0x61]);
     EXPECT_NE(weights.caseInsensitive[1], weights.caseInsensitive[2]);
 }
 
 TEST(Weights, CyrillicPagesFollowTheRussianOrder) {
     const file::Collation weights = collationOf("1251");
-    EXPECT_LT(weights.caseSensitive[0xE0], weights.caseSensitive['a']);  // Cyrillic before Latin
+    EXPECT_LT(weights.caseSensitive[0xE0], weights.caseSensitive[0x61]); // Cyrillic before Latin
     EXPECT_LT(weights.caseSensitive[0xC5], weights.caseSensitive[0xB8]); // io behind ie
     EXPECT_LT(weights.caseSensitive[0xB8], weights.caseSensitive[0xE6]);
 }
@@ -80,7 +80,7 @@ TEST(Weights, AllPagesPassTheirOwnCheck) {
 
 TEST(Weights, ACheckNamesTheByteThatBreaksARule) {
     file::Collation weights = collationOf("1252");
-    weights.caseSensitive['b'] = weights.caseSensitive['a'];
+    weights.caseSensitive[0x62] = weights.caseSensitive[0x61];
     EXPECT_NE(problemWith("1252", weights).find("expected a weight of its own"), std::string::npos);
     weights = collationOf("1252");
     weights.caseSensitive[0xDF] = 0;
