@@ -75,7 +75,8 @@ struct Pair {
 
     [[nodiscard]] std::uint32_t property(std::int32_t id) const {
         std::uint32_t value = 0xDEAD;
-        EXPECT_EQ(nlsGetIntConversionProperty(conversion, id, &value), NLS_OK);
+        EXPECT_TRUE(fixture::gives("nlsGetIntConversionProperty", 0,
+                                   nlsGetIntConversionProperty(conversion, id, &value)));
         return value;
     }
 

@@ -415,6 +415,15 @@ TEST(Locale, CompanionsFailureIsTheResultButTheLocaleStays) {
     EXPECT_EQ(noConversion.lend(), NLS_OK) << "not busy any more";
 }
 
+TEST(Locale, CompanionsConversionPassesOnThatItsTableCannotBeBuilt) {
+    DataFile file = japanese(false);
+    const std::vector<std::uint16_t> same(256, 'a'); // all bytes on one slot
+    file.conversion("EUCJIS", "SHIFT-JIS", 19, fixture::units16(same), 19);
+    file.conversion("SHIFT-JIS", "EUCJIS", 20);
+    Library library(file, 60000);
+    EXPECT_TRUE(gives("nlsCreateLocale", 22, library.tryLocale("EUCJIS", "basic", "basic")));
+}
+
 TEST(Locale, ClosingAnOrdinaryLocaleChangesNothing) {
     Library library(pages(), 60000);
     nlsLocale *const locale = library.locale("1252");
