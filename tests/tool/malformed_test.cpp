@@ -2,6 +2,8 @@
 // fault.
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "process.hpp"
 
 namespace velnls::tool {
@@ -14,6 +16,11 @@ struct Case {
     std::string out; // in UTF-8
     std::string message;
 };
+
+// Names the test; the default would print its bytes.
+void PrintTo(const Case &malformed, std::ostream *out) {
+    *out << malformed.name;
+}
 
 class Malformed : public testing::TestWithParam<Case> {};
 

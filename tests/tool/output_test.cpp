@@ -170,7 +170,7 @@ TEST(InputFile, ThatIsAFolderHasExitCode2) {
 
 // Constant memory: the address space allowed is far smaller than the input.
 TEST(Memory, DoesNotGrowWithTheInput) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(VELNLS_SANITIZED)
     GTEST_SKIP() << "sanitizers take address space of their own";
 #endif
     const Result result =

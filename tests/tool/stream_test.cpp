@@ -2,6 +2,8 @@
 // written must not show in the result.
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "process.hpp"
 #include "stream.hpp"
 
@@ -34,6 +36,11 @@ struct Sample {
     const char *to;
     std::string text; // with characters of every length of its page
 };
+
+// Names the test; the default would print its bytes.
+void PrintTo(const Sample &sample, std::ostream *out) {
+    *out << sample.name;
+}
 
 class Streaming : public testing::TestWithParam<Sample> {
 protected:
