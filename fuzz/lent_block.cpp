@@ -82,7 +82,8 @@ void convertEveryWay(nlsConversion *conversion, const std::vector<std::uint8_t> 
             nlsConvertLChar(conversion, value, &written);
             written = 0;
         }
-        require(written <= capacity);
+        // A chain that fails in its first step leaves that step's count.
+        require(written <= (way == 0 ? std::max(capacity, intermediate) : capacity));
         require(capacity != 0 || out.data()[0] == 0xEE);
     }
     require(length == 0 || std::equal(source.begin(), source.end(), sourceBlock.data()));
