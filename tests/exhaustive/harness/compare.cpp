@@ -37,7 +37,8 @@ Pair::Pair(const std::string &source, const std::string &target)
 
 void Pair::prepare(const Bytes &source, std::uint32_t capacity, std::uint32_t intermediate) {
     source_ = source;
-    source_.resize(source.size() + 8, 0);
+    source_.resize(source.size() + 1, 0);
+    source_.resize(source.size() + 8, 0x9F); // nobody may look at these
     expectedOut_.assign(capacity + kBehind, kFill);
     actualOut_.assign(capacity + kBehind, kFill);
     if (expected_.isChain()) {
@@ -103,8 +104,6 @@ void Pair::prepare(const Bytes &source, std::uint32_t capacity, std::uint32_t in
     const auto length = static_cast<std::uint32_t>(source.size());
     const model::Outcome expected =
         expected_.check({source_.data(), length}, {expectedOut_.data(), capacity});
-    if (expected.readBehind)
-        return ::testing::AssertionSuccess(); // what stands behind the terminator is not the string's
     nlsStr from = {reinterpret_cast<char *>(source_.data()), length + 8, length};
     nlsStr to = string(actualOut_, capacity);
     const nlsStatus status = nlsConvertNLSCheck(actual_, &from, &to);
@@ -115,9 +114,7 @@ void Pair::prepare(const Bytes &source, std::uint32_t capacity, std::uint32_t in
     prepare(source, capacity, 0);
     const auto length = static_cast<std::uint32_t>(source.size());
     const model::Outcome expected =
-        expected_.run({source_.data(), length + 1}, {expectedOut_.data(), capacity}, {nullptr, 0});
-    if (expected.readBehind)
-        return ::testing::AssertionSuccess();
+        expected_.convertWithTerminator({source_.data(), length}, {expectedOut_.data(), capacity});
     nlsStr from = {reinterpret_cast<char *>(source_.data()), length + 8, length};
     std::uint32_t written = 0;
     const nlsStatus status = nlsConvertToUCS2(actual_, &from, capacity, actualOut_.data(), &written);

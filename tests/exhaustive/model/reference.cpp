@@ -55,7 +55,8 @@ public:
     };
 
     Decoder(const Encoding &encoding, Text text, bool pairsIn32)
-        : encoding_(encoding), at_(text.data), end_(text.data + text.length), pairsIn32_(pairsIn32) {}
+        : encoding_(encoding), at_(text.data), end_(text.data + text.length), terminated_(text.terminated),
+          pairsIn32_(pairsIn32) {}
 
     // `value` is kNone for a code that the page does not map; `lone` says that it is an unpaired surrogate.
     Result next(std::uint32_t &value, bool &lone) {
@@ -74,20 +75,14 @@ public:
         return nextOfPage(value);
     }
 
-    [[nodiscard]] bool readBehind() const {
-        return readBehind_;
-    }
-
 private:
     Result nextUtf8(std::uint32_t &value) {
         static constexpr std::uint32_t kOffsets[6] = {0x00000000, 0x00003080, 0x000E2080,
                                                       0x03C82080, 0xFA082080, 0x82082080};
         const unsigned trailing = trailingBytes(*at_);
-        const std::ptrdiff_t left = end_ - at_;
+        const std::ptrdiff_t left = end_ - at_ - (terminated_ ? 1 : 0);
         if (static_cast<std::ptrdiff_t>(trailing) > left)
             return Result::kTruncated;
-        if (static_cast<std::ptrdiff_t>(trailing) == left)
-            readBehind_ = true;
         value = 0;
         for (unsigned i = 0; i <= trailing; ++i)
             value = (value << 6) + at_[i];
@@ -128,8 +123,8 @@ private:
     const Encoding &encoding_;
     const std::uint8_t *at_;
     const std::uint8_t *end_;
+    bool terminated_;
     bool pairsIn32_;
-    bool readBehind_ = false;
 };
 
 // The bytes of one value in the target, and what it means for the final status.
@@ -236,7 +231,7 @@ Outcome convertForms(const Encoding &source, const Encoding &target, Text text, 
                      std::uint32_t previous) {
     Outcome outcome;
     if (source.form == Form::kUtf8 && text.length > 0 && (text.data[0] & 0xC0) == 0x80)
-        return {kInvalid, previous, false};
+        return {kInvalid, previous};
     const std::uint32_t room = destination.capacity - destination.capacity % widthOf(target.form);
     Decoder decoder(source, text, target.form == Form::kUtf8);
     Encoder encoder(source, target);
@@ -261,7 +256,6 @@ Outcome convertForms(const Encoding &source, const Encoding &target, Text text, 
         outcome.status = encoder.status();
     if (target.swapped)
         swapUnits(destination.data, outcome.written, widthOf(target.form));
-    outcome.readBehind = decoder.readBehind();
     return outcome;
 }
 
@@ -273,10 +267,10 @@ std::uint8_t byteOf(const Page &source, const Page &target, std::uint8_t byte) {
 
 Outcome convertBytes(const Encoding &source, const Encoding &target, Text text, Buffer destination) {
     if (destination.capacity < text.length)
-        return {kTooSmall, 0, false};
+        return {kTooSmall, 0};
     for (std::uint32_t i = 0; i < text.length; ++i)
         destination.data[i] = byteOf(*source.page, *target.page, text.data[i]);
-    return {kOk, text.length, false};
+    return {kOk, text.length};
 }
 
 // Writes the pairs and single bytes of the Japanese converters with their room checks.
@@ -318,7 +312,7 @@ Outcome shiftJisToEuc(Text text, Buffer destination) {
         bool fits = true;
         if ((b >= 0x81 && b <= 0x9F) || (b >= 0xE0 && b <= 0xEF)) {
             if (i + 1 >= text.length)
-                return {kInvalid, out.written(), false};
+                return {kInvalid, out.written()};
             const unsigned t = text.data[i + 1];
             i += 2;
             if (t >= 0x40 && t <= 0xFC) {
@@ -333,9 +327,9 @@ Outcome shiftJisToEuc(Text text, Buffer destination) {
             fits = b >= 0xA1 && b <= 0xDF ? out.put(0x8E, low8(b)) : out.put(low8(b));
         }
         if (!fits)
-            return {kTooSmall, out.written(), false};
+            return {kTooSmall, out.written()};
     }
-    return {kOk, out.written(), false};
+    return {kOk, out.written()};
 }
 
 Outcome eucToShiftJis(Text text, Buffer destination) {
@@ -349,7 +343,7 @@ Outcome eucToShiftJis(Text text, Buffer destination) {
             ++i;
         } else {
             if (i + 1 >= text.length)
-                return {kInvalid, out.written(), false};
+                return {kInvalid, out.written()};
             const unsigned t = text.data[i + 1];
             i += 2;
             if (lead && t >= 0xA1 && t <= 0xFE) {
@@ -365,9 +359,9 @@ Outcome eucToShiftJis(Text text, Buffer destination) {
             }
         }
         if (!fits)
-            return {kTooSmall, out.written(), false};
+            return {kTooSmall, out.written()};
     }
-    return {kOk, out.written(), false};
+    return {kOk, out.written()};
 }
 
 bool isUnicodeName(const std::string &name) {
@@ -457,18 +451,16 @@ Outcome Conversion::run(Text source, Buffer destination, Buffer intermediate, st
         const std::uint32_t count =
             source.length < destination.capacity ? source.length : destination.capacity;
         std::memmove(destination.data, source.data, count);
-        return {count < source.length ? kTooSmall : kOk, count, false};
+        return {count < source.length ? kTooSmall : kOk, count};
     }
     if (steps_.size() == 1)
         return runStep(steps_[0], source, destination, previous);
     if (intermediate.data == nullptr || intermediate.capacity == 0)
-        return {kInvalid, previous, false};
-    Outcome first = runStep(steps_[0], source, intermediate, previous);
+        return {kInvalid, previous};
+    const Outcome first = runStep(steps_[0], source, intermediate, previous);
     if (first.status != kOk && first.status != kSubstituted)
         return first;
-    Outcome second = runStep(steps_[1], {intermediate.data, first.written}, destination, first.written);
-    second.readBehind = second.readBehind || first.readBehind;
-    return second;
+    return runStep(steps_[1], {intermediate.data, first.written}, destination, first.written);
 }
 
 Outcome Conversion::convert(Text source, Buffer destination, Buffer intermediate) const {
@@ -482,9 +474,12 @@ Outcome Conversion::convert(Text source, Buffer destination, Buffer intermediate
     return outcome;
 }
 
+Outcome Conversion::convertWithTerminator(Text source, Buffer destination) const {
+    return run({source.data, source.length + 1, true}, destination, {nullptr, 0});
+}
+
 Outcome Conversion::check(Text source, Buffer destination) const {
-    const Text whole = {source.data, source.length + 1};
-    Outcome outcome = run(whole, destination, {nullptr, 0});
+    Outcome outcome = convertWithTerminator(source, destination);
     if (!steps_.empty() && !isChain()) {
         const Kind kind = steps_[0].kind;
         const bool unicodeOnly = steps_[0].source.form != Form::kPage && steps_[0].target.form != Form::kPage;

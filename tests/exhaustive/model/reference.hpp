@@ -42,12 +42,12 @@ struct Buffer {
 struct Text {
     const std::uint8_t *data;
     std::uint32_t length;
+    bool terminated = false; // the last byte is the string's terminator: nothing behind it may be read
 };
 
 struct Outcome {
     std::uint32_t status = 0;
     std::uint32_t written = 0;
-    bool readBehind = false; // the byte behind the source was decoded with it
 };
 
 // What one conversion of the library must do.
@@ -79,6 +79,7 @@ public:
     // The exported calls. Destination bytes are written exactly as the library must write them.
     [[nodiscard]] Outcome convert(Text source, Buffer destination, Buffer intermediate) const;
     [[nodiscard]] Outcome check(Text source, Buffer destination) const;
+    [[nodiscard]] Outcome convertWithTerminator(Text source, Buffer destination) const;
     // `result` is left alone where the call does not set it.
     [[nodiscard]] std::uint32_t convertCharacter(std::uint32_t character, std::uint32_t &result) const;
 
