@@ -15,7 +15,7 @@ struct WeightOrder {
     const CharTable *chars;
 
     [[nodiscard]] std::uint8_t expansion() const {
-        return weights['s'];
+        return weights[static_cast<unsigned char>('s')];
     }
 };
 
