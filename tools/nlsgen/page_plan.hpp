@@ -37,7 +37,7 @@ struct MultibytePlan {
     std::string_view name;
     std::string_view charmap; // empty: computed from SHIFT-JIS
     std::string_view map;
-    std::array<Range, 2> leads;
+    std::array<Range, 3> leads;
     std::array<Range, 3> trails;
     Range oneColumnLeads; // lead bytes of characters of one display column
     std::uint8_t extraFlags;
