@@ -14,6 +14,7 @@ namespace velnls {
 class BytePage {
 public:
     static constexpr bool kQuick = true;
+    static constexpr bool kFirstByteDecides = false;
     static constexpr std::ptrdiff_t kFilterWorth = 160; // bytes of text that repay the making of a filter
     static constexpr std::ptrdiff_t kUnfiltered = 0;    // bytes at the text's end that no filter may judge
 
@@ -28,33 +29,39 @@ public:
             equal = isBlankOrEnd(a) && isBlankOrEnd(b);
         return NLS_OK;
     }
-    // The first character of the text that may equal `sought`, or the text's end.
-    [[nodiscard]] const std::uint8_t *seek(const std::uint8_t *at, const std::uint8_t *end,
-                                           Character sought) const {
-        const std::uint8_t wanted = weightOf(*sought.at);
-        while (at != end && weightOf(*at) != wanted)
+    // A character as seek() looks for it.
+    using Sought = std::uint8_t;
+    [[nodiscard]] Sought soughtFor(Character character, std::ptrdiff_t) const {
+        return weightOf(*character.at);
+    }
+    // The first character from `at` on that equals `sought`, or the text's end.
+    [[nodiscard]] const std::uint8_t *seek(const std::uint8_t *, const std::uint8_t *at,
+                                           const std::uint8_t *end, Sought sought) const {
+        while (at != end && weightOf(*at) != sought)
             ++at;
         return at;
     }
-    // Whether the characters from `wanted` to its end stand at `at`; `at` moves behind them.
-    [[nodiscard]] bool stands(const std::uint8_t *wanted, const std::uint8_t *wantedEnd,
-                              const std::uint8_t *&at, const std::uint8_t *end) const {
+    // Whether the characters from `wanted` to its end, none of them cut, stand at `at`, which then moves
+    // behind them.
+    [[nodiscard]] Standing stands(const std::uint8_t *wanted, const std::uint8_t *wantedEnd,
+                                  const std::uint8_t *&at, const std::uint8_t *end) const {
         const std::ptrdiff_t length = wantedEnd - wanted;
         if (end - at < length)
-            return false;
+            return Standing::TextEnded;
         for (std::ptrdiff_t i = 0; i < length; ++i)
             if (weightOf(wanted[i]) != weightOf(at[i]))
-                return false;
+                return Standing::No;
         at += length;
-        return true;
+        return Standing::Yes;
     }
     // A sieve for the places where the characters from `run` to its end, at least one, may stand.
-    bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, PlaceFilter &filter) const {
-        if (!formsOf(weightOf(*run), filter.first))
+    [[gnu::noinline]] bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd,
+                                      PlaceFilter &filter) const {
+        if (!formsOf(weightOf(*run), filter.near))
             return false;
-        filter.distance = static_cast<std::size_t>(runEnd - run) - 1;
-        if (filter.distance == 0 || !formsOf(weightOf(runEnd[-1]), filter.second))
-            filter.second.count = 0;
+        filter.farDistance = static_cast<std::size_t>(runEnd - run) - 1;
+        if (filter.farDistance == 0 || !formsOf(weightOf(runEnd[-1]), filter.far))
+            filter.far.count = 0;
         return true;
     }
 

@@ -19,6 +19,13 @@ struct Character {
     }
 };
 
+// Whether characters stand at a place of a text.
+enum class Standing {
+    No,
+    Yes,
+    TextEnded, // as far as the text goes, or it was not looked at
+};
+
 inline Text textOf(Character character) {
     return {character.at, character.end()};
 }

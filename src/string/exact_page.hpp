@@ -16,7 +16,8 @@ template <typename Characters>
 class ExactPage {
 public:
     static constexpr bool kQuick = true;
-    static constexpr std::ptrdiff_t kFilterWorth = 32;
+    static constexpr bool kFirstByteDecides = true; // equal characters begin alike
+    static constexpr std::ptrdiff_t kFilterWorth = 24;
     static constexpr std::ptrdiff_t kUnfiltered = 0;
 
     explicit ExactPage(const nlsLocale &locale) : characters_{*locale.charTable} {}
@@ -25,36 +26,45 @@ public:
     }
     nlsStatus equal(Character a, Character b, bool &equal) const {
         if (a.length == b.length)
-            equal = std::memcmp(a.at, b.at, a.length) == 0;
+            equal = sameBytes(a.at, b.at, a.length);
         else
             equal = compareBytes(textOf(a), textOf(b)) == 0;
         return NLS_OK;
     }
-    [[nodiscard]] const std::uint8_t *seek(const std::uint8_t *at, const std::uint8_t *end,
-                                           Character sought) const {
-        const std::uint8_t first = *sought.at;
-        while (at != end && *at != first)
-            at = characters_.characterAt(at).end();
-        return at;
+    // Characters are looked for by their first bytes alone.
+    using Sought = std::uint8_t;
+    [[nodiscard]] Sought soughtFor(Character character, std::ptrdiff_t) const {
+        return *character.at;
     }
-    // Neither text ends inside a character.
-    [[nodiscard]] bool stands(const std::uint8_t *wanted, const std::uint8_t *wantedEnd,
-                              const std::uint8_t *&at, const std::uint8_t *end) const {
+    [[nodiscard]] Standing stands(const std::uint8_t *wanted, const std::uint8_t *wantedEnd,
+                                  const std::uint8_t *&at, const std::uint8_t *end) const {
         const std::ptrdiff_t length = wantedEnd - wanted;
-        if (end - at < length || std::memcmp(wanted, at, static_cast<std::size_t>(length)) != 0)
-            return false;
+        if (end - at < length)
+            return Standing::TextEnded;
+        if (!sameBytes(wanted, at, static_cast<unsigned>(length)))
+            return Standing::No;
         at += length;
-        return true;
+        return Standing::Yes;
     }
+    // By the last bytes of the first and of the last character: those of one script begin alike.
     bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, PlaceFilter &filter) const {
-        filter.first.add(*run);
-        filter.distance = static_cast<std::size_t>(runEnd - run) - 1;
-        if (filter.distance != 0)
-            filter.second.add(runEnd[-1]);
+        const Character first = characters_.characterAt(run);
+        filter.near.add(first.end()[-1]);
+        filter.nearDistance = first.length - 1;
+        filter.farDistance = static_cast<std::size_t>(runEnd - run) - 1;
+        if (filter.farDistance != filter.nearDistance)
+            filter.far.add(runEnd[-1]);
         return true;
     }
 
 private:
+    static bool sameBytes(const std::uint8_t *a, const std::uint8_t *b, unsigned length) {
+        for (unsigned i = 0; i < length; ++i)
+            if (a[i] != b[i])
+                return false;
+        return true;
+    }
+
     Characters characters_;
 };
 

@@ -16,13 +16,15 @@ template <typename Characters>
 class FoldedPage {
 public:
     static constexpr bool kQuick = true;
-    static constexpr std::ptrdiff_t kFilterWorth = 2048;
+    static constexpr bool kFirstByteDecides = false;
+    static constexpr std::ptrdiff_t kFilterWorth = 512;
     static constexpr std::ptrdiff_t kUnfiltered = 3; // a character that is cut there may fold to any other
 
     explicit FoldedPage(const nlsLocale &locale)
         : characters_{*locale.charTable}, locale_(locale),
           paged_(locale.charTable->has(file::kUtf8) ? static_cast<const UnicodeCaseTable *>(locale.caseTable)
-                                                    : nullptr) {}
+                                                    : nullptr),
+          asciiFolds_(paged_ == nullptr || !Characters::kAsciiIsSingle ? nullptr : lowerHalf(0)) {}
     [[nodiscard]] const Characters &characters() const {
         return characters_;
     }
@@ -33,78 +35,147 @@ public:
             equal = compareFolded(locale_, textOf(a), textOf(b)) == 0;
         return NLS_OK;
     }
-    [[nodiscard]] const std::uint8_t *seek(const std::uint8_t *at, const std::uint8_t *end,
-                                           Character sought) const {
-        const std::uint32_t wanted = foldOf(sought);
+    // A character as seek() looks for it.
+    struct Sought {
+        std::uint32_t fold;
+        ByteForms ascii; // the single bytes below 80 that fold to it; none: not known
+    };
+    // For texts of `length` bytes.
+    [[nodiscard]] Sought soughtFor(Character character, std::ptrdiff_t length) const {
+        Sought sought{foldOf(character), {}};
+        if (asciiFolds_ != nullptr && length >= kAsciiSkipWorth && sought.fold < 0x80 && !asciiForms(sought))
+            sought.ascii.count = 0;
+        return sought;
+    }
+    // The first character from `at` on that equals `sought`, or the text's end.
+    [[nodiscard]] const std::uint8_t *seek(const std::uint8_t *text, const std::uint8_t *at,
+                                           const std::uint8_t *end, const Sought &sought) const {
         while (at != end) {
+            if (sought.ascii.count != 0 && (at = skipOtherAscii(text, at, end, sought.ascii)) == end)
+                break;
+            if (foldsAsAscii(*at)) {
+                if (foldOfAscii(*at) == sought.fold)
+                    break;
+                ++at;
+                continue;
+            }
             const Character character = characters_.characterAt(at);
-            if (foldOf(character) == wanted)
+            if (foldOf(character) == sought.fold)
                 break;
             at = character.end();
         }
         return at;
     }
-    [[nodiscard]] bool stands(const std::uint8_t *wanted, const std::uint8_t *wantedEnd,
-                              const std::uint8_t *&at, const std::uint8_t *end) const {
+    // Whether the characters from `wanted` to its end, none of them cut, stand at `at`, which then moves
+    // behind them.
+    [[nodiscard]] Standing stands(const std::uint8_t *wanted, const std::uint8_t *wantedEnd,
+                                  const std::uint8_t *&at, const std::uint8_t *end) const {
         const std::uint8_t *place = at;
         while (wanted != wantedEnd) {
             if (place == end)
-                return false;
+                return Standing::TextEnded;
+            if (foldsAsAscii(*wanted) && foldsAsAscii(*place)) {
+                if (*wanted != *place && foldOfAscii(*wanted) != foldOfAscii(*place))
+                    return Standing::No;
+                ++wanted;
+                ++place;
+                continue;
+            }
             const Character sought = characters_.characterAt(wanted);
             const Character found = characters_.characterAt(place);
             if (foldOf(sought) != foldOf(found))
-                return false;
+                return Standing::No;
             wanted = sought.end();
             place = found.end();
         }
         at = place;
-        return true;
+        return Standing::Yes;
     }
-    // By the first character alone, or by it and the first byte of the next one.
-    bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, PlaceFilter &filter) const {
+    // By the first character, and by the furthest one that always stands at the same distance.
+    [[gnu::noinline]] bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd,
+                                      PlaceFilter &filter) const {
         if (paged_ != nullptr && !Characters::kAsciiIsSingle)
             return false;
-        const Character character = characters_.characterAt(run);
         FoldForms forms;
-        if (!formsOf(character, forms))
+        if (!formsOf(characters_.characterAt(run), forms) || forms.first.count == 0)
             return false;
-        filter.first = forms.first;
-        filter.distance = 1;
-        if (forms.shortest != forms.longest)
-            return true;
-        if (forms.longest > 1) {
-            if (!forms.manySeconds)
-                filter.second = forms.second;
-            return true;
+        filter.near = forms.first;
+        if (forms.hasOneLength() && !forms.manyLasts) {
+            filter.near = forms.last;
+            filter.nearDistance = forms.longest - 1;
         }
-        FoldForms next;
-        if (character.end() != runEnd && formsOf(characters_.characterAt(character.end()), next))
-            filter.second = next.first;
+        filter.farDistance = filter.nearDistance;
+        std::size_t distance = 0;
+        for (unsigned looked = 0; looked < kMostLooked && forms.hasOneLength(); ++looked) {
+            distance += forms.longest;
+            run = characters_.characterAt(run).end();
+            forms = {};
+            if (run == runEnd || !formsOf(characters_.characterAt(run), forms))
+                break;
+            if (!forms.hasOneLength()) {
+                filter.far = forms.first;
+                filter.farDistance = distance;
+            } else if (!forms.manyLasts) {
+                filter.far = forms.last;
+                filter.farDistance = distance + forms.longest - 1;
+            }
+        }
         return true;
     }
 
 private:
-    // How the characters begin that fold to the same number.
+    static constexpr std::ptrdiff_t kAsciiSkipWorth = 48; // bytes of text
+    static constexpr unsigned kMostLooked = 4; // characters behind the first that a filter looks at
+
+    // How the characters begin and end that fold to the same number.
     struct FoldForms {
         ByteForms first;
-        ByteForms second; // of those of two bytes and more
-        bool manySeconds = false;
+        ByteForms last;
+        bool manyLasts = false;
         unsigned shortest = 8;
         unsigned longest = 0;
 
-        bool add(std::uint8_t firstByte, std::uint8_t secondByte, unsigned length) {
-            if (length > 1 && !second.add(secondByte))
-                manySeconds = true;
+        [[nodiscard]] bool hasOneLength() const {
+            return shortest == longest;
+        }
+        bool add(std::uint8_t firstByte, std::uint8_t lastByte, unsigned length) {
+            manyLasts = manyLasts || !last.add(lastByte);
             shortest = std::min(shortest, length);
             longest = std::max(longest, length);
             return first.add(firstByte);
         }
     };
 
+    // Whether a byte is a character of its own that folds by the first page.
+    [[nodiscard]] bool foldsAsAscii(std::uint8_t byte) const {
+        return byte < 0x80 && asciiFolds_ != nullptr;
+    }
+    [[nodiscard]] std::uint32_t foldOfAscii(std::uint8_t byte) const {
+        const std::uint32_t folded = valueAt(asciiFolds_, byte);
+        return folded != 0 ? folded : byte;
+    }
+    // The lower-case values of a page; 0: none. They need not be aligned.
+    [[nodiscard]] const std::uint8_t *lowerHalf(unsigned page) const {
+        return reinterpret_cast<const std::uint8_t *>(paged_->pages[page]) + std::size_t{2} * caseHalf(page);
+    }
+    static std::uint16_t valueAt(const std::uint8_t *values, unsigned index) {
+        std::uint16_t value;
+        std::memcpy(&value, values + std::size_t{2} * index, sizeof value);
+        return value;
+    }
+    bool asciiForms(Sought &sought) const {
+        if (foldOfAscii(static_cast<std::uint8_t>(sought.fold)) == sought.fold)
+            sought.ascii.add(static_cast<std::uint8_t>(sought.fold));
+        const auto fold = static_cast<std::uint16_t>(sought.fold);
+        for (unsigned byte = 0; (byte = findValue(asciiFolds_, byte, 0x80, fold)) != 0x80; ++byte)
+            if (!sought.ascii.add(static_cast<std::uint8_t>(byte)))
+                return false;
+        return true;
+    }
     [[nodiscard]] std::uint32_t foldOf(Character character) const {
+        if (foldsAsAscii(*character.at))
+            return foldOfAscii(*character.at);
         std::uint32_t number = *character.at;
-        if (Characters::kAsciiIsSingle && number < 0x80 && paged_ != nullptr)
-            return mapUtf8Case<Case::Lower>(*paged_, number);
         const unsigned announced = characters_.announced(*character.at);
         if (announced > 4)
             number = '?';
@@ -124,8 +195,8 @@ private:
             return false;
         if (length > 2 || (length == 2 && paged_ == nullptr)) {
             const std::uint8_t lead = character.at[0];
-            forms.manySeconds = paged_ != nullptr && (lead == 0xE1 || lead == 0xE2 || lead == 0xEF);
-            return forms.add(lead, character.at[1], length);
+            forms.manyLasts = paged_ != nullptr && (lead == 0xE1 || lead == 0xE2 || lead == 0xEF);
+            return forms.add(lead, character.end()[-1], length);
         }
         return paged_ != nullptr ? pagedForms(foldOf(character), forms) : byteForms(foldOf(character), forms);
     }
@@ -135,7 +206,7 @@ private:
             const unsigned length = characters_.announced(first);
             if (length > 4)
                 return false;
-            if (length == 1 && foldNumber(locale_, byte) == folded && !forms.add(first, 0, 1))
+            if (length == 1 && foldNumber(locale_, byte) == folded && !forms.add(first, first, 1))
                 return false;
         }
         return forms.longest != 0;
@@ -144,17 +215,13 @@ private:
     bool pagedForms(std::uint32_t folded, FoldForms &forms) const {
         if (mapUtf8Case<Case::Lower>(*paged_, folded) == folded && !addNumber(folded, forms))
             return false;
+        const auto fold = static_cast<std::uint16_t>(folded); // of one or two bytes
         for (unsigned page = 0; page < 0xE0; page = page == 0 ? 0xC0 : page + 1) {
-            const std::uint16_t *const values = paged_->pages[page];
-            if (values == kZeroCasePage)
+            if (paged_->pages[page] == kZeroCasePage)
                 continue;
+            const std::uint8_t *const values = lowerHalf(page);
             const unsigned half = caseHalf(page);
-            for (unsigned index = 0; index < half; ++index) {
-                std::uint16_t value;
-                std::memcpy(&value, reinterpret_cast<const unsigned char *>(values) + 2 * (half + index),
-                            sizeof value);
-                if (value != folded)
-                    continue;
+            for (unsigned index = 0; (index = findValue(values, index, half, fold)) != half; ++index) {
                 const std::uint32_t number = page << 8 | index;
                 if (!addNumber(number, forms) || !addNumber(number | 0x80, forms))
                     return false;
@@ -167,12 +234,13 @@ private:
         const auto lead = static_cast<std::uint8_t>(number >> 8);
         if (lead != 0)
             return characters_.announced(lead) != 2 || forms.add(lead, last, 2);
-        return last == 0 || characters_.announced(last) != 1 || forms.add(last, 0, 1);
+        return last == 0 || characters_.announced(last) != 1 || forms.add(last, last, 1);
     }
 
     Characters characters_;
     const nlsLocale &locale_;
-    const UnicodeCaseTable *paged_; // null: no pages of UTF-8
+    const UnicodeCaseTable *paged_;  // null: no pages of UTF-8
+    const std::uint8_t *asciiFolds_; // its values for ASCII; null: not for single bytes by themselves
 };
 
 } // namespace velnls

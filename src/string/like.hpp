@@ -45,6 +45,8 @@ private:
 
     [[nodiscard]] Sign signAt(const std::uint8_t *at) const {
         const Character character = page_.characters().characterAt(at);
+        if (character.length == 1 && page_.characters().announced(*at) == 1)
+            return {*at, character};
         std::uint32_t value = '?';
         if (page_.characters().announced(*at) <= 4) {
             value = 0;
@@ -65,6 +67,9 @@ private:
     [[nodiscard]] bool isAnySign(std::uint32_t value) const {
         return value == signs_.escape || value == signs_.oneCharacter || value == signs_.anyString;
     }
+    [[nodiscard]] bool isWhole(Character character) const {
+        return character.length != 0 && character.length == page_.characters().announced(*character.at);
+    }
     [[nodiscard]] bool isOnlyAnyString(const std::uint8_t *pattern) const {
         const Sign sign = signAt(pattern);
         return isAnyString(sign.value) && *sign.character.end() == 0 && sign.character.length != 0;
@@ -78,29 +83,48 @@ private:
             if (const std::uint8_t *const runEnd = literalRun(run); runEnd != run) {
                 if (end_ == nullptr)
                     end_ = string + std::strlen(reinterpret_cast<const char *>(string));
-                Seeker<Page> seeker(page_, run, runEnd, string, end_);
-                return matchAt(pattern, string,
-                               [&](const std::uint8_t *at) { return *at == 0 ? at : seeker.next(at); });
+                return matchRunAnywhere(pattern, run, runEnd, string);
             }
         }
-        return matchAt(pattern, string, [](const std::uint8_t *at) { return at; });
-    }
-
-    // `seek` gives the first place from another on that is worth a try.
-    template <typename Seek>
-    nlsStatus matchAt(const std::uint8_t *pattern, const std::uint8_t *string, Seek seek) {
-        for (const std::uint8_t *start = seek(string); *start != 0; start = seek(start)) {
-            const nlsStatus result = matchTo(pattern, start);
+        while (*string != 0) {
+            const nlsStatus result = matchTo(pattern, string);
             if (result == kLikeYes || result == kAtAnyString)
                 return result;
-            for (std::size_t steps = absorbed_ + 1; steps > 0 && *start != 0; --steps)
-                start = page_.characters().characterAt(start).end();
+            string = behindAbsorbed(string);
         }
         return kLikeNo;
     }
 
-    // The literals that the pattern begins with, up to any sign; an escaped literal stands alone. `run` moves
-    // behind the escape. Empty: the first is none.
+    // The same where the pattern begins with literals: only places where they stand are tried.
+    nlsStatus matchRunAnywhere(const std::uint8_t *pattern, const std::uint8_t *run,
+                               const std::uint8_t *runEnd, const std::uint8_t *string) {
+        Seeker<Page> seeker(page_, run, runEnd, string, end_);
+        while (string != end_ && (string = seeker.next(string)) != end_) {
+            const std::uint8_t *behind = string;
+            const Standing standing = page_.stands(run, runEnd, behind, end_);
+            nlsStatus result = kLikeNo;
+            absorbed_ = 0;
+            // Where the string ends within the literals or with them, blanks count as its end.
+            if (standing == Standing::Yes && *runEnd != 0 && behind != end_)
+                result = matchTo(runEnd, behind);
+            else if (standing != Standing::No)
+                result = matchTo(pattern, string);
+            if (result == kLikeYes || result == kAtAnyString)
+                return result;
+            string = behindAbsorbed(string);
+        }
+        return kLikeNo;
+    }
+
+    // The next start worth a try, behind a failed one.
+    [[nodiscard]] const std::uint8_t *behindAbsorbed(const std::uint8_t *start) const {
+        for (std::size_t steps = absorbed_ + 1; steps > 0 && *start != 0; --steps)
+            start = page_.characters().characterAt(start).end();
+        return start;
+    }
+
+    // The literals that the pattern begins with, up to any sign and to a character that the pattern's end
+    // cuts; an escaped literal stands alone. `run` moves behind the escape. Empty: the first is none.
     const std::uint8_t *literalRun(const std::uint8_t *&run) const {
         Sign sign = signAt(run);
         if (isEscape(sign.value)) {
@@ -108,10 +132,10 @@ private:
             if (!isAnySign(escaped.value))
                 return run;
             run = sign.character.end();
-            return escaped.character.end();
+            return isWhole(escaped.character) ? escaped.character.end() : run;
         }
         const std::uint8_t *end = run;
-        for (; *end != 0 && !isAnySign(sign.value); sign = signAt(end))
+        for (; !isAnySign(sign.value) && isWhole(sign.character); sign = signAt(end))
             end = sign.character.end();
         return end;
     }

@@ -1,5 +1,7 @@
 #include "string/place_filter.hpp"
 
+#include <cstring>
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -7,6 +9,13 @@
 namespace velnls {
 
 namespace {
+
+bool isAmong(const ByteForms &forms, std::uint8_t byte) {
+    for (unsigned i = 0; i < forms.count; ++i)
+        if (forms.bytes[i] == byte)
+            return true;
+    return false;
+}
 
 #if defined(__SSE2__)
 
@@ -42,14 +51,15 @@ public:
     }
 };
 
-template <unsigned kFirst, unsigned kSecond>
-const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *at, const std::uint8_t *end,
-                           const std::uint8_t *&stopped) {
-    const BlockTest<kFirst> first(filter.first);
-    const BlockTest<kSecond> second(filter.second);
-    const std::size_t distance = filter.distance;
+template <unsigned kNear, unsigned kFar>
+const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *text, const std::uint8_t *at,
+                           const std::uint8_t *end, const std::uint8_t *&stopped) {
+    const BlockTest<kNear> near(filter.near);
+    const BlockTest<kFar> far(filter.far);
+    const std::size_t nearDistance = filter.nearDistance;
+    const std::size_t distance = filter.farDistance;
     const auto test = [&](const std::uint8_t *block) {
-        return _mm_and_si128(first(block), second(block + distance));
+        return _mm_and_si128(near(block + nearDistance), far(block + distance));
     };
     const auto placeIn = [](const std::uint8_t *block, __m128i found) {
         const auto mask = static_cast<unsigned>(_mm_movemask_epi8(found));
@@ -71,24 +81,46 @@ const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *at, co
     for (; end - at >= static_cast<std::ptrdiff_t>(kBlock + distance); at += kBlock)
         if (const std::uint8_t *const place = placeIn(at, test(at)); place != nullptr)
             return place;
+    // The last block looks once more at places that are done with.
+    if (const std::uint8_t *const last = end - distance - kBlock; last >= text && last + kBlock > at) {
+        const auto mask = static_cast<unsigned>(_mm_movemask_epi8(test(last))) >> (at - last);
+        if (mask != 0)
+            return at + __builtin_ctz(mask);
+        at = last + kBlock;
+    }
     stopped = at;
     return nullptr;
 }
 
-#else
-
-bool isAmong(const ByteForms &forms, std::uint8_t byte) {
-    for (unsigned i = 0; i < forms.count; ++i)
-        if (forms.bytes[i] == byte)
-            return true;
-    return false;
+// The text has a block at least.
+template <unsigned kForms>
+const std::uint8_t *skipBlocks(const std::uint8_t *at, const std::uint8_t *end, const ByteForms &forms) {
+    const BlockTest<kForms> test(forms);
+    // A mask takes the high bits: those of the bytes themselves and of the equal ones.
+    const auto stops = [&test](const std::uint8_t *block) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(block));
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(bytes, test(block))));
+    };
+    for (; end - at >= static_cast<std::ptrdiff_t>(kBlock); at += kBlock)
+        if (const unsigned mask = stops(at); mask != 0)
+            return at + __builtin_ctz(mask);
+    if (at == end)
+        return end;
+    // The last block looks once more at bytes that are done with.
+    const std::uint8_t *const last = end - kBlock;
+    const unsigned mask = stops(last) >> (at - last);
+    return mask != 0 ? at + __builtin_ctz(mask) : end;
 }
 
-template <unsigned kFirst, unsigned kSecond>
-const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *at, const std::uint8_t *end,
-                           const std::uint8_t *&stopped) {
-    for (; end - at > static_cast<std::ptrdiff_t>(filter.distance); ++at)
-        if (isAmong(filter.first, *at) && (kSecond == 0 || isAmong(filter.second, at[filter.distance])))
+#else
+
+template <unsigned kNear, unsigned kFar>
+const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *text, const std::uint8_t *at,
+                           const std::uint8_t *end, const std::uint8_t *&stopped) {
+    static_cast<void>(text);
+    for (; end - at > static_cast<std::ptrdiff_t>(filter.farDistance); ++at)
+        if (isAmong(filter.near, at[filter.nearDistance]) &&
+            (kFar == 0 || isAmong(filter.far, at[filter.farDistance])))
             return at;
     stopped = at;
     return nullptr;
@@ -108,16 +140,46 @@ bool ByteForms::add(std::uint8_t byte) {
     return true;
 }
 
-const std::uint8_t *PlaceFilter::find(const std::uint8_t *at, const std::uint8_t *end,
-                                      const std::uint8_t *&stopped) const {
-    const unsigned most = first.count > second.count ? first.count : second.count;
-    if (second.count == 0)
-        return most == 1   ? findIn<1, 0>(*this, at, end, stopped)
-               : most == 2 ? findIn<2, 0>(*this, at, end, stopped)
-                           : findIn<4, 0>(*this, at, end, stopped);
-    return most == 1   ? findIn<1, 1>(*this, at, end, stopped)
-           : most == 2 ? findIn<2, 2>(*this, at, end, stopped)
-                       : findIn<4, 4>(*this, at, end, stopped);
+const std::uint8_t *PlaceFilter::find(const std::uint8_t *text, const std::uint8_t *at,
+                                      const std::uint8_t *end, const std::uint8_t *&stopped) const {
+    const unsigned most = near.count > far.count ? near.count : far.count;
+    if (far.count == 0)
+        return most == 1   ? findIn<1, 0>(*this, text, at, end, stopped)
+               : most == 2 ? findIn<2, 0>(*this, text, at, end, stopped)
+                           : findIn<4, 0>(*this, text, at, end, stopped);
+    return most == 1   ? findIn<1, 1>(*this, text, at, end, stopped)
+           : most == 2 ? findIn<2, 2>(*this, text, at, end, stopped)
+                       : findIn<4, 4>(*this, text, at, end, stopped);
+}
+
+const std::uint8_t *skipOtherAscii(const std::uint8_t *text, const std::uint8_t *at, const std::uint8_t *end,
+                                   const ByteForms &forms) {
+#if defined(__SSE2__)
+    if (end - text >= static_cast<std::ptrdiff_t>(kBlock))
+        return forms.count <= 2 ? skipBlocks<2>(at, end, forms)
+                                : skipBlocks<ByteForms::kMost>(at, end, forms);
+#else
+    static_cast<void>(text);
+#endif
+    while (at != end && *at < 0x80 && !isAmong(forms, *at))
+        ++at;
+    return at;
+}
+
+unsigned findValue(const std::uint8_t *values, unsigned from, unsigned count, std::uint16_t value) {
+#if defined(__SSE2__)
+    const __m128i wanted = _mm_set1_epi16(static_cast<short>(value));
+    for (; count - from >= kBlock / 2; from += kBlock / 2) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(values + 2 * from));
+        const int mask = _mm_movemask_epi8(_mm_cmpeq_epi16(block, wanted));
+        if (mask != 0)
+            return from + static_cast<unsigned>(__builtin_ctz(static_cast<unsigned>(mask))) / 2;
+    }
+#endif
+    for (; from < count; ++from)
+        if (std::memcmp(values + 2 * from, &value, sizeof value) == 0)
+            break;
+    return from;
 }
 
 } // namespace velnls

@@ -1,5 +1,5 @@
-// A sieve for the places of a text where a string may begin: the bytes that can stand at its start, and those
-// that can stand at one further place. It looks at whole blocks of bytes; whoever asks proves the places that
+// A sieve for the places of a text where a string may begin: the bytes that can stand at one distance from
+// such a place, and those at another. It looks at whole blocks of bytes; whoever asks proves the places that
 // come through.
 #pragma once
 
@@ -19,14 +19,24 @@ struct ByteForms {
 };
 
 struct PlaceFilter {
-    ByteForms first;  // at least one
-    ByteForms second; // of the byte `distance` further; none: any
-    std::size_t distance = 0;
+    ByteForms near;               // at least one
+    ByteForms far;                // none: any
+    std::size_t nearDistance = 0; // from the place to the byte that `near` is about
+    std::size_t farDistance = 0;  // not below nearDistance
 
-    // The first place from `at` on that comes through. The sieve stops short of `end`: `stopped` is then the
-    // first place that it has not looked at, and the result null.
-    const std::uint8_t *find(const std::uint8_t *at, const std::uint8_t *end,
+    // The first place from `at` on that comes through, in a text of which all between `text` and `end` may be
+    // read. The sieve stops short of the end: `stopped` is then the first place that it has not looked at,
+    // and the result null.
+    const std::uint8_t *find(const std::uint8_t *text, const std::uint8_t *at, const std::uint8_t *end,
                              const std::uint8_t *&stopped) const;
 };
+
+// The first byte from `at` on that is 80 or above or one of `forms`, or the end of the text.
+const std::uint8_t *skipOtherAscii(const std::uint8_t *text, const std::uint8_t *at, const std::uint8_t *end,
+                                   const ByteForms &forms);
+
+// The index of the first of 16-bit values, from `from` on, that equals one; `count` when none does. They need
+// not be aligned.
+unsigned findValue(const std::uint8_t *values, unsigned from, unsigned count, std::uint16_t value);
 
 } // namespace velnls

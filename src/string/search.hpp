@@ -38,7 +38,7 @@ public:
     Match next(const std::uint8_t *at) {
         while (at != end_ && (at = seeker_.next(at)) != end_) {
             const std::uint8_t *behind = at;
-            if (page_.stands(pattern_, patternEnd_, behind, end_))
+            if (page_.stands(pattern_, patternEnd_, behind, end_) == Standing::Yes)
                 return {at, behind};
             at = page_.characters().characterAt(at).end();
         }

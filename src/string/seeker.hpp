@@ -13,8 +13,8 @@ public:
     // at `start`.
     Seeker(const Page &page, const std::uint8_t *run, const std::uint8_t *runEnd, const std::uint8_t *start,
            const std::uint8_t *end)
-        : page_(page), boundaries_(page.characters(), start), first_(page.characters().characterAt(run)),
-          end_(end) {
+        : page_(page), boundaries_(page.characters(), start),
+          sought_(page.soughtFor(page.characters().characterAt(run), end - start)), text_(start), end_(end) {
         if (end - start >= Page::kFilterWorth + (runEnd - run))
             filters_ = page.makeFilter(run, runEnd, filter_);
     }
@@ -24,7 +24,7 @@ public:
     const std::uint8_t *next(const std::uint8_t *at) {
         const std::uint8_t *stopped = nullptr;
         while (filters_) {
-            const std::uint8_t *const place = filter_.find(at, end_ - Page::kUnfiltered, stopped);
+            const std::uint8_t *const place = filter_.find(text_, at, end_ - Page::kUnfiltered, stopped);
             if (place == nullptr) {
                 filters_ = false;
                 at = std::min(boundaries_.from(stopped), end_);
@@ -34,13 +34,26 @@ public:
                 at = place + 1;
             }
         }
-        return page_.seek(at, end_, first_);
+        if constexpr (!Page::kFirstByteDecides) {
+            return page_.seek(text_, at, end_, sought_);
+        } else {
+            for (; at != end_; ++at) {
+                at = static_cast<const std::uint8_t *>(
+                    std::memchr(at, sought_, static_cast<std::size_t>(end_ - at)));
+                if (at == nullptr)
+                    return end_;
+                if (boundaries_.from(at) == at)
+                    break;
+            }
+            return at;
+        }
     }
 
 private:
     const Page &page_;
     Boundaries<std::remove_cvref_t<decltype(std::declval<const Page &>().characters())>> boundaries_;
-    Character first_;
+    typename Page::Sought sought_;
+    const std::uint8_t *text_;
     const std::uint8_t *end_;
     PlaceFilter filter_;
     bool filters_ = false;
