@@ -43,16 +43,18 @@ void writeBasicKeyThroughShiftJis(const nlsLocale &locale, const ShiftJisWay &wa
     if (mode > 1 || size == 0)
         return;
     std::size_t length = 0;
-    while (!text.ended()) {
-        std::uint8_t bytes[2] = {};
-        const unsigned count = takeAsShiftJis(*locale.charTable, way, text, bytes);
-        if (length + count >= size)
-            break;
+    const auto put = [&](std::uint8_t byte) {
+        if (length < size - 1)
+            key[length++] = byte;
+    };
+    ShiftJisBytes bytes(*locale.charTable, way, text);
+    while (length < size - 1 && bytes.more()) {
+        const std::uint8_t byte = bytes.take();
+        const bool pair = way.chars->trailCount(byte) != 0;
         // Only single bytes have a case in a page of one and two bytes.
-        if (count == 1 && mode == 0)
-            bytes[0] = static_cast<std::uint8_t>(foldNumber(locale, bytes[0]));
-        std::memcpy(key + length, bytes, count);
-        length += count;
+        put(pair || mode == 1 ? byte : static_cast<std::uint8_t>(foldNumber(locale, byte)));
+        if (pair && bytes.more())
+            put(bytes.take());
     }
     key[length] = 0;
 }
