@@ -1,8 +1,16 @@
-// Runs the tests of text and, at their end, prints which statuses of which exports they have seen.
+// Runs the tests of text and, at their end, prints which statuses of which exports they have seen. With
+// --write-records and a folder: writes the records that are kept beside the tests instead.
+#include "kept_records.hpp"
 #include "status_rows.hpp"
+
+#include <string_view>
 
 int main(int argc, char **argv) {
     testing::InitGoogleTest(&argc, argv);
+    if (argc == 3 && std::string_view(argv[1]) == "--write-records") {
+        writeKeptRecords(argv[2]);
+        return 0;
+    }
     fixture::watchStatusRows({
         {"nlsSortKey", {0, 2, 7, 8, 13, 16, 24, 25, 27}},
         {"nlsCompare", {0, 7, 8, 13, 16, 24, 25, 27}},

@@ -1,6 +1,7 @@
 // Locales of every shape, each beside the twin that says what its calls should answer.
 #pragma once
 
+#include "harness/world_file.hpp"
 #include "library_fixture.hpp"
 #include "model/locale.hpp"
 #include "random.hpp"
@@ -9,9 +10,6 @@
 #include <vector>
 
 namespace kit {
-
-using fixture::Bytes;
-using fixture::operator+;
 
 // What the text of a page looks like.
 enum class Script {
@@ -29,20 +27,6 @@ struct Kit {
     nlsLocale *locale;
     model::Locale twin;
 };
-
-// Tables, as they stand in the data file and in the twins.
-fixture::CharacterTable latinPage();
-fixture::CharacterTable eucPage();
-fixture::CharacterTable longPage();
-fixture::ByteCase latinCase();
-fixture::UnicodeCase unicodeCase();
-fixture::CollationTable germanWeights(unsigned char kind = 1, unsigned char variant = 1);
-fixture::CollationTable literalWeights(); // identity, so that S is 53 and the blank 20; DF expands to "SS"
-fixture::CollationTable thaiWeights();
-fixture::CollationTable japaneseWeights();
-
-// A data file with all of it.
-fixture::DataFile worldFile();
 
 class World {
 public:

@@ -40,6 +40,9 @@ public:
     std::uint32_t size; // as the call left it
     unsigned char *block = nullptr;
 
+    [[nodiscard]] const char *pageName() const {
+        return reinterpret_cast<const char *>(block) + 64;
+    }
     // The rebuilt sort data, null when there are none.
     [[nodiscard]] const unsigned char *sortBlock() const;
 

@@ -223,23 +223,6 @@ Bytes weights(const fixture::CharacterTable &characters, const ByteTable &table,
     return key;
 }
 
-// Whole characters in Shift_JIS, as many as `room` bytes take.
-Bytes shiftJisThatFits(const Locale &locale, const Bytes &text, std::size_t room) {
-    Bytes out;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t length =
-            std::min<std::size_t>(locale.trails(text[at]) != 0 ? 2 : 1, text.size() - at);
-        const Bytes character(text.begin() + static_cast<std::ptrdiff_t>(at),
-                              text.begin() + static_cast<std::ptrdiff_t>(at + length));
-        const Bytes converted = shiftJisOf(character);
-        if (out.size() + converted.size() > room)
-            break;
-        out = out + converted;
-        at += length;
-    }
-    return out;
-}
-
 bool literalSs(const Locale &locale) {
     return locale.collation->kind == 1 && locale.collation->variant == 0;
 }
@@ -316,23 +299,23 @@ Keyed sortKey(const Locale &locale, const Bytes &source, std::size_t size, unsig
             result.key.pop_back();
         return result;
     }
-    if (locale.has(fixture::kThroughShiftJis))
-        text = shiftJisThatFits(locale, text, size - 1);
-    if (selected > 1 || text.size() >= size) {
+    const bool converted = locale.has(fixture::kThroughShiftJis);
+    if (converted)
+        text = shiftJisOf(text);
+    if (selected > 1 || (!converted && text.size() >= size)) {
         result.written = false;
         return result;
     }
-    if (selected == 1) {
-        result.key = text;
-        return result;
+    if (selected == 0 && converted) {
+        Locale companion = locale;
+        companion.characters = *locale.companion;
+        text = mapCase(companion, text, text.size(), false).text;
+    } else if (selected == 0) {
+        text = mapCase(locale, text, size - 1, false).text;
     }
-    if (!locale.has(fixture::kThroughShiftJis)) {
-        result.key = mapCase(locale, text, size - 1, false).text;
-        return result;
-    }
-    Locale companion = locale;
-    companion.characters = *locale.companion;
-    result.key = mapCase(companion, text, size - 1, false).text;
+    // Of a converted text as many bytes as fit.
+    cutTo(text, size - 1);
+    result.key = text;
     return result;
 }
 
