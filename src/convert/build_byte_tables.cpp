@@ -82,7 +82,8 @@ nlsStatus buildByteTables(nlsHandle &handle, const char *source, const char *tar
         return status;
     header->type = type;
     std::memcpy(header + 1, &forward, sizeof forward);
-    if (storeTable(handle, target, source, &reverse, sizeof reverse, 0) != NLS_OK)
+    const auto isReverse = [](std::int32_t kind) { return kind == kUtf8ToByte; };
+    if (storeTable(handle, target, source, &reverse, sizeof reverse, 0, isReverse) != NLS_OK)
         return NLS_E_NOMEM;
     out = header + 1;
     return NLS_OK;

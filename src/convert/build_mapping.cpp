@@ -1,5 +1,6 @@
 #include "convert/build_mapping.hpp"
 
+#include "convert/kernels/instruction_sets.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "core/arena.hpp"
 #include "core/data_file.hpp"
@@ -51,6 +52,10 @@ nlsStatus loadSubTables(nlsHandle &handle, file::MappingGroup &group) {
     return NLS_OK;
 }
 
+bool isMappingKind(std::int32_t kind) {
+    return readsPage(kind) || kind == kUtf8ToPage || kind == kUtf8ToBytePage;
+}
+
 nlsStatus readDescriptor(nlsHandle &handle, const char *page, const char *unicode,
                          file::MappingGroup (&groups)[3]) {
     const Entry *const entry = findEntry(handle, file::kConversion, page, unicode);
@@ -66,20 +71,11 @@ nlsStatus readDescriptor(nlsHandle &handle, const char *page, const char *unicod
 } // namespace
 
 bool isMapping(const void *converter) {
-    switch (kindOf(converter)) {
-    case kPageToUtf8:
-    case kPageToUtf8Wide:
-    case kPageToUtf8Widest:
-    case kUtf8ToPage:
-    case kUtf8ToBytePage:
-        return true;
-    default:
-        return false;
-    }
+    return isMappingKind(kindOf(converter));
 }
 
 nlsStatus storeTable(nlsHandle &handle, const char *source, const char *target, const void *body,
-                     std::int32_t size, std::uint32_t proofs) {
+                     std::int32_t size, std::uint32_t proofs, bool (*fits)(std::int32_t type)) {
     Entry *const entry = findEntry(handle, file::kConversion, source, target);
     if (entry == nullptr)
         return NLS_E_ICU;
@@ -87,6 +83,8 @@ nlsStatus storeTable(nlsHandle &handle, const char *source, const char *target, 
     const auto whole = static_cast<std::int32_t>(sizeof *header) + size;
     if (const nlsStatus status = allocate(handle, whole, 8, header); status != NLS_OK)
         return status;
+    if (!fits(entry->format))
+        return NLS_OK;
     header->type = entry->format;
     header->proofs = proofs;
     std::memcpy(header + 1, body, static_cast<std::size_t>(size));
@@ -114,9 +112,10 @@ nlsStatus buildMapping(nlsHandle &handle, const char *source, const char *target
     if (loadCharTable(handle, page, charTable) != NLS_OK)
         return NLS_E_NOMEM;
     built.charTable = charTable;
-    header->proofs = proveMapping(built);
+    header->proofs = proveMapping(built) | instructionSets();
     std::memcpy(header + 1, &built, sizeof built);
-    if (const nlsStatus status = storeTable(handle, target, source, header + 1, sizeof built, header->proofs);
+    if (const nlsStatus status =
+            storeTable(handle, target, source, header + 1, sizeof built, header->proofs, isMappingKind);
         status != NLS_OK)
         return status;
     out = header + 1;

@@ -15,8 +15,9 @@ nlsStatus buildMapping(nlsHandle &handle, const char *source, const char *target
 bool isMapping(const void *converter);
 
 // Stores a copy of a body, with the header that the entry's format byte states and these proofs, as the table
-// of a pair: 0, 1, or 8 (no such entry).
+// of a pair: 0, 1, or 8 (no such entry). `fits` says of a type whether the body is one of its kind: where the
+// entry states another, nothing is stored and the pair is built from its own entry when it is asked for.
 nlsStatus storeTable(nlsHandle &handle, const char *source, const char *target, const void *body,
-                     std::int32_t size, std::uint32_t proofs);
+                     std::int32_t size, std::uint32_t proofs, bool (*fits)(std::int32_t type));
 
 } // namespace velnls

@@ -9,14 +9,19 @@ namespace velnls {
 
 namespace {
 
+// Whether a conversion's locale may stand for another of its name: one that was rebuilt from a stored record
+// goes with its caller's block, so it serves itself alone.
+bool servesFor(const nlsLocale &held, const nlsLocale &wanted) {
+    return sameName(held.codePageName, wanted.codePageName) && (held.blobSize == 0 || &held == &wanted);
+}
+
 // The names decide, not the locale objects.
 nlsConversion *findConversion(const nlsHandle &handle, const nlsLocale &source, const nlsLocale &target) {
     for (ObjectHeader *object = handle.newest; object != nullptr; object = object->next) {
         if (object->type != kConversionObject)
             continue;
         auto *const conversion = reinterpret_cast<nlsConversion *>(object);
-        if (sameName(conversion->source->codePageName, source.codePageName) &&
-            sameName(conversion->target->codePageName, target.codePageName))
+        if (servesFor(*conversion->source, source) && servesFor(*conversion->target, target))
             return conversion;
     }
     return nullptr;

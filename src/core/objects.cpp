@@ -11,4 +11,13 @@ void pushObject(nlsHandle &handle, ObjectHeader &object, ObjectType type) {
     handle.newest = &object;
 }
 
+void unlinkObject(nlsHandle &handle, ObjectHeader &object) {
+    if (handle.newest == &object)
+        handle.newest = object.next;
+    else
+        object.previous->next = object.next;
+    if (object.next != nullptr)
+        object.next->previous = object.previous;
+}
+
 } // namespace velnls

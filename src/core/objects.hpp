@@ -8,6 +8,9 @@ namespace velnls {
 // Puts a new object at the head of the list and makes it live.
 void pushObject(nlsHandle &handle, ObjectHeader &object, ObjectType type);
 
+// Takes an object off the list. Its type stays.
+void unlinkObject(nlsHandle &handle, ObjectHeader &object);
+
 inline bool isLive(const nlsHandle *handle) {
     return handle != nullptr && handle->header.type == kHandleObject;
 }

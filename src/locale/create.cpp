@@ -35,13 +35,13 @@ bool carriesName(const char *field, const char *wanted) {
 }
 
 nlsLocale *findLocale(const nlsHandle &handle, const char *codePageName, const char *collation,
-                      const char *caseTable) {
+                      const char *caseTable, Serve serve) {
     for (ObjectHeader *object = handle.newest; object != nullptr; object = object->next) {
         if (object->type != kLocaleObject)
             continue;
         auto *const locale = reinterpret_cast<nlsLocale *>(object);
-        if (sameName(locale->codePageName, codePageName) && carriesName(locale->collationName, collation) &&
-            carriesName(locale->caseTableName, caseTable))
+        if ((serve == Serve::Any || locale->blobSize == 0) && sameName(locale->codePageName, codePageName) &&
+            carriesName(locale->collationName, collation) && carriesName(locale->caseTableName, caseTable))
             return locale;
     }
     return nullptr;
@@ -89,8 +89,8 @@ std::uint32_t provePage(const CharTable &table) {
 nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale) {
     nlsLocale *companion = &locale;
     if (!sameName(locale.codePageName, kShiftJis)) {
-        const nlsStatus status =
-            createLocale(handle, kShiftJis, locale.collationName, locale.caseTableName, companion);
+        const nlsStatus status = createLocale(handle, kShiftJis, locale.collationName, locale.caseTableName,
+                                              Serve::Lasting, companion);
         if (status != NLS_OK)
             return status;
     }
@@ -99,9 +99,9 @@ nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale) {
 }
 
 nlsStatus createLocale(nlsHandle &handle, const char *codePageName, const char *collationName,
-                       const char *caseTableName, nlsLocale *&out) {
+                       const char *caseTableName, Serve serve, nlsLocale *&out) {
     out = findLocale(handle, codePageName, collationLookedFor(collationName),
-                     caseTableName == nullptr ? "" : caseTableName);
+                     caseTableName == nullptr ? "" : caseTableName, serve);
     if (out != nullptr)
         return NLS_OK;
 

@@ -6,6 +6,21 @@
 
 using namespace velnls;
 
+namespace {
+
+// Conversions of a locale whose memory goes back to the caller: nothing may find them any more.
+void unlinkConversionsOf(nlsHandle &handle, const nlsLocale &locale) {
+    for (ObjectHeader *object = handle.newest; object != nullptr; object = object->next) {
+        if (object->type != kConversionObject)
+            continue;
+        const auto &conversion = *reinterpret_cast<const nlsConversion *>(object);
+        if (conversion.source == &locale || conversion.target == &locale)
+            unlinkObject(handle, *object);
+    }
+}
+
+} // namespace
+
 nlsStatus nlsCreateLocale(nlsHandle *handle, const char *codePageName, const char *collationName,
                           const char *caseTableName, nlsLocale **locale) {
     if (!isLive(handle))
@@ -13,7 +28,8 @@ nlsStatus nlsCreateLocale(nlsHandle *handle, const char *codePageName, const cha
     if (codePageName == nullptr || locale == nullptr)
         return NLS_E_NULLARG;
     nlsLocale *made = nullptr;
-    const nlsStatus status = createLocale(*handle, codePageName, collationName, caseTableName, made);
+    const nlsStatus status =
+        createLocale(*handle, codePageName, collationName, caseTableName, Serve::Any, made);
     if (made != nullptr) // also where only its companion failed: the locale is on the list and usable
         *locale = made;
     return status;
@@ -36,12 +52,8 @@ nlsStatus nlsCloseDBLocale(nlsLocale *locale, void **block, uint32_t *size) {
     for (ObjectHeader *object = handle.newest; object != nullptr; object = object->next) {
         if (object != &locale->header)
             continue;
-        if (object == handle.newest)
-            handle.newest = object->next;
-        else
-            object->previous->next = object->next;
-        if (object->next != nullptr)
-            object->next->previous = object->previous;
+        unlinkObject(handle, *object);
+        unlinkConversionsOf(handle, *locale);
         if (locale->collation != nullptr)
             forgetCollation(*locale->collation);
         *size = locale->blobSize;

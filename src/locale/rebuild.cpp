@@ -80,7 +80,8 @@ nlsStatus takeRecordTables(const nlsDbCollation &record, BlockCarver &carver, nl
 nlsStatus takeOldTables(nlsHandle &handle, const nlsDbCollation &record, BlockCarver &carver,
                         nlsLocale &locale) {
     nlsLocale *page = nullptr;
-    if (const nlsStatus status = createLocale(handle, record.codePageName, NLS_NO_COLLATION, "basic", page);
+    if (const nlsStatus status =
+            createLocale(handle, record.codePageName, NLS_NO_COLLATION, "basic", Serve::Lasting, page);
         status != NLS_OK)
         return status;
     locale.charTable = page->charTable;
@@ -123,7 +124,8 @@ nlsStatus checkCollation(const Collation &collation) {
 nlsStatus createConversionOf(nlsHandle &handle, const nlsLocale &locale, nlsLocale &target,
                              const void *&converter) {
     nlsLocale *page = nullptr;
-    if (const nlsStatus status = createLocale(handle, locale.codePageName, NLS_NO_COLLATION, nullptr, page);
+    if (const nlsStatus status =
+            createLocale(handle, locale.codePageName, NLS_NO_COLLATION, nullptr, Serve::Lasting, page);
         status != NLS_OK)
         return status;
     nlsConversion *conversion = nullptr;
@@ -137,8 +139,8 @@ nlsStatus createConversionOf(nlsHandle &handle, const nlsLocale &locale, nlsLoca
 nlsStatus createCompanionOf(nlsHandle &handle, const nlsLocale &locale) {
     constexpr char kShiftJis[] = "shift-jis";
     nlsLocale *companion = nullptr;
-    if (const nlsStatus status =
-            createLocale(handle, kShiftJis, locale.collationName, locale.caseTableName, companion);
+    if (const nlsStatus status = createLocale(handle, kShiftJis, locale.collationName, locale.caseTableName,
+                                              Serve::Lasting, companion);
         status != NLS_OK)
         return status;
     const void *converter = nullptr;

@@ -120,13 +120,16 @@ bool isPairRectangle(const MappingBody &body) {
     const unsigned leadsLeftOut = leadGap ? group.leadGapHigh - group.leadGapLow - 1u : 0;
     if (group.firstLead < kAsciiEnd || group.lastLead < group.firstLead ||
         group.lastLead < group.leadGapHigh || group.leadShift != leadsLeftOut ||
-        (leadGap && group.leadGapHigh <= group.leadGapLow) || group.zeroCode >= kAsciiEnd)
+        (leadGap && (group.leadGapHigh <= group.leadGapLow || group.leadGapLow < group.firstLead ||
+                     group.leadGapHigh > group.lastLead)) ||
+        group.zeroCode >= kAsciiEnd)
         return false;
     const bool trailGap = group.trailGap1Low != 0xFF;
     const unsigned trailsLeftOut = trailGap ? group.trailGap1High - group.trailGap1Low - 1u : 0;
     if (group.firstTrail == 0 || group.lastTrail < group.firstTrail ||
         group.lastTrail < group.trailGap1High ||
-        (trailGap && (group.trailGap1High <= group.trailGap1Low || group.trailShift1 != trailsLeftOut)))
+        (trailGap && (group.trailGap1High <= group.trailGap1Low || group.trailGap1Low < group.firstTrail ||
+                      group.trailGap1High > group.lastTrail || group.trailShift1 != trailsLeftOut)))
         return false;
     const unsigned columns = group.lastTrail - group.firstTrail + 1u - trailsLeftOut;
     const unsigned rows = group.lastLead - group.firstLead + 1u - leadsLeftOut;
