@@ -1,0 +1,173 @@
+// The rules of LIKE one by one.
+#include "calls.hpp"
+#include "match_pages.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr model::Signs kSigns{0, '_', '%'};
+constexpr model::Signs kEscaped{'!', '_', '%'};
+constexpr nlsStatus kYes = 1;
+constexpr nlsStatus kNo = 0;
+constexpr nlsStatus kBad = static_cast<nlsStatus>(-1);
+
+nlsStatus like(const char *page, const std::string &pattern, const std::string &string,
+               std::uint16_t mode = 1, const model::Signs &signs = kSigns) {
+    return fixture::like(fixture::MatchPages::instance()[page].page, pattern, string, mode, signs);
+}
+
+const char *const kPages[] = {"single plain", "single basic",   "single thai",       "double basic",
+                              "utf8 folded",  "double weights", "utf8 without case", "long"};
+
+TEST(Like, OneCharacterOfAnyByteCountForTheOneCharacterWildcard) {
+    EXPECT_EQ(like("single plain", "a_c", "abc"), kYes);
+    EXPECT_EQ(like("single plain", "a_c",
+                   "a\xDF"
+                   "c"),
+              kYes);
+    EXPECT_EQ(like("utf8 folded", "a_c",
+                   "a\xC3\x9F"
+                   "c"),
+              kYes);
+    EXPECT_EQ(like("utf8 folded", "a_c",
+                   "a\xF0\x9F\x98\x80"
+                   "c"),
+              kYes);
+    EXPECT_EQ(like("double basic", "a_c",
+                   "a\x82\x63"
+                   "c"),
+              kYes);
+    EXPECT_EQ(like("long", "a_c",
+                   "a\xF7"
+                   "ccccccc"
+                   "c"),
+              kYes);
+    for (const char *page : kPages)
+        EXPECT_EQ(like(page, "a_c", "ac"), kNo) << page;
+}
+
+TEST(Like, TheAnyStringWildcardTakesNothingAndEverything) {
+    for (const char *page : kPages) {
+        EXPECT_EQ(like(page, "a%", "a"), kYes) << page;
+        EXPECT_EQ(like(page, "a%", "abc"), kYes) << page;
+        EXPECT_EQ(like(page, "%a", "ba"), kYes) << page;
+        EXPECT_EQ(like(page, "%", ""), kYes) << page;
+        EXPECT_EQ(like(page, "%", "abc"), kYes) << page;
+    }
+}
+
+TEST(Like, TheEmptyStringMatchesOnlyTheAnyStringWildcardAndTheEmptyPattern) {
+    for (const char *page : kPages) {
+        EXPECT_EQ(like(page, "", ""), kYes) << page;
+        for (const char *pattern : {"a", "_", "%%", "%a", "a%", "_%", "%_"})
+            EXPECT_EQ(like(page, pattern, ""), kNo) << page << ' ' << pattern;
+    }
+}
+
+TEST(Like, TheEscapeMakesALiteralOfAWildcard) {
+    for (const char *page : kPages) {
+        EXPECT_EQ(like(page, "a!%", "a%", 1, kEscaped), kYes) << page;
+        EXPECT_EQ(like(page, "a!%", "ab", 1, kEscaped), kNo) << page;
+        EXPECT_EQ(like(page, "a!_", "a_", 1, kEscaped), kYes) << page;
+        EXPECT_EQ(like(page, "a!!", "a!", 1, kEscaped), kYes) << page;
+        EXPECT_EQ(like(page, "%!%b", "a%b", 1, kEscaped), kYes) << page;
+    }
+}
+
+TEST(Like, TheEscapeBeforeAnythingElseIsBadWhenItIsReached) {
+    for (const char *page : kPages) {
+        EXPECT_EQ(like(page, "a!b", "ab", 1, kEscaped), kBad) << page;
+        EXPECT_EQ(like(page, "a!", "ab", 1, kEscaped), kBad) << page;
+        EXPECT_EQ(like(page, "a!b", "xb", 1, kEscaped), kNo) << page;
+        EXPECT_EQ(like(page, "%!b", "ab", 1, kEscaped), kNo) << page; // no match at any place
+    }
+}
+
+TEST(Like, CaseFollowsTheMode) {
+    for (const char *page : {"single plain", "single basic", "double basic", "utf8 folded"}) {
+        EXPECT_EQ(like(page, "ABC", "abc", 0), kYes) << page;
+        EXPECT_EQ(like(page, "ABC", "abc", 1), kNo) << page;
+        EXPECT_EQ(like(page, "%B%", "abc", 0), kYes) << page;
+    }
+    EXPECT_EQ(like("utf8 folded", "%\xD0\xA0%", "\xD0\xB0\xD1\x80", 0), kYes); // another lead byte
+    EXPECT_EQ(like("utf8 folded", "%\xC4\xB0%", "aib", 0), kYes);              // another length
+}
+
+TEST(Like, TheLastLiteralAbsorbsRepeatsOfItself) {
+    for (const char *page : kPages) {
+        EXPECT_EQ(like(page, "ab", "abb"), kYes) << page;
+        EXPECT_EQ(like(page, "ab", "abbb"), kYes) << page;
+        EXPECT_EQ(like(page, "ab", "ab "), kNo) << page;
+        EXPECT_EQ(like(page, "ab", "abc"), kNo) << page;
+        EXPECT_EQ(like(page, "%ab", "xabbb"), kYes) << page;
+        EXPECT_EQ(like(page, "%ab", "abbxabb"), kYes) << page;
+        EXPECT_EQ(like(page, "%ab", "abbxabbx"), kNo) << page;
+        EXPECT_EQ(like(page, "a!%", "a%%%", 1, kEscaped), kYes) << page;
+    }
+}
+
+TEST(Like, ALiteralBlankEqualsTheEndOfTheString) {
+    for (const char *page : kPages) {
+        EXPECT_EQ(like(page, "", "   "), kYes) << page;
+        EXPECT_EQ(like(page, "_ ", "a"), kYes) << page;
+        EXPECT_EQ(like(page, "a ", "a"), kNo) << page; // the string has ended with its "a"
+        EXPECT_EQ(like(page, "%_ ", "a"), kYes) << page;
+    }
+}
+
+TEST(Like, TheRestIsNeverTriedAtTheEmptyEnd) {
+    for (const char *page : kPages) {
+        EXPECT_EQ(like(page, "%%", "a"), kYes) << page;
+        EXPECT_EQ(like(page, "a%%", "a"), kNo) << page;
+        EXPECT_EQ(like(page, "a%%", "ab"), kYes) << page;
+        EXPECT_EQ(like(page, "%a%", "ba"), kYes) << page;
+        EXPECT_EQ(like(page, "%_%", "a"), kYes) << page;
+        EXPECT_EQ(like(page, "% ", "a"), kNo) << page;
+    }
+}
+
+TEST(Like, MultibyteWildcardsAreWholeCharacters) {
+    const model::Signs wide{0x8149, 0x8151, 0x8193};
+    EXPECT_EQ(like("double basic",
+                   "\x81\x93"
+                   "a\x81\x51",
+                   "xxay", 1, wide),
+              kYes);
+    EXPECT_EQ(like("double basic", "%", "abc", 1, wide), kNo);
+    EXPECT_EQ(like("double basic", "a\x81\x49\x81\x93", "a\x81\x93", 1, wide), kYes);
+    const model::Signs unicode{0, 0xEFBCBF, 0xEFBC85};
+    EXPECT_EQ(like("utf8 folded",
+                   "\xEF\xBC\x85"
+                   "b\xEF\xBC\xBF",
+                   "abc", 1, unicode),
+              kYes);
+    // Characters of five bytes and more count as "?".
+    EXPECT_EQ(like("long", "a\xF5uvwxy", "abcd", 1, {0, '_', '?'}), kYes);
+}
+
+TEST(Like, TrailBytesAreNoPlacesToMatchAt) {
+    EXPECT_EQ(like("double basic", "%a%", "\x82\x61"), kNo);
+    EXPECT_EQ(like("double basic", "%\x82\x61%", "\x82\x82\x61\x61"), kNo);
+    EXPECT_EQ(like("double basic", "%a%",
+                   "\x82\x82"
+                   "a"),
+              kYes);
+    const std::string pairs(3000, '\x82'); // all lead bytes, even and odd
+    EXPECT_EQ(like("double basic", "%\x82\x61%", pairs + "\x82\x61\x61"), kYes);
+    EXPECT_EQ(like("double basic", "%\x82\x61%", pairs + "\x82\x82\x61\x61"), kNo);
+    EXPECT_EQ(like("utf8 folded", "%a%",
+                   "\xC3"
+                   "a"),
+              kNo); // inside a broken character
+}
+
+TEST(Like, EqualBytesAreNotNeeded) {
+    EXPECT_EQ(like("single merged", "%\xE1%", "xxax"), kYes);
+    EXPECT_EQ(like("single merged", "%\xE1%", std::string(500, 'x') + "\xE4" + std::string(500, 'x')), kYes);
+    // A character of weight 0 equals a single "s" when it is compared alone.
+    EXPECT_EQ(like("single zero", "%s%", "x\xDFx"), kYes);
+    EXPECT_EQ(like("single zero", "%\xDF%", std::string(500, 'x') + "s" + std::string(500, 'x')), kYes);
+}
+
+} // namespace
