@@ -162,6 +162,18 @@ TEST(InputFile, MissingHasExitCode2AndNothingIsWritten) {
     EXPECT_EQ(result.err, "velnls: " + missing + ": No such file or directory\n");
 }
 
+TEST(InputFile, ThatIsANamedPipeIsOpenedOnce) {
+    const Folder folder;
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (int round = 0; round < 20; ++round) {
+        const Result result =
+            runShell("printf hello > '" + pipe + "' & timeout 10 \"$VELNLS\" convert -f 1252 '" + pipe + "'");
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.out, "hello");
+    }
+}
+
 TEST(InputFile, ThatIsAFolderHasExitCode2) {
     const Result result = runTool({"convert", "/"});
     EXPECT_EQ(result.exitCode, 2);

@@ -55,15 +55,13 @@ int account(const Report &report, const ConvertOptions &options, const Page &tar
     return lost && !options.lossy ? kExitSubstituted : kExitDone;
 }
 
-// The bytes of all inputs together, when they are known: nothing when one of them is a pipe.
+// The bytes of all inputs together, when they are known: nothing when one of them is a pipe. Every input is
+// looked at, so that one that is missing is found before anything is written.
 std::optional<std::uint64_t> totalSize(const std::vector<std::string> &files) {
-    std::uint64_t total = 0;
+    std::optional<std::uint64_t> total = 0;
     for (const std::string &file : files) {
-        const std::optional<std::uint64_t> size = Input(file).size();
-        if (!size) {
-            return std::nullopt;
-        }
-        total += *size;
+        const std::optional<std::uint64_t> size = Input::sizeOf(file);
+        total = total && size ? std::optional(*total + *size) : std::nullopt;
     }
     return total;
 }
@@ -82,7 +80,6 @@ int runConvert(const ConvertOptions &options) {
 
     const std::vector<std::string> files =
         options.files.empty() ? std::vector<std::string>{"-"} : options.files;
-    // Opens every input once before anything is written.
     const std::optional<std::uint64_t> total = totalSize(files);
     Output output(options.output);
     Progress progress = terminalProgress(total, output.descriptor());

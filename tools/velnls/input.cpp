@@ -43,9 +43,14 @@ std::size_t Input::read(unsigned char *buffer, std::size_t size) {
     }
 }
 
-std::optional<std::uint64_t> Input::size() const {
+std::optional<std::uint64_t> Input::sizeOf(const std::string &path) {
     struct stat facts = {};
-    if (::fstat(descriptor_, &facts) != 0 || !S_ISREG(facts.st_mode)) {
+    const bool standard = path == "-";
+    const int failed = standard ? ::fstat(STDIN_FILENO, &facts) : ::stat(path.c_str(), &facts);
+    if (failed != 0 || (!standard && ::access(path.c_str(), R_OK) != 0)) {
+        throw std::system_error(errno, std::generic_category(), standard ? "(standard input)" : path);
+    }
+    if (!S_ISREG(facts.st_mode)) {
         return std::nullopt;
     }
     return static_cast<std::uint64_t>(facts.st_size);

@@ -19,8 +19,9 @@ public:
 
     // Up to "size" bytes; 0 at the end.
     std::size_t read(unsigned char *buffer, std::size_t size);
-    // Bytes of a regular file; nothing for pipes and devices.
-    std::optional<std::uint64_t> size() const;
+    // Bytes of a regular file that can be read; nothing for pipes and devices. Opens nothing: what goes into
+    // a named pipe while it is open is gone when it is closed again. "-" stands for standard input.
+    static std::optional<std::uint64_t> sizeOf(const std::string &path);
     // Whether it is the same regular file, not empty, that "descriptor" writes to.
     bool isFileOf(int descriptor) const;
 
