@@ -329,8 +329,7 @@ NLS_API nlsStatus nlsGetIntNLSProperty(nlsHandle *handle, int32_t property, uint
  *   'property'  each item
  *   2           a code page
  *   7           a code page, " ", a collation. Behind the item of "UTF-8" follow ",UTF-8 ICU-UCA" and so
- *               on: the
- *               55 names of ICU collations, whether or not ICU is there
+ *               on: the 55 names of ICU collations, whether or not ICU is there
  *   8           a code page, " ", a case table
  *   9           a code page, " -> ", a code page: a conversion
  *
@@ -774,9 +773,10 @@ NLS_API nlsStatus nlsFindRtrimPtrBack(nlsLocale *locale, const char *trimSet, ch
  *   1   the lent memory is used up
  *   8   there is no such conversion, or its tables cannot be used
  *   21  a table could not be read in full
+ *   22  the characters of a byte table cannot be told apart
  *   0   '*conversion' is written
  *
- * After 1, 8 and 21 the memory taken stays taken, and a later call tries again from the start.
+ * After 1, 8, 21 and 22 the memory taken stays taken, and a later call tries again from the start.
  */
 NLS_API nlsStatus nlsCreateConversion(nlsHandle *handle, nlsLocale *source, nlsLocale *target,
                                       nlsConversion **conversion);
@@ -805,8 +805,8 @@ NLS_API nlsStatus nlsCreateConversion(nlsHandle *handle, nlsLocale *source, nlsL
  *   chain (7)                                                both steps' product; the second's value
  *
  * For every converter, also where 17 has no value (-), a destination of 4 times the source's bytes and 4
- * more is large enough for the output and its terminator; so is 17 times the source's bytes and 4 more
- * where it has one.
+ * more is large enough for the output and its terminator; so is property 17 times the source's bytes
+ * and 4 more where it has one, but for kind 51.
  *
  * Returns:
  *   13  'conversion' is null or the handle of one of its locales closed
@@ -864,7 +864,8 @@ NLS_API nlsStatus nlsGetStrConversionProperty(nlsConversion *conversion, int32_t
  *   Buffers       'source' and 'destination' must not overlap.
  *
  * ONE BYTE BEHIND THE SOURCE IS READ BY CONVERSIONS FROM UTF-8 WHEN ITS LAST CHARACTER IS SHORT BY EXACTLY
- * ONE BYTE, AND TAKEN AS ITS LAST BYTE: IT MUST BE THE TEXT'S TERMINATING NUL, OR AT LEAST READABLE.
+ * ONE BYTE, AND TAKEN AS ITS LAST BYTE: IT MUST BE THE TEXT'S TERMINATING NUL, OR AT LEAST READABLE. The
+ * calls that convert the terminator too (nlsConvertNLSCheck, nlsConvertToUCS2) read nothing behind it.
  */
 
 /*
@@ -882,9 +883,9 @@ NLS_API nlsStatus nlsGetStrConversionProperty(nlsConversion *conversion, int32_t
  *   13  'conversion' is null or the handle of one of its locales closed
  *   26  'conversion' is not a conversion
  *   16  'source', 'destination' or one of their buffers is null (an empty source needs no buffer)
- *   16  a chain without intermediate buffer, or with one of size 0
  *   2   the output and its terminator do not fit: what fitted stands and the length counts it. A terminator
  *       follows only where there is room for it. This is reported before the results below
+ *   16  a chain without intermediate buffer, or with one of size 0
  *   16  malformed input, see above
  *   33  surrogates out of pair in UTF-32
  *   8   ICU could not convert
@@ -1004,10 +1005,11 @@ NLS_API nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *sour
  *   2   the key fills the buffer, or ICU had to cut it
  *   0   the key is written
  *
- * A key of a weight table that does not fit is cut to 'keySize' - 1 bytes, and the call returns 0. A source
- * that is too long for a BASIC key, and a mode that selects no table, leave 'key' as it was, and the length
- * of what stands there is returned. In two cases keys and compares differ on purpose: an expanding
- * character at the end of a string, and collations whose variant writes "SS" for it.
+ * A key of a weight table that does not fit is cut to 'keySize' - 1 bytes, and the call returns 0. A
+ * mode that selects no table gives an empty key under weights. A source that is too long for a BASIC
+ * key, and a mode that BASIC does not know, leave 'key' as it was, and the length of what stands there
+ * is returned. In two cases keys and compares differ on purpose: an expanding character at the end of a
+ * string, and collations whose variant writes "SS" for it.
  */
 NLS_API nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t mode, uint16_t trim,
                              unsigned char *key, uint16_t *keyLength);
@@ -1076,6 +1078,9 @@ NLS_API nlsStatus nlsIsSortNeeded(nlsLocale *locale, uint32_t *flag);
  *   25  a key is asked for and the locale has no collation
  *   29  a word of more than 184 bytes was cut to 184; '*string' is behind the whole word
  *   0   a word
+ *
+ * Keys are made from weights alone, whatever the collation's kind: under BASIC, which has none, the key is
+ * empty.
  */
 NLS_API nlsStatus nlsGetNextWord(nlsLocale *locale, char **string, int16_t mode, char *word, int32_t size,
                                  uint32_t *length);

@@ -29,7 +29,7 @@ if [ ! -s "$folder/text" ]; then
     echo "no manual pages for: $*"
     exit 77
 fi
-# iconv -c tells by its exit code that it left something out, which is what it is here for.
+# Some releases of iconv tell by the exit code of -c that something was left out.
 iconv -c -f UTF-8 -t UTF-8 "$folder/text" > "$folder/clean" || true
 iconv -c -f UTF-8 -t "$iconv_name" "$folder/clean" > "$folder/page" || true
 iconv -f "$iconv_name" -t UTF-8 "$folder/page" > "$folder/utf8"
