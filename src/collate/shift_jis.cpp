@@ -39,8 +39,12 @@ unsigned takeAsShiftJis(const CharTable &pageChars, const ShiftJisWay &way, Text
     if (pageChars.trailCount(character[0]) != 0 && !text.ended())
         character[length++] = *text.at++;
     std::uint32_t written = 0;
-    const nlsStatus status =
-        convert({out, sizeof out, character, length, nullptr, 0, way.converter, &written, false});
+    const nlsStatus status = convert({.destination = out,
+                                      .capacity = sizeof out,
+                                      .source = character,
+                                      .sourceLength = length,
+                                      .converter = way.converter,
+                                      .written = &written});
     if ((status == NLS_OK || status == NLS_R_SUBSTITUTED) && written >= 1 && written <= sizeof out)
         return written;
     // What cannot be converted is weighed as it stands.

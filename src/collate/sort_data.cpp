@@ -1,6 +1,5 @@
 #include "collate/sort_data.hpp"
 
-#include "convert/build.hpp"
 #include "core/text.hpp"
 
 #include <cstring>

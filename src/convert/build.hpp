@@ -14,7 +14,4 @@ inline constexpr std::uint32_t kStrict = 1; // refuse byte maps that are not one
 nlsStatus buildConverter(nlsHandle &handle, const char *source, const char *target, std::uint32_t flags,
                          const void *&out);
 
-// The 256 bytes of a single-byte conversion; null for any other converter.
-const std::uint8_t *byteMapOf(const void *converter);
-
 } // namespace velnls

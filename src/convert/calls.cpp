@@ -17,12 +17,7 @@ bool lacksBuffer(const nlsStr &string) {
 
 // Bytes of the terminator behind a converter's output; a chain's is that of its second step.
 std::uint32_t terminatorWidth(const void *converter) {
-    std::int32_t kind = kindOf(converter);
-    while (kind == kChain) {
-        converter = static_cast<const ChainBody *>(converter)->second;
-        kind = kindOf(converter);
-    }
-    switch (kind) {
+    switch (kindOf(lastStepOf(converter))) {
     case kUtf8ToUcs2:
     case kUtf8ToUtf16:
     case kUtf32ToUtf16:
@@ -48,10 +43,14 @@ nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr 
     const auto sourceLength = static_cast<std::int32_t>(source->length); // both may be one record
     destination->length = 0; // what stands when nothing is converted
     const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
-    const nlsStatus status =
-        convert({bytes(destination->buffer), destination->size, bytes(source->buffer), sourceLength,
-                 chained ? bytes(intermediate->buffer) : nullptr, chained ? intermediate->size : 0, converter,
-                 &destination->length, false});
+    const nlsStatus status = convert({.destination = bytes(destination->buffer),
+                                      .capacity = destination->size,
+                                      .source = bytes(source->buffer),
+                                      .sourceLength = sourceLength,
+                                      .intermediate = chained ? bytes(intermediate->buffer) : nullptr,
+                                      .intermediateCapacity = chained ? intermediate->size : 0,
+                                      .converter = converter,
+                                      .written = &destination->length});
     const std::uint32_t width = terminatorWidth(converter);
     if (std::uint64_t{destination->length} + width > destination->size)
         return NLS_E_BUFFER;
@@ -67,9 +66,14 @@ nlsStatus nlsConvertNLSCheck(nlsConversion *conversion, const nlsStr *source, nl
         destination->buffer == nullptr)
         return NLS_E_NULLARG;
     destination->length = 0;
-    const nlsStatus status = convert({bytes(destination->buffer), destination->size, bytes(source->buffer),
-                                      static_cast<std::int32_t>(source->length + 1), nullptr, 0,
-                                      conversion->converter, &destination->length, true, 0});
+    const nlsStatus status = convert({.destination = bytes(destination->buffer),
+                                      .capacity = destination->size,
+                                      .source = bytes(source->buffer),
+                                      .sourceLength = static_cast<std::int32_t>(source->length + 1),
+                                      .converter = conversion->converter,
+                                      .written = &destination->length,
+                                      .check = true,
+                                      .behind = 0});
     const std::uint32_t length = destination->length;
     if (length != 0 && length <= destination->size && destination->buffer[length - 1] == '\0')
         destination->length = length - 1;
@@ -91,9 +95,12 @@ nlsStatus nlsConvertFromUCS2(nlsConversion *conversion, const void *source, uint
     if (source == nullptr || destination == nullptr || destination->buffer == nullptr)
         return NLS_E_NULLARG;
     destination->length = 0;
-    return convert({bytes(destination->buffer), destination->size, static_cast<const std::uint8_t *>(source),
-                    static_cast<std::int32_t>(length), nullptr, 0, conversion->converter,
-                    &destination->length, false});
+    return convert({.destination = bytes(destination->buffer),
+                    .capacity = destination->size,
+                    .source = static_cast<const std::uint8_t *>(source),
+                    .sourceLength = static_cast<std::int32_t>(length),
+                    .converter = conversion->converter,
+                    .written = &destination->length});
 }
 
 nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *source, uint32_t capacity,
@@ -102,7 +109,11 @@ nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *source, uint
         return status;
     if (source == nullptr || source->buffer == nullptr || destination == nullptr || written == nullptr)
         return NLS_E_NULLARG;
-    return convert({static_cast<std::uint8_t *>(destination), capacity, bytes(source->buffer),
-                    static_cast<std::int32_t>(source->length + 1), nullptr, 0, conversion->converter, written,
-                    false, 0});
+    return convert({.destination = static_cast<std::uint8_t *>(destination),
+                    .capacity = capacity,
+                    .source = bytes(source->buffer),
+                    .sourceLength = static_cast<std::int32_t>(source->length + 1),
+                    .converter = conversion->converter,
+                    .written = written,
+                    .behind = 0});
 }

@@ -66,12 +66,7 @@ nlsStatus expansion(const void *converter, std::uint32_t &value) {
 
 // The most bytes of one character in the output; `byteMapWidth` is that of the target page.
 nlsStatus outputWidth(const void *converter, std::uint32_t byteMapWidth, std::uint32_t &value) {
-    std::int32_t kind = kindOf(converter);
-    while (kind == kChain) {
-        converter = static_cast<const ChainBody *>(converter)->second;
-        kind = kindOf(converter);
-    }
-    switch (kind) {
+    switch (kindOf(lastStepOf(converter))) {
     case kByteMap:
         value = byteMapWidth;
         return NLS_OK;
@@ -142,15 +137,11 @@ nlsStatus nlsGetIntConversionProperty(nlsConversion *conversion, int32_t id, uin
     switch (id) {
     case kExpansion:
         return expansion(converter, *value);
-    case kOutputWidth: {
-        // Read before the kind is looked at, so that its failure is reported for every kind.
-        std::uint32_t targetWidth = 0;
-        constexpr std::int32_t kMaxBytes = 3;
-        if (const nlsStatus status = nlsGetIntLocaleProperty(conversion->target, kMaxBytes, &targetWidth);
-            status != NLS_OK)
+    case kOutputWidth:
+        // The target is looked at first, whatever the kind.
+        if (const nlsStatus status = checkLocale(conversion->target); status != NLS_OK)
             return status;
-        return outputWidth(converter, targetWidth, *value);
-    }
+        return outputWidth(converter, maxBytes(*conversion->target->charTable), *value);
     case kIsChain:
         *value = kindOf(converter) == kChain;
         return NLS_OK;

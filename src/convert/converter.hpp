@@ -70,6 +70,13 @@ inline std::int32_t kindOf(const void *body) {
     return type >= kFirstByteMapType ? kByteMap : (type & ~kVariantBits) & 0xFFFF;
 }
 
+// The 256 bytes of a single-byte conversion; null for any other converter.
+inline const std::uint8_t *byteMapOf(const void *converter) {
+    const bool whole = converter != nullptr && kindOf(converter) == kByteMap &&
+                       (headerOf(converter).proofs & kWholeByteMap) != 0;
+    return whole ? static_cast<const std::uint8_t *>(converter) : nullptr;
+}
+
 // Body of kinds 17, 18, 50, 81, 89: three code range blocks and the character table of the page side.
 struct [[gnu::packed]] MappingBody {
     file::MappingGroup groups[3]; // first, second, third; tried in the order third, first, second
@@ -99,6 +106,13 @@ struct [[gnu::packed]] ChainBody {
     const void *first;
     const void *second;
 };
+
+// The converter that makes the output: of a chain the second step, followed as far as it goes.
+inline const void *lastStepOf(const void *converter) {
+    while (kindOf(converter) == kChain)
+        converter = static_cast<const ChainBody *>(converter)->second;
+    return converter;
+}
 
 } // namespace velnls
 

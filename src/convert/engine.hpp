@@ -9,12 +9,12 @@ struct Request {
     std::uint8_t *destination;
     std::uint32_t capacity;
     const std::uint8_t *source;
-    std::int32_t sourceLength;  // bytes, of UTF-16 and UTF-32 too
-    std::uint8_t *intermediate; // for a chain's first step; null: none
-    std::uint32_t intermediateCapacity;
+    std::int32_t sourceLength;            // bytes, of UTF-16 and UTF-32 too
+    std::uint8_t *intermediate = nullptr; // for a chain's first step; null: none
+    std::uint32_t intermediateCapacity = 0;
     const void *converter;  // null: plain copy
     std::uint32_t *written; // left alone where nothing is converted
-    bool check;             // report NLS_R_CHANGED when the text changes
+    bool check = false;     // report NLS_R_CHANGED when the text changes
     std::ptrdiff_t behind =
         1; // bytes behind the source that UTF-8 decoders may read: its terminator, or none
 };

@@ -137,7 +137,7 @@ nlsStatus nlsGetIntLocaleProperty(nlsLocale *locale, int32_t id, uint32_t *value
     const bool multibyte = table.has(file::kMultibyte);
     switch (id) {
     case kMaxBytes:
-        *value = table.has(kUnicodeForms) ? 4 : multibyte ? 2 : 1;
+        *value = maxBytes(table);
         return NLS_OK;
     case kCollationsLength:
         *value = lengthOf(*locale, [](auto &from, auto &sink) { listCollations(from, sink); });

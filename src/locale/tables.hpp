@@ -29,6 +29,11 @@ static_assert(sizeof(CharTable) == 792);
 static_assert(offsetof(CharTable, count) == 768);
 static_assert(offsetof(CharTable, flags) == 788);
 
+// The most bytes of one character: 4 in the Unicode forms.
+inline std::uint32_t maxBytes(const CharTable &table) {
+    return table.has(file::kUtf8 | file::kWide | file::kUnits32) ? 4 : table.has(file::kMultibyte) ? 2 : 1;
+}
+
 struct [[gnu::packed]] ByteCaseTable {
     std::uint32_t count;
     std::uint8_t upper[256];
