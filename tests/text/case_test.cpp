@@ -167,6 +167,15 @@ TEST(CaseMapping, Utf8CharactersWithOtherLeadBytesPass) {
     EXPECT_EQ(mapped(utf8, {0xEF, 0x80, 0x83}, kLower), (Bytes{0xEF, 0x81, 0x85}));
 }
 
+TEST(CaseMapping, BytesThatAreNoUtf8FallOnThePageThatTheirNumberGives) {
+    World world;
+    nlsLocale *const utf8 = world["UTF-8 BASIC"].locale;
+    EXPECT_EQ(mapped(utf8, {0xE1}, kUpper), "A"_b) << "page 0, the index of the letter a";
+    // Numbered behind the lead's own pages, on page 0 again: the counterpart of g with the lead byte before it.
+    EXPECT_EQ(mapped(utf8, {0xEF, 0xFF, 0xE7}, kUpper), (Bytes{0xEF, 0x00, 'G'}));
+    EXPECT_EQ(mapped(utf8, {0xC3, 0xFF}, kLower), (Bytes{0xC3, 0xFF})) << "an index behind its page";
+}
+
 TEST(CaseMapping, Utf8CharactersOfFourBytesBecomeQuestionMarks) {
     World world;
     nlsLocale *const utf8 = world["UTF-8 BASIC"].locale;
