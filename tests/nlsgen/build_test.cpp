@@ -43,15 +43,26 @@ TEST(Build, ReportsTheCountsOfBothFiles) {
     std::ostringstream report;
     build(realSources(), folder.path().string(), report);
     EXPECT_NE(
-        report.str().find("velnls.dat: 685 entries (53 character sets, 51 case tables, 53 collations, 528 "
+        report.str().find("velnls.dat: 774 entries (53 character sets, 51 case tables, 142 collations, 528 "
                           "conversions), "),
         std::string::npos);
     EXPECT_NE(
-        report.str().find("velnls-small.dat: 263 entries (53 character sets, 51 case tables, 53 collations, "
+        report.str().find("velnls-small.dat: 352 entries (53 character sets, 51 case tables, 142 collations, "
                           "106 conversions), "),
         std::string::npos);
     for (const char *name : {"velnls.dat", "velnls-small.dat"})
         EXPECT_FALSE(firstFault(bytesOfFile(folder.path() / name)).has_value()) << name;
+}
+
+TEST(Build, FilesKeepToTheirSizes) {
+    EXPECT_LT(layOut(realPlan().entries).size(), 1'500'000U);
+    // The first block of the smallest size: handle and descriptor, the directory, then a locale with its
+    // character table, collation and byte case table.
+    constexpr std::size_t kSmallestFirstBlock = 25000;
+    constexpr std::size_t kHandle = 96 + 24;
+    constexpr std::size_t kFirstLocale = 136 + 792 + 576 + 516;
+    EXPECT_LE(kHandle + smallEntries(realPlan().entries).size() * sizeof(file::Entry) + kFirstLocale,
+              kSmallestFirstBlock);
 }
 
 struct Count {

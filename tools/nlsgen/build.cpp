@@ -26,6 +26,7 @@ Bytes finishedFile(const std::vector<PlannedEntry> &entries, const DataPlan &pla
     }
     Bytes bytes = layOut(entries);
     verifyMappings(bytes, plan.pages);
+    verifyCollations(bytes, plan.collations);
     return bytes;
 }
 

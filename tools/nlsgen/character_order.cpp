@@ -10,10 +10,12 @@
 
 namespace velnls::nlsgen {
 
-void CharacterOrder::append(std::uint32_t codePoint, bool sameLetterAsPrevious) {
-    if (!sameLetterAsPrevious || letters_ == 0)
+void CharacterOrder::append(std::uint32_t codePoint, Difference fromPrevious, unsigned form) {
+    if (fromPrevious != Difference::kForm || letters_ == 0)
         letters_++;
-    ranks_.emplace(codePoint, Rank{static_cast<unsigned>(ranks_.size()), letters_});
+    if (fromPrevious == Difference::kLetter || bases_ == 0)
+        bases_++;
+    ranks_.emplace(codePoint, Rank{static_cast<unsigned>(ranks_.size()), letters_, bases_, form});
 }
 
 Rank CharacterOrder::rankOf(std::uint32_t codePoint) const {
@@ -96,8 +98,11 @@ CharacterOrder readDefaultOrder(const std::string &path, const std::set<std::uin
     const SortKey *previous = nullptr;
     for (const auto &[key, codePoint] : sorted) {
         const bool ignorable = key[0].empty() && key[1].empty();
-        order.append(codePoint, previous != nullptr && !ignorable && key[0] == (*previous)[0] &&
-                                    key[1] == (*previous)[1]);
+        auto difference = Difference::kLetter;
+        if (previous != nullptr && !ignorable && key[0] == (*previous)[0])
+            difference = key[1] == (*previous)[1] ? Difference::kForm : Difference::kAccent;
+        // The accents' own tertiary weights come behind the letter's.
+        order.append(codePoint, difference, key[2].empty() ? 0 : key[2][0]);
         previous = &key;
     }
     return order;
@@ -111,12 +116,12 @@ CharacterOrder readOrderList(const std::string &path) {
         const auto words = wordsOf(std::string_view(text).substr(0, text.find('#')));
         const bool ignorable = !words.empty() && words[0] == "ignorable";
         bool expectCharacter = true;
-        bool sameLetter = false;
+        auto difference = Difference::kLetter;
         for (std::size_t i = ignorable ? 1 : 0; i < words.size(); i++) {
             if (!expectCharacter) {
                 if (words[i] != "<<" && words[i] != "<<<")
                     throw Problem(path, line, "expected << or <<<, found " + std::string(words[i]));
-                sameLetter = words[i] == "<<<";
+                difference = words[i] == "<<<" ? Difference::kForm : Difference::kAccent;
                 expectCharacter = true;
                 continue;
             }
@@ -127,7 +132,7 @@ CharacterOrder readOrderList(const std::string &path) {
             if (order.has(codePoint))
                 throw Problem(path, line,
                               "expected each character once, found " + unicodeName(codePoint) + " again");
-            order.append(codePoint, sameLetter);
+            order.append(codePoint, difference);
             expectCharacter = ignorable;
         }
         if (expectCharacter && !ignorable && !words.empty())

@@ -2,14 +2,15 @@
 
 #include "case_table.hpp"
 #include "conversion_types.hpp"
+#include "file_lookup.hpp"
 #include "file_view.hpp"
+#include "language_plan.hpp"
 #include "mapping_checker.hpp"
 #include "name_compare.hpp"
 #include "problem.hpp"
 
 #include <algorithm>
 #include <array>
-#include <bitset>
 #include <map>
 #include <set>
 #include <tuple>
@@ -25,6 +26,8 @@ std::string Fault::text() const {
 namespace {
 
 constexpr int kByteCount = 256;
+constexpr std::uint32_t kNoCharacter = 0xFFFFFFFF;
+constexpr std::uint32_t kCapitalSharpS = 0x1E9E;
 constexpr std::uint8_t kKnownFlags = file::kBorrowsCollation | file::kMultibyte | file::kThroughShiftJis |
                                      file::kUtf8 | file::kWide | file::kUnits32;
 constexpr std::uint8_t kKnownAttributes = file::kTrailCountMask | file::kOneColumn;
@@ -41,6 +44,12 @@ public:
             for (const EntryView &entry : entries_) {
                 current_ = &entry;
                 checkEntry();
+            }
+            // What weights mean needs the pages' mappings, which are sound by now.
+            for (const EntryView &entry : entries_) {
+                current_ = &entry;
+                if (entry.kind == file::kCollation)
+                    checkMeaningOfWeights();
             }
             return std::nullopt;
         } catch (const Fault &fault) {
@@ -259,17 +268,72 @@ private:
         expect(std::memcmp(area, "BASIC", sizeof "BASIC") == 0, offset, "BASIC and its NUL");
     }
 
+    // Weights may be shared when case counts only where the name says that accents do not count: then by
+    // forms that share the other weight too.
     void checkWeights(const file::Collation &table, std::size_t offset) const {
-        std::bitset<kByteCount> seen;
+        const bool shared = foldedName(current_->name2) == foldedName(std::string(kNoAccentsName));
+        std::array<int, kByteCount> insensitive;
+        insensitive.fill(-1);
         for (std::size_t byte = 1; byte < kByteCount; byte++) {
             const std::uint8_t weight = table.caseSensitive[byte];
             expect((weight == 0) == (table.caseInsensitive[byte] == 0),
                    offset + offsetof(file::Collation, caseInsensitive) + byte,
                    "weight 0 in both tables or in none");
-            expect(weight == 0 || !seen[weight], offset + offsetof(file::Collation, caseSensitive) + byte,
+            int &before = insensitive[weight];
+            expect(weight == 0 || before < 0 || shared,
+                   offset + offsetof(file::Collation, caseSensitive) + byte,
                    "a weight of its own for each byte in the case-sensitive table");
-            seen[weight] = true;
+            expect(weight == 0 || before < 0 || before == table.caseInsensitive[byte],
+                   offset + offsetof(file::Collation, caseInsensitive) + byte,
+                   "the same weight for bytes that share one in the case-sensitive table");
+            before = table.caseInsensitive[byte];
         }
+    }
+
+    // The blank ranks below letters and digits, and only a sharp s weighs 0, in a page with s where the
+    // library looks for its weight. A page without a mapping to Unicode may be anything.
+    void checkMeaningOfWeights() const {
+        const EntryView &entry = *current_;
+        const auto offset = static_cast<std::size_t>(entry.offset);
+        const auto table = file_.at<file::Collation>(offset);
+        const EntryView *toUtf8 = find(file::kConversion, entry.name, "UTF-8");
+        if (table.kind == file::kBasic || table.kind == file::kSortExit || toUtf8 == nullptr ||
+            !isMappingType(conversionType(file_, *toUtf8)))
+            return;
+        const FileLookup lookup(file_.bytes(), static_cast<std::size_t>(toUtf8->offset));
+        std::array<std::uint32_t, kByteCount> characters;
+        for (std::uint16_t byte = 0; byte < kByteCount; byte++)
+            characters[byte] = lookup.toUnicode(byte).value_or(byte < 0x7F ? byte : kNoCharacter);
+        const auto *blank = std::find(characters.begin(), characters.end(), std::uint32_t{' '});
+        if (blank == characters.end())
+            return;
+        const auto blankByte = static_cast<std::size_t>(blank - characters.begin());
+        const EntryView *page = find(file::kCharSet, entry.name, "");
+        const auto charTable = file_.at<file::CharTable>(static_cast<std::size_t>(page->offset));
+        for (std::size_t byte = 1; byte < kByteCount; byte++) {
+            const std::uint32_t character = characters[byte];
+            const std::size_t place = offset + offsetof(file::Collation, caseSensitive) + byte;
+            if (table.caseSensitive[byte] == 0) {
+                expect(table.kind == file::kWeights && (character == kSharpS || character == kCapitalSharpS),
+                       place, "weight 0 of a sharp s only");
+                expect(characters['s'] == 's', place, "no weight 0 in a page that has no s at 73");
+                continue;
+            }
+            if (!isLetterOrDigit(character, charTable.classes[byte]))
+                continue;
+            expect(table.caseSensitive[byte] > table.caseSensitive[blankByte], place,
+                   "a letter or digit to weigh more than the blank");
+            expect(table.caseInsensitive[byte] > table.caseInsensitive[blankByte],
+                   offset + offsetof(file::Collation, caseInsensitive) + byte,
+                   "a letter or digit to weigh more than the blank");
+        }
+    }
+
+    // A class above 0 marks letters that are not ASCII, or not at their ASCII places.
+    static bool isLetterOrDigit(std::uint32_t character, std::uint8_t byteClass) {
+        const std::uint32_t folded = character | 0x20;
+        return character != kTatweel &&
+               (byteClass != 0 || (folded >= 'a' && folded <= 'z') || (character >= '0' && character <= '9'));
     }
 
     void checkConversion() const {

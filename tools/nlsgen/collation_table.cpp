@@ -1,5 +1,6 @@
 #include "collation_table.hpp"
 
+#include "language_plan.hpp"
 #include "number_field.hpp"
 
 #include <algorithm>
@@ -54,6 +55,13 @@ std::vector<std::uint8_t> bytesInOrder(const Page &page, const CharacterOrder &o
     return bytes;
 }
 
+bool isLetterOrDigit(const Page &page, std::uint32_t byte) {
+    const std::uint32_t character = page.toUnicode(byte);
+    const std::uint32_t folded = character | 0x20;
+    return character != kTatweel && (page.classes[byte] != 0 || (folded >= 'a' && folded <= 'z') ||
+                                     (character >= '0' && character <= '9'));
+}
+
 } // namespace
 
 file::Collation makeWeights(const Page &page, const CharacterOrder &order,
@@ -72,6 +80,37 @@ file::Collation makeWeights(const Page &page, const CharacterOrder &order,
         record.caseSensitive[byte] = expanding.contains(character) ? 0 : weight;
         record.caseInsensitive[byte] = expanding.contains(character) ? 0 : shared;
         previous = character;
+    }
+    return record;
+}
+
+file::Collation makeNoAccentsWeights(const Page &page, const CharacterOrder &order) {
+    file::Collation record = emptyRecord(file::kWeights);
+    std::vector<std::uint8_t> bytes = bytesInOrder(page, order);
+    // An undefined byte is a letter of its own.
+    const auto placeOf = [&](std::uint8_t byte) {
+        const std::uint32_t character = page.toUnicode(byte);
+        if (character == kNone)
+            return std::pair(0x10000U + byte, 0U);
+        const Rank rank = order.rankOf(character);
+        return std::pair(rank.base, rank.form);
+    };
+    std::stable_sort(bytes.begin(), bytes.end(),
+                     [&](std::uint8_t a, std::uint8_t b) { return placeOf(a) < placeOf(b); });
+    std::uint8_t weight = 0;
+    std::uint8_t ofForm = 0;
+    std::uint8_t ofBase = 0;
+    std::pair<unsigned, unsigned> previous;
+    for (const std::uint8_t byte : bytes) {
+        const auto place = placeOf(byte);
+        weight++;
+        if (weight == 1 || place != previous)
+            ofForm = weight;
+        if (weight == 1 || place.first != previous.first)
+            ofBase = weight;
+        record.caseSensitive[byte] = ofForm;
+        record.caseInsensitive[byte] = ofBase;
+        previous = place;
     }
     return record;
 }
@@ -118,6 +157,8 @@ void checkCollation(const Page &page, const std::string &name, const file::Colla
     }
     if (collation.variant == 0)
         fail(0, "the variant must not be 0: it would write \"SS\" literally");
+    const std::uint32_t blank = page.codeOf(' ');
+    const bool distinct = name != kNoAccentsName;
     std::bitset<kByteCount> seen;
     for (std::uint32_t byte = 1; byte < kByteCount; byte++) {
         const std::uint8_t weight = collation.caseSensitive[byte];
@@ -125,6 +166,9 @@ void checkCollation(const Page &page, const std::string &name, const file::Colla
         const bool expands = expanding.contains(page.toUnicode(byte));
         if ((weight == 0) != expands || (insensitive == 0) != expands)
             fail(byte, expands ? "expected weight 0, which expands to \"ss\"" : "expected a weight above 0");
+        if (!expands && isLetterOrDigit(page, byte) &&
+            (weight <= collation.caseSensitive[blank] || insensitive <= collation.caseInsensitive[blank]))
+            fail(byte, "expected a letter or digit to weigh more than the blank");
         if (collation.kind == file::kThai) {
             if (thaiClassOf(byte) == kThaiVowelSign && (weight & ~kVowelSignBits) != 0)
                 fail(byte,
@@ -133,7 +177,7 @@ void checkCollation(const Page &page, const std::string &name, const file::Colla
                 fail(byte, "expected a mark's weight from 3 to 7, found " + hexadecimal(weight, 2));
             if (weight != insensitive)
                 fail(byte, "expected the same weight in both tables");
-        } else if (!expands) {
+        } else if (!expands && distinct) {
             if (seen[weight])
                 fail(byte, "expected a weight of its own in the case-sensitive table, found " +
                                hexadecimal(weight, 2) + " again");

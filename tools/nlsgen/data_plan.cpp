@@ -2,6 +2,7 @@
 
 #include "case_table.hpp"
 #include "collation_table.hpp"
+#include "language_plan.hpp"
 #include "number_field.hpp"
 #include "site_page.hpp"
 
@@ -17,8 +18,8 @@ constexpr std::uint8_t kPageToUtf16 = 29;
 constexpr std::uint8_t kPageToUtf16Swapped = 171;
 constexpr std::uint8_t kUtf16ToPage = 30;
 constexpr std::uint8_t kUtf16SwappedToPage = 170;
-constexpr const char *kBasicName = "basic";
 constexpr const char *kThaiPage = "620-2533";
+constexpr std::uint32_t kByteCount = 256;
 
 class PlanMaker {
 public:
@@ -113,8 +114,8 @@ private:
             addCharSet(*page);
     }
 
-    void addByteCaseTable(const Page &page, const char *name, bool turkish) {
-        add(file::kCaseTable, page.name, name, placeOf(page)).record =
+    void addByteCaseTable(const Page &page, std::string_view name, bool turkish) {
+        add(file::kCaseTable, page.name, std::string(name), placeOf(page)).record =
             bytesOf(makeByteCaseTable(page, unicode_, turkish));
     }
 
@@ -135,46 +136,74 @@ private:
                 continue;
             }
             for (const bool turkish : {false, true}) {
-                PlannedEntry &entry = add(file::kCaseTable, page.name, turkish ? "turkish" : kBasicName,
-                                          {sources_.unicode + "/UnicodeData.txt", 0});
+                PlannedEntry &entry =
+                    add(file::kCaseTable, page.name, std::string(turkish ? "turkish" : kBasicName),
+                        {sources_.unicode + "/UnicodeData.txt", 0});
                 entry.format = file::kUnicodeCaseFormat;
                 entry.record = bytesOf(makeUnicodeCaseTable(unicode_, turkish));
             }
         }
     }
 
-    const CharacterOrder &orderNamed(const std::string &name) {
-        const auto found = orders_.find(name);
-        if (found != orders_.end())
-            return found->second;
-        if (!name.empty())
-            return orders_.emplace(name, readOrderList(sources_.data + "/collation/" + name + ".txt"))
-                .first->second;
+    std::shared_ptr<const CharacterOrder> orderNamed(const std::string &name) {
+        std::shared_ptr<const CharacterOrder> &order = orders_[name];
+        if (order == nullptr)
+            order = std::make_shared<const CharacterOrder>(
+                name.empty() ? defaultOrder() : readOrderList(sources_.data + "/collation/" + name + ".txt"));
+        return order;
+    }
+
+    CharacterOrder defaultOrder() const {
         std::set<std::uint32_t> characters;
         for (const BytePage &page : bytePages_)
-            for (std::uint32_t byte = 0; !page.page->isMultibyte() && byte < 256; byte++)
+            for (std::uint32_t byte = 0; !page.page->isMultibyte() && byte < kByteCount; byte++)
                 if (page.page->toUnicode(byte) != kNone)
                     characters.insert(page.page->toUnicode(byte));
-        return orders_.emplace(name, readDefaultOrder(sources_.unicode + "/allkeys.txt", characters))
-            .first->second;
+        return readDefaultOrder(sources_.unicode + "/allkeys.txt", characters);
+    }
+
+    void addWeights(const std::shared_ptr<const Page> &page, std::string_view name, const std::string &order,
+                    const std::set<std::uint32_t> &expanding) {
+        plan_.collations.push_back({page, std::string(name), orderNamed(order), expanding});
+        const PlannedCollation &planned = plan_.collations.back();
+        const file::Collation weights = page->name == kThaiPage ? makeThaiWeights(*page, *planned.order)
+                                        : name == kNoAccentsName
+                                            ? makeNoAccentsWeights(*page, *planned.order)
+                                            : makeWeights(*page, *planned.order, expanding);
+        checkCollation(*page, planned.name, weights, expanding);
+        add(file::kCollation, page->name, planned.name, {planned.order->source(), 0}).record =
+            bytesOf(weights);
+    }
+
+    // The list of a language has its name; "german" and "noaccents" follow the default order.
+    void addLanguages(const std::shared_ptr<const Page> &page) {
+        for (const LanguagePlan &language : languagePlans()) {
+            if (!offers(page->name, language.name))
+                continue;
+            // An expanding character takes the weight of byte 73 twice, which must be that of s.
+            std::set<std::uint32_t> expanding;
+            if (language.sharpSExpands && page->isAscii())
+                expanding.insert(kSharpS);
+            addWeights(page, language.name, std::string(language.collator.empty() ? "" : language.name),
+                       expanding);
+        }
     }
 
     void addCollations() {
         const Bytes basic = bytesOf(makeBasicCollation());
+        const auto addBasic = [&](const Page &page) {
+            add(file::kCollation, page.name, std::string(kBasicName), placeOf(page)).record = basic;
+        };
         for (const BytePage &page : bytePages_) {
-            const Page &codes = *page.page;
-            if (codes.isMultibyte()) {
-                add(file::kCollation, codes.name, kBasicName, placeOf(codes)).record = basic;
+            if (page.page->isMultibyte()) {
+                addBasic(*page.page);
                 continue;
             }
-            const CharacterOrder &order = orderNamed(page.order);
-            const file::Collation weights =
-                codes.name == kThaiPage ? makeThaiWeights(codes, order) : makeWeights(codes, order);
-            checkCollation(codes, kBasicName, weights);
-            add(file::kCollation, codes.name, kBasicName, {order.source(), 0}).record = bytesOf(weights);
+            addWeights(page.page, kBasicName, page.order, {});
+            addLanguages(page.page);
         }
         for (const auto &page : rulePages_)
-            add(file::kCollation, page->name, kBasicName, placeOf(*page)).record = basic;
+            addBasic(*page);
     }
 
     PlannedEntry &addConversion(const std::string &source, const std::string &target, std::uint8_t format,
@@ -261,7 +290,7 @@ private:
     UnicodeData unicode_;
     std::vector<BytePage> bytePages_;
     std::vector<std::shared_ptr<const Page>> rulePages_;
-    std::map<std::string, CharacterOrder> orders_;
+    std::map<std::string, std::shared_ptr<const CharacterOrder>> orders_; // by the list's name
     DataPlan plan_;
 };
 

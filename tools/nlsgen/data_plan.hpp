@@ -1,16 +1,27 @@
 // Everything that goes into the data file, in the order of its directory: pages, their tables, all entries.
 #pragma once
 
+#include "character_order.hpp"
 #include "data_file.hpp"
 #include "page.hpp"
 
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace velnls::nlsgen {
 
+// A collation with weights and what it was made from.
+struct PlannedCollation {
+    std::shared_ptr<const Page> page;
+    std::string name;
+    std::shared_ptr<const CharacterOrder> order;
+    std::set<std::uint32_t> expanding; // characters that weigh 0
+};
+
 struct DataPlan {
     std::vector<std::shared_ptr<const Page>> pages; // those with codes of their own
+    std::vector<PlannedCollation> collations;       // those with weights
     std::vector<PlannedEntry> entries;
 };
 

@@ -1,6 +1,7 @@
 #include "icu_extract.hpp"
 
 #include "charmap.hpp"
+#include "language_plan.hpp"
 
 #include <unicode/ucnv.h>
 #include <unicode/ucol.h>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <memory>
 #include <set>
+#include <string_view>
 
 namespace velnls::nlsgen {
 namespace {
@@ -121,11 +123,15 @@ ExtractedFile userArea(const std::string &file, const std::string &charmap, cons
 
 class IcuOrder {
 public:
-    explicit IcuOrder(const char *locale) {
+    explicit IcuOrder(const std::string &locale) {
         UErrorCode error = U_ZERO_ERROR;
-        collator_.reset(ucol_open(locale, &error));
+        collator_.reset(ucol_open(locale.c_str(), &error));
         if (U_FAILURE(error))
-            fail(std::string("collator ") + locale, error);
+            fail("collator " + locale, error);
+        // An ICU without the language answers with the default order, and with success.
+        const char *actual = ucol_getLocaleByType(collator_.get(), ULOC_ACTUAL_LOCALE, &error);
+        if (U_FAILURE(error) || std::string_view(actual) == "root")
+            throw Problem("ICU " U_ICU_VERSION, 0, "collator " + locale + ": expected an order of its own");
     }
 
     UCollationResult compare(std::uint32_t a, std::uint32_t b, UCollationStrength strength) const {
@@ -154,7 +160,7 @@ ExtractedFile orderList(const OrderPlan &plan, const Sources &sources) {
     std::set<std::uint32_t> characters;
     std::string pages;
     for (const SingleBytePlan &pagePlan : singleBytePlans()) {
-        if (std::find(plan.pages.begin(), plan.pages.end(), pagePlan.name) == plan.pages.end())
+        if (!ordersPage(plan, pagePlan.name))
             continue;
         pages += pages.empty() ? "" : ", ";
         pages += pagePlan.name;
@@ -162,13 +168,13 @@ ExtractedFile orderList(const OrderPlan &plan, const Sources &sources) {
         for (const auto &[character, code] : page.fromUnicode())
             characters.insert(character);
     }
-    const IcuOrder icu(std::string(plan.locale).c_str());
+    const IcuOrder icu{std::string(plan.collator)};
     std::vector<std::uint32_t> sorted(characters.begin(), characters.end());
     std::stable_sort(sorted.begin(), sorted.end(), [&icu](std::uint32_t a, std::uint32_t b) {
         return icu.compare(a, b, UCOL_TERTIARY) == UCOL_LESS;
     });
     std::string text = heading("Order of the characters of " + pages + " by the collator \"" +
-                               std::string(plan.locale) + "\".") +
+                               std::string(plan.collator) + "\".") +
                        "ignorable";
     std::uint32_t previous = kNone;
     for (const std::uint32_t character : sorted) {

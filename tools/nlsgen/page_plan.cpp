@@ -275,13 +275,6 @@ constexpr std::string_view kHebrewPages[] = {"ISO8859-8", "IBM862"};
 constexpr std::span<const std::string_view> kDirectGroups[] = {
     kWestern, kCentral, kCyrillicPages, kGreekPages, kTurkishPages, kArabicPages, kHebrewPages};
 
-constexpr OrderPlan kOrders[] = {
-    {"ru", "ru", kCyrillicPages},
-    {"el", "el", kGreekPages},
-    {"ar", "ar", kArabicPages},
-    {"he", "he", kHebrewPages},
-};
-
 // From 144 up a type is one of the file's own numbers, which the library replaces as it loads the table.
 constexpr TypedConversion kTyped[] = {
     {"UTF-16", "UTF-8", 23},       {"UTF-8", "UTF-16", 24},       {"UCS2", "UTF-8", 21},
@@ -316,10 +309,6 @@ std::span<const std::span<const std::string_view>> directGroups() {
 
 std::span<const std::string_view> turkishPages() {
     return kTurkishPages;
-}
-
-std::span<const OrderPlan> orderPlans() {
-    return kOrders;
 }
 
 std::span<const TypedConversion> typedConversions() {

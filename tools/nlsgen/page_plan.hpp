@@ -71,14 +71,6 @@ std::span<const std::span<const std::string_view>> directGroups();
 // A case table "turkish" stands beside "basic" on these single-byte pages.
 std::span<const std::string_view> turkishPages();
 
-// A list below data/collation/ and what it is made from: the characters of these pages in ICU's order.
-struct OrderPlan {
-    std::string_view file;
-    std::string_view locale;
-    std::span<const std::string_view> pages;
-};
-std::span<const OrderPlan> orderPlans();
-
 struct TypedConversion {
     std::string_view source, target;
     std::uint8_t type;

@@ -1,11 +1,14 @@
 #include "verifier.hpp"
 
 #include "file_lookup.hpp"
+#include "language_plan.hpp"
 #include "number_field.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
-#include <string_view>
+#include <optional>
+#include <tuple>
 
 namespace velnls::nlsgen {
 namespace {
@@ -37,11 +40,92 @@ void verifyMapping(const FileLookup &lookup, const Page &page) {
     }
 }
 
-} // namespace
+// The weights of the finished file, two characters at a time.
+class CollationProof {
+public:
+    CollationProof(const PlannedCollation &planned, const file::Collation &record)
+        : planned_(planned), record_(record) {}
 
-void verifyMappings(std::span<const std::uint8_t> file,
-                    const std::vector<std::shared_ptr<const Page>> &pages) {
-    std::map<std::string, std::size_t> records; // offset by source page
+    void run() const {
+        std::vector<std::uint32_t> bytes; // by planned rank, then those of no character
+        for (std::uint32_t byte = 1; byte < kByteCount; byte++)
+            if (isRanked(byte))
+                bytes.push_back(byte);
+        std::sort(bytes.begin(), bytes.end(),
+                  [this](std::uint32_t a, std::uint32_t b) { return placeOf(a) < placeOf(b); });
+        for (std::size_t i = 1; i < bytes.size(); i++) {
+            const std::uint32_t a = bytes[i - 1];
+            const std::uint32_t b = bytes[i];
+            expectOrder(record_.caseSensitive, a, b, !mergesForm(a, b));
+            expectOrder(record_.caseInsensitive, a, b, !mergesLetter(a, b));
+        }
+    }
+
+private:
+    static constexpr std::uint32_t kByteCount = 256;
+
+    // Whether the byte's weight is its rank: not of Thai signs, whose weights are bits, and not of characters
+    // that sort as two others.
+    [[nodiscard]] bool isRanked(std::uint32_t byte) const {
+        if (record_.kind == file::kThai)
+            return byte != 0xD1 && (byte < 0xD4 || byte > 0xD9) && (byte < 0xE7 || byte > 0xED);
+        const bool expands = planned_.expanding.contains(planned_.page->toUnicode(byte));
+        if (expands && (record_.caseSensitive[byte] != 0 || record_.caseInsensitive[byte] != 0))
+            fail(byte, byte, "expected weight 0");
+        return !expands;
+    }
+    [[nodiscard]] bool mergesAccents() const {
+        return planned_.name == kNoAccentsName;
+    }
+    [[nodiscard]] std::optional<Rank> rankOf(std::uint32_t byte) const {
+        const std::uint32_t character = planned_.page->toUnicode(byte);
+        return character == kNone ? std::nullopt : std::optional(planned_.order->rankOf(character));
+    }
+    using Position = std::tuple<bool, unsigned, unsigned, unsigned>;
+    [[nodiscard]] Position placeOf(std::uint32_t byte) const {
+        const auto rank = rankOf(byte);
+        if (!rank)
+            return {true, byte, 0, 0};
+        if (mergesAccents())
+            return {false, rank->base, rank->form, rank->order};
+        return {false, rank->order, 0, 0};
+    }
+    // Whether the case-sensitive table makes no difference between the two, or the other one.
+    [[nodiscard]] bool mergesForm(std::uint32_t a, std::uint32_t b) const {
+        const auto one = rankOf(a);
+        const auto other = rankOf(b);
+        return mergesAccents() && one && other && one->base == other->base && one->form == other->form;
+    }
+    [[nodiscard]] bool mergesLetter(std::uint32_t a, std::uint32_t b) const {
+        const auto one = rankOf(a);
+        const auto other = rankOf(b);
+        if (!one || !other || record_.kind == file::kThai)
+            return false;
+        return mergesAccents() ? one->base == other->base : one->letter == other->letter;
+    }
+    void expectOrder(const std::uint8_t *weights, std::uint32_t a, std::uint32_t b, bool less) const {
+        if (less ? weights[a] >= weights[b] : weights[a] != weights[b])
+            fail(a, b,
+                 std::string("expected the first to weigh ") + (less ? "less than" : "the same as") +
+                     " the second");
+        if (weights[a] == 0)
+            fail(a, b, "expected weights above 0");
+    }
+    [[noreturn]] void fail(std::uint32_t a, std::uint32_t b, const std::string &message) const {
+        throw Problem(planned_.order->source(), 0,
+                      "collation \"" + planned_.name + "\" of page " + planned_.page->name + ", bytes " +
+                          hexadecimal(a, 2) + " and " + hexadecimal(b, 2) + ": " + message +
+                          " in the finished file");
+    }
+
+    const PlannedCollation &planned_;
+    const file::Collation &record_;
+};
+
+// The offsets of all records of a kind by the names of their entries.
+std::map<std::pair<std::string, std::string>, std::size_t> recordsOf(std::span<const std::uint8_t> file,
+                                                                     file::EntryKind kind) {
+    std::map<std::pair<std::string, std::string>, std::size_t> records;
     file::Header header;
     std::memcpy(&header, file.data(), sizeof header);
     const auto count = static_cast<std::size_t>(readNumber(header.entryCount, sizeof header.entryCount));
@@ -49,15 +133,37 @@ void verifyMappings(std::span<const std::uint8_t> file,
         file::Entry entry;
         std::memcpy(&entry, file.data() + sizeof header + i * sizeof entry, sizeof entry);
         const long offset = readNumber(entry.offset, sizeof entry.offset);
-        if (entry.kind == '0' + file::kConversion && std::string_view(entry.name2) == "UTF-8" && offset != 0)
-            records.emplace(entry.name, static_cast<std::size_t>(offset));
+        if (entry.kind == '0' + kind && offset != 0)
+            records.emplace(std::pair(entry.name, entry.name2), static_cast<std::size_t>(offset));
     }
+    return records;
+}
+
+} // namespace
+
+void verifyMappings(std::span<const std::uint8_t> file,
+                    const std::vector<std::shared_ptr<const Page>> &pages) {
+    const auto records = recordsOf(file, file::kConversion);
     for (const auto &page : pages) {
-        const auto found = records.find(page->name);
+        const auto found = records.find({page->name, "UTF-8"});
         if (found == records.end())
             throw Problem(page->placeOf(kCodeCount),
                           "page " + page->name + ": expected a mapping to UTF-8 in the finished file");
         verifyMapping(FileLookup(file, found->second), *page);
+    }
+}
+
+void verifyCollations(std::span<const std::uint8_t> file, const std::vector<PlannedCollation> &collations) {
+    const auto records = recordsOf(file, file::kCollation);
+    for (const PlannedCollation &planned : collations) {
+        const auto found = records.find({planned.page->name, planned.name});
+        if (found == records.end())
+            throw Problem(planned.order->source(), 0,
+                          "collation \"" + planned.name + "\" of page " + planned.page->name +
+                              ": expected it in the finished file");
+        file::Collation record;
+        std::memcpy(&record, file.data() + found->second, sizeof record);
+        CollationProof(planned, record).run();
     }
 }
 
