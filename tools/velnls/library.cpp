@@ -115,23 +115,35 @@ nlsStatus Library::withMemory(Call call) {
     }
 }
 
-nlsStatus Library::create(const std::string &codePage, nlsLocale *&locale) {
+nlsStatus Library::create(const std::string &codePage, const char *collation, const char *caseTable,
+                          nlsLocale *&locale) {
     return withMemory(
-        [&] { return nlsCreateLocale(handle_, codePage.c_str(), NLS_NO_COLLATION, nullptr, &locale); });
+        [&] { return nlsCreateLocale(handle_, codePage.c_str(), collation, caseTable, &locale); });
 }
 
 nlsLocale *Library::locale(const std::string &codePage) {
     nlsLocale *result = nullptr;
-    const nlsStatus status = create(codePage, result);
+    const nlsStatus status = create(codePage, NLS_NO_COLLATION, nullptr, result);
     if (status != NLS_OK) {
         throw StatusError("code page " + codePage + " of " + data_.name(), status);
     }
     return result;
 }
 
+nlsLocale *Library::locale(const std::string &codePage, const std::string &collation,
+                           const std::string &caseTable) {
+    nlsLocale *result = nullptr;
+    const nlsStatus status =
+        create(codePage, collation.c_str(), caseTable.empty() ? nullptr : caseTable.c_str(), result);
+    if (status != NLS_OK) {
+        throw StatusError("collation " + collation + " of " + codePage, status);
+    }
+    return result;
+}
+
 nlsLocale *Library::utf8() {
     nlsLocale *result = nullptr;
-    const nlsStatus status = create("UTF-8", result);
+    const nlsStatus status = create("UTF-8", NLS_NO_COLLATION, nullptr, result);
     if (status != NLS_OK && status != NLS_E_NOCHARSET) {
         throw StatusError("code page UTF-8 of " + data_.name(), status);
     }

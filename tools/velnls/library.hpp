@@ -43,6 +43,9 @@ public:
 
     // A locale without collation and case table.
     nlsLocale *locale(const std::string &codePage);
+    // A locale with a collation and, unless its name is empty, a case table.
+    nlsLocale *locale(const std::string &codePage, const std::string &collation,
+                      const std::string &caseTable);
     // The same for UTF-8, the page in the middle; null when the data file does not have it.
     nlsLocale *utf8();
     // Null when the data file has no way from "source" to "target", or one of them is null.
@@ -72,7 +75,8 @@ private:
     void lendMore();
     template <typename Call>
     nlsStatus withMemory(Call call);
-    nlsStatus create(const std::string &codePage, nlsLocale *&locale);
+    nlsStatus create(const std::string &codePage, const char *collation, const char *caseTable,
+                     nlsLocale *&locale);
 
     const DataSource &data_;
     std::uint32_t token_ = 0;

@@ -3,11 +3,13 @@
 
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <string>
 #include <system_error>
 
 #include "commands.hpp"
 #include "output.hpp"
+#include "text_options.hpp"
 
 namespace {
 
@@ -47,10 +49,11 @@ constexpr char kMainFooter[] = "Examples:\n"
                                "  velnls convert -f SHIFT-JIS -t UTF-8 letter.txt\n"
                                "  velnls list charsets\n"
                                "  velnls info CP949\n"
+                               "  velnls sort -p 1252 -i names.txt\n"
                                "  velnls convert --help\n";
 
 int run(int argc, char **argv) {
-    CLI::App app("Converts text between code pages, and tells about them.", "velnls");
+    CLI::App app("Converts, orders, matches and changes text in code pages.", "velnls");
     app.footer(kMainFooter);
     app.set_version_flag("--version", std::string("velnls ") + VELNLS_VERSION);
     app.require_subcommand(1);
@@ -94,11 +97,17 @@ int run(int argc, char **argv) {
     infoCommand->add_option("PAGE", info.page, "Code page")->required();
     addData(infoCommand, info.data);
 
+    std::function<int()> runText;
+    addTextCommands(app, runText);
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         // Asking for help or the version is no error.
         return app.exit(error) == 0 ? kExitDone : kExitFailed;
+    }
+    if (runText) {
+        return runText();
     }
     if (convertCommand->parsed()) {
         return runConvert(convert);
