@@ -46,7 +46,8 @@ void writeRecord(const nlsLocale &locale, bool newForm, std::uint8_t *data) {
     collation.next = nullptr; // an address of this process
     std::memcpy(data, &collation, sizeof collation);
     std::memcpy(data + sizeof collation, locale.charTable, sizeof(CharTable));
-    std::memcpy(data + kNewRecordSize, locale.caseTable, caseSizes(locale).stored);
+    if (locale.caseTable != nullptr)
+        std::memcpy(data + kNewRecordSize, locale.caseTable, caseSizes(locale).stored);
 }
 
 std::uint64_t blockSizeNeeded(const nlsDbCollation &record, std::uint64_t nameLength) {
