@@ -170,4 +170,18 @@ TEST(Like, EqualBytesAreNotNeeded) {
     EXPECT_EQ(like("single zero", "%\xDF%", std::string(500, 'x') + "s" + std::string(500, 'x')), kYes);
 }
 
+// What the string's end leaves of a character is compared as it is.
+TEST(Like, CharactersThatTheEndCutsAreCompared) {
+    const std::string filling(3000, 'x');
+    for (const std::string &before : {std::string(), filling}) {
+        // A lone C3 folds as the "C" of seven bits does.
+        EXPECT_EQ(like("utf8 folded", "%ac", before + "a\xC3", 0), kYes);
+        EXPECT_EQ(like("utf8 folded", "%c", before + "\xC3", 0), kYes);
+        EXPECT_EQ(like("utf8 folded", "%c", before + "\xC3", 1), kNo);
+        // Without its blank a character equals the one with it.
+        EXPECT_EQ(like("utf8 folded", "%\xC3 ", before + "\xC3", 1), kYes);
+        EXPECT_EQ(like("utf8 folded", "%\xE1", before + "\xE1  ", 1), kYes);
+    }
+}
+
 } // namespace

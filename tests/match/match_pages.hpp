@@ -1,4 +1,4 @@
-// Locales of every kind that matching tells apart, over one data file made in memory.
+// Locales of every code page and collation that matching tells apart, opened once.
 #pragma once
 
 #include "library_fixture.hpp"
@@ -19,26 +19,16 @@ class MatchPages {
 public:
     MatchPages();
 
-    // All that order every two strings in the modes 0 and 1.
     [[nodiscard]] const std::vector<MatchPage> &all() const {
         return pages_;
     }
     [[nodiscard]] const MatchPage &operator[](const std::string &name) const;
 
-    // Single bytes without a collation.
-    [[nodiscard]] nlsLocale *unordered() {
-        return unordered_;
-    }
-
     static MatchPages &instance();
 
 private:
-    void add(const std::string &name, const std::string &codePage, const char *collation,
-             const char *caseTable, const CharacterTable &table, std::vector<std::string> alphabet);
-
     Library library_;
     std::vector<MatchPage> pages_;
-    nlsLocale *unordered_;
 };
 
 } // namespace fixture
