@@ -13,6 +13,7 @@ enum ExitCode : int {
     kExitDifferent = 1,   // compare: they are not
     kExitFound = 0,       // like: a line matches
     kExitNotFound = 1,    // like: none does
+    kExitMoved = 1,       // record verify: characters moved
     kExitSubstituted = 1, // the output is complete, but characters were substituted or left out
     kExitFailed = 2,      // usage, files, names, data file
     kExitMalformed = 3,   // the input is not well-formed text of its code page
@@ -110,6 +111,14 @@ struct CheckOptions {
     std::vector<std::string> files;
 };
 
+struct RecordOptions {
+    std::string action; // make, show, verify
+    std::string page = "UTF-8";
+    std::string collation = "basic";
+    std::string data;
+    std::string file; // of the record
+};
+
 int runConvert(const ConvertOptions &options);
 int runList(const ListOptions &options);
 int runInfo(const InfoOptions &options);
@@ -121,5 +130,6 @@ int runReplace(const ReplaceOptions &options);
 int runCase(const CaseOptions &options);
 int runCount(const CountOptions &options);
 int runCheck(const CheckOptions &options);
+int runRecord(const RecordOptions &options);
 
 } // namespace velnls::tool

@@ -17,6 +17,9 @@ constexpr std::int32_t kFirstBlock = 160 * 1024;
 // The largest page takes about 120 KB, which must come from one block.
 constexpr std::int32_t kNextBlock = 192 * 1024;
 constexpr std::int32_t kLargestBlock = 64 * 1024 * 1024;
+// Bytes of a rebuilt locale's block besides the data and the name: the locale itself, and a sort data block
+// of the size that stands for none.
+constexpr std::uint32_t kBlockRoom = 512;
 
 // What the numbers that the library passes back to the read callback stand for.
 std::vector<std::span<const unsigned char>> &openData() {
@@ -136,7 +139,33 @@ nlsLocale *Library::locale(const std::string &codePage, const std::string &colla
     const nlsStatus status =
         create(codePage, collation.c_str(), caseTable.empty() ? nullptr : caseTable.c_str(), result);
     if (status != NLS_OK) {
-        throw StatusError("collation " + collation + " of " + codePage, status);
+        // The library answers an ICU collation that does not open like exhausted memory.
+        const bool icu = status == NLS_E_NOMEM && collation.rfind("ICU-", 0) == 0;
+        throw StatusError("collation " + collation + " of " + codePage, icu ? NLS_E_ICULOAD : status);
+    }
+    return result;
+}
+
+nlsLocale *Library::rebuild(const nlsDbCollation &record, const std::string &name) {
+    std::uint32_t size = 0;
+    nlsLocale *result = nullptr;
+    // Without a block the call tells how much it needs.
+    nlsStatus status = nlsDbCollationToLocale(handle_, &record, name.c_str(), &size, nullptr, &result);
+    if (status == NLS_E_BUFFER) {
+        // The estimate reads its numbers where the block has them, so it can be too small.
+        const std::uint32_t more = static_cast<std::uint32_t>(name.size()) + kBlockRoom;
+        size = std::max({size, record.blockSize + more, record.dataSize + more});
+        if (size > static_cast<std::uint32_t>(kLargestBlock)) {
+            throw StatusError("rebuilding " + name, NLS_E_NOMEM);
+        }
+        Block block = newBlock(static_cast<std::int32_t>(size));
+        status = withMemory([&] {
+            return nlsDbCollationToLocale(handle_, &record, name.c_str(), &size, block.get(), &result);
+        });
+        blocks_.push_back(std::move(block));
+    }
+    if (status != NLS_OK) {
+        throw StatusError("rebuilding " + name, status);
     }
     return result;
 }

@@ -46,7 +46,10 @@ public:
     // A locale with a collation and, unless its name is empty, a case table.
     nlsLocale *locale(const std::string &codePage, const std::string &collation,
                       const std::string &caseTable);
-    // The same for UTF-8, the page in the middle; null when the data file does not have it.
+    // The locale of a stored collation record.
+    nlsLocale *rebuild(const nlsDbCollation &record, const std::string &name);
+    // A locale without collation and case table for UTF-8, the page in the middle; null when the data file
+    // does not have it.
     nlsLocale *utf8();
     // Null when the data file has no way from "source" to "target", or one of them is null.
     nlsConversion *conversion(nlsLocale *source, nlsLocale *target);

@@ -192,6 +192,30 @@ void addCheck(CLI::App &app, Run &run) {
                     "  velnls check -p SHIFT-JIS *.txt\n");
 }
 
+void addRecord(CLI::App &app, Run &run) {
+    CLI::App *command =
+        app.add_subcommand("record", "Keep a collation in a file, and compare it with today's");
+    const auto options = addCommand<RecordOptions>(command, runRecord, run);
+    addPage(command, options->page, options->data);
+    command->add_option("--collation", options->collation, "Collation of the page (basic when not given)")
+        ->type_name("NAME");
+    command->add_option("ACTION", options->action, "make, show or verify")
+        ->required()
+        ->check(CLI::IsMember({"make", "show", "verify"}));
+    command->add_option("FILE", options->file, "File of the record")->required();
+    command->footer("make writes the record, show tells what it holds, verify names the characters that the\n"
+                    "data file orders otherwise. Page and collation are given to make alone.\n"
+                    "\n"
+                    "Exit codes of verify:\n"
+                    "  0  the order is the same\n"
+                    "  1  characters moved\n"
+                    "  2  usage, files, a record that is none\n"
+                    "\n"
+                    "Examples:\n"
+                    "  velnls record make -p 1252 --collation basic names.rec\n"
+                    "  velnls record verify names.rec --data new.dat\n");
+}
+
 } // namespace
 
 void addTextCommands(CLI::App &app, std::function<int()> &run) {
@@ -203,6 +227,7 @@ void addTextCommands(CLI::App &app, std::function<int()> &run) {
     addCase(app, run);
     addCount(app, run);
     addCheck(app, run);
+    addRecord(app, run);
 }
 
 } // namespace velnls::tool
