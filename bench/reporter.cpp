@@ -1,5 +1,7 @@
 #include "reporter.hpp"
 
+#include "convert/kernels/instruction_sets.hpp"
+
 #include <cstdio>
 #include <fstream>
 
@@ -15,6 +17,8 @@ std::string processorName() {
 }
 
 const char *instructionSet() {
+    if ((velnls::instructionSets() & velnls::kWideVectors) != 0)
+        return "AVX-512";
 #if defined(__x86_64__)
     return "SSE2";
 #else

@@ -3,6 +3,7 @@
 #include "convert/build_byte_tables.hpp"
 #include "convert/build_mapping.hpp"
 #include "convert/file_types.hpp"
+#include "convert/kernels/instruction_sets.hpp"
 #include "core/arena.hpp"
 #include "core/data_file.hpp"
 #include "core/text.hpp"
@@ -135,8 +136,11 @@ nlsStatus buildEntry(nlsHandle &handle, Entry &entry, std::uint32_t flags, const
     if (!valid)
         return NLS_E_ICU;
     const nlsStatus status = buildByType(handle, entry, record, length, type, flags, pending, out);
-    if (status == NLS_OK)
+    if (status == NLS_OK) {
+        if (out != nullptr)
+            const_cast<ConverterHeader &>(headerOf(out)).proofs |= instructionSets();
         entry.table = out;
+    }
     return status;
 }
 
@@ -214,12 +218,6 @@ nlsStatus buildPair(nlsHandle &handle, const char *source, const char *target, s
 nlsStatus buildConverter(nlsHandle &handle, const char *source, const char *target, std::uint32_t flags,
                          const void *&out) {
     return buildPair(handle, source, target, flags, nullptr, out);
-}
-
-const std::uint8_t *byteMapOf(const void *converter) {
-    const bool whole = converter != nullptr && kindOf(converter) == kByteMap &&
-                       (headerOf(converter).proofs & kWholeByteMap) != 0;
-    return whole ? static_cast<const std::uint8_t *>(converter) : nullptr;
 }
 
 } // namespace velnls

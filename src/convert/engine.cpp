@@ -1,6 +1,5 @@
 #include "convert/engine.hpp"
 
-#include "convert/build.hpp"
 #include "convert/kernels/fast.hpp"
 #include "convert/kernels/kernels.hpp"
 #include "convert/kernels/unicode_units.hpp"
@@ -43,7 +42,7 @@ nlsStatus convertByteMap(const Request &request, Source &source, Target &target)
     std::uint8_t changed = 0;
     if (map != nullptr && !request.check) {
         if (areApart(source, target))
-            fast::mapBytes(map, source, target);
+            fast::mapBytes(map, headerOf(request.converter).proofs, source, target);
         else
             mapBytes(map, source, target);
     } else {
@@ -69,8 +68,10 @@ nlsStatus convertChain(const Request &request) {
     step.intermediateCapacity = 0;
     step.check = false;
     const nlsStatus first = convert(step);
-    if (first != NLS_OK && first != NLS_R_SUBSTITUTED)
+    if (first != NLS_OK && first != NLS_R_SUBSTITUTED) {
+        *request.written = 0; // nothing stands in the destination
         return first;
+    }
     step.converter = chain.second;
     step.destination = request.destination;
     step.capacity = request.capacity;
@@ -133,10 +134,10 @@ bool runFastKernel(std::int32_t kind, const void *converter, Source &source, Tar
         return false;
     switch (kind) {
     case kShiftJisToEuc:
-        status = fast::shiftJisToEuc(source, target);
+        status = fast::shiftJisToEuc(header.proofs, source, target);
         return true;
     case kEucToShiftJis:
-        status = fast::eucToShiftJis(source, target);
+        status = fast::eucToShiftJis(header.proofs, source, target);
         return true;
     case kPageToUtf8:
     case kPageToUtf8Wide:
@@ -153,23 +154,23 @@ bool runFastKernel(std::int32_t kind, const void *converter, Source &source, Tar
         return true;
     case kUcs2ToUtf8:
     case kUtf16ToUtf8:
-        status = fast::utf16ToUtf8(source, target);
+        status = fast::utf16ToUtf8(header.proofs, source, target);
         return true;
     case kUtf8ToUcs2:
     case kUtf8ToUtf16:
-        status = fast::utf8ToUtf16(source, target);
+        status = fast::utf8ToUtf16(header.proofs, source, target);
         return true;
     case kUtf32ToUtf8:
-        status = fast::utf32ToUtf8(source, target);
+        status = fast::utf32ToUtf8(header.proofs, source, target);
         return true;
     case kUtf8ToUtf32:
-        status = fast::utf8ToUtf32(source, target);
+        status = fast::utf8ToUtf32(header.proofs, source, target);
         return true;
     case kUtf16ToUtf32:
-        status = fast::utf16ToUtf32(source, target);
+        status = fast::utf16ToUtf32(header.proofs, source, target);
         return true;
     case kUtf32ToUtf16:
-        status = fast::utf32ToUtf16(source, target);
+        status = fast::utf32ToUtf16(header.proofs, source, target);
         return true;
     default:
         return false;
@@ -300,7 +301,12 @@ nlsStatus convertCharacter(const void *converter, std::uint32_t character, std::
     for (std::int32_t i = 0; i < length; ++i)
         buffer[i] = static_cast<std::uint8_t>(character >> 8 * (length - 1 - i));
     std::uint32_t written = 0;
-    const nlsStatus status = convert({buffer, 4, buffer, length, nullptr, 0, converter, &written, false});
+    const nlsStatus status = convert({.destination = buffer,
+                                      .capacity = 4,
+                                      .source = buffer,
+                                      .sourceLength = length,
+                                      .converter = converter,
+                                      .written = &written});
     if (written == 0 || written > 4)
         return NLS_E_NULLARG;
     const std::uint32_t counted = kindOf(converter) == kUtf8ToUtf32 ? 1 : written;

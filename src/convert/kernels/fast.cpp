@@ -1,10 +1,12 @@
 #include "convert/kernels/fast.hpp"
 
+#include "convert/kernels/fast_avx512.hpp"
 #include "convert/kernels/fast_from_page.hpp"
 #include "convert/kernels/fast_from_units.hpp"
 #include "convert/kernels/fast_from_utf8.hpp"
 #include "convert/kernels/fast_japanese.hpp"
 #include "convert/kernels/fast_sinks.hpp"
+#include "convert/kernels/instruction_sets.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "convert/kernels/unicode_units.hpp"
 
@@ -57,6 +59,29 @@ bool endsUnits(nlsStatus status) {
     return status == NLS_E_BUFFER;
 }
 
+// Puts the kernel of a wider instruction set before the baseline's blocks, which then get what it leaves.
+template <typename Wide, typename Blocks>
+[[gnu::always_inline]] inline auto widened(std::uint32_t proofs, Wide wide, Blocks blocks) {
+    return [proofs, wide, blocks](Source &source, Target &target) {
+        if ((proofs & kWideVectors) != 0) {
+            wide(source, target);
+            if (source.at == source.end)
+                return;
+        }
+        blocks(source, target);
+    };
+}
+
+// The wide kernel alone finishes most texts: true then. What it leaves is the business of a function of its
+// own, so that a short text does not pay for the preparations of a long one.
+template <typename Wide>
+[[gnu::always_inline]] inline bool finishes(std::uint32_t proofs, Wide wide, Source &source, Target &target) {
+    if ((proofs & kWideVectors) == 0)
+        return false;
+    wide(source, target);
+    return source.at == source.end;
+}
+
 // Runs a reader over a sink that writes to the target.
 template <typename Sink, typename Read>
 [[gnu::always_inline]] inline void into(Sink &&sink, Target &target, Read read) {
@@ -66,7 +91,11 @@ template <typename Sink, typename Read>
 
 } // namespace
 
-void mapBytes(const std::uint8_t *map, Source &source, Target &target) {
+void mapBytes(const std::uint8_t *map, std::uint32_t proofs, Source &source, Target &target) {
+    if ((proofs & kWideVectors) != 0) {
+        avx512::mapBytes(map, source, target);
+        return;
+    }
     const std::uint8_t *at = source.at;
     std::uint8_t *to = target.at;
     const std::ptrdiff_t length = source.end - at;
@@ -97,11 +126,10 @@ void mapBytes(const std::uint8_t *map, Source &source, Target &target) {
     map8(at + length - 8, to + length - 8);
 }
 
-bool canMap(std::uint32_t proofs) {
-    return (proofs & kAsciiIdentity) != 0 && (proofs & (kByteRow | kPairRectangle)) != 0;
-}
+namespace {
 
-nlsStatus pageToUtf8(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
+[[gnu::noinline]] nlsStatus pageToUtf8Rest(const MappingBody &body, std::uint32_t proofs, Source &source,
+                                           Target &target) {
     const auto plain = [&body](Source &piece, Target &out) { return velnls::pageToUtf8(body, piece, out); };
     if ((proofs & kByteRow) != 0) {
         const ByteRow row(body);
@@ -109,8 +137,10 @@ nlsStatus pageToUtf8(const MappingBody &body, std::uint32_t proofs, Source &sour
             into(Utf8Sink{{out.at, out.end}}, out, [&](Utf8Sink &sink) { readByteRowInto(row, text, sink); });
         };
         const auto one = [](const Source &) { return std::ptrdiff_t{1}; };
-        if (source.end - source.at < Utf8OfByte::kWorthwhile)
-            return alternate(source, target, 1, rest, one, plain, endsUnits);
+        if (source.end - source.at < Utf8OfByte::kWorthwhile) {
+            const auto wide = [&body](Source &text, Target &out) { avx512::byteRowToUtf8(body, text, out); };
+            return alternate(source, target, 1, widened(proofs, wide, rest), one, plain, endsUnits);
+        }
         const Utf8OfByte table(row);
         const auto blocks = [&table, &rest](Source &text, Target &out) {
             table.convert(text, out.at, out.end);
@@ -123,7 +153,24 @@ nlsStatus pageToUtf8(const MappingBody &body, std::uint32_t proofs, Source &sour
         into(Utf8Sink{{out.at, out.end}}, out, [&](Utf8Sink &sink) { readPairsInto(page, text, sink); });
     };
     const auto window = [&page](const Source &text) { return page.isLead(*text.at) ? std::ptrdiff_t{2} : 1; };
-    return alternate(source, target, 1, blocks, window, plain, endsUnits);
+    const auto wide = [&body](Source &text, Target &out) { avx512::pairsToUtf8(body, text, out); };
+    return alternate(source, target, 1, widened(proofs, wide, blocks), window, plain, endsUnits);
+}
+
+} // namespace
+
+nlsStatus pageToUtf8(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
+    const bool isRow = (proofs & kByteRow) != 0;
+    const bool isLong = source.end - source.at >= Utf8OfByte::kWorthwhile;
+    const auto wide = [&body, isRow](Source &text, Target &out) {
+        if (isRow)
+            avx512::byteRowToUtf8(body, text, out);
+        else
+            avx512::pairsToUtf8(body, text, out);
+    };
+    if (!(isRow && isLong) && finishes(proofs, wide, source, target))
+        return NLS_OK;
+    return pageToUtf8Rest(body, proofs, source, target);
 }
 
 namespace {
@@ -141,9 +188,29 @@ nlsStatus utf8IntoPage(const MappingBody &body, Sink sink, Source &source, Targe
     return alternate(source, target, 1, blocks, utf8Window, plain, endsUtf8);
 }
 
-} // namespace
+// The wide kernels need none of the tables for long texts.
+nlsStatus utf8IntoPageWide(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
+    const auto plain = [&body](Source &piece, Target &out) { return velnls::utf8ToPage(body, piece, out); };
+    const auto row = [&body](Source &text, Target &out) {
+        avx512::utf8ToByteRow(body, text, out);
+        if (text.at != text.end)
+            into(ByteRowSink(body, out.at, out.end), out,
+                 [&](ByteRowSink &sink) { readUtf8Into(text, sink); });
+    };
+    const auto pairs = [&body](Source &text, Target &out) {
+        avx512::utf8ToPairs(body, text, out);
+        if (text.at != text.end)
+            into(PairSink(body, out.at, out.end), out, [&](PairSink &sink) { readUtf8Into(text, sink); });
+    };
+    if ((proofs & kByteRow) != 0)
+        return alternate(source, target, 1, row, utf8Window, plain, endsUtf8);
+    return alternate(source, target, 1, pairs, utf8Window, plain, endsUtf8);
+}
 
-nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
+[[gnu::noinline]] nlsStatus utf8ToPageRest(const MappingBody &body, std::uint32_t proofs, Source &source,
+                                           Target &target) {
+    if ((proofs & kWideVectors) != 0)
+        return utf8IntoPageWide(body, proofs, source, target);
     const std::ptrdiff_t length = source.end - source.at;
     if ((proofs & kByteRow) != 0) {
         const ByteRowSink row(body, target.at, target.end);
@@ -159,27 +226,64 @@ nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &sour
     return utf8IntoPage(body, KanaTableSink(page, table), source, target);
 }
 
-nlsStatus utf8ToUtf16(Source &source, Target &target) {
+} // namespace
+
+nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
+    const bool isRow = (proofs & kByteRow) != 0;
+    const auto wide = [&body, isRow](Source &text, Target &out) {
+        if (isRow)
+            avx512::utf8ToByteRow(body, text, out);
+        else
+            avx512::utf8ToPairs(body, text, out);
+    };
+    if (finishes(proofs, wide, source, target))
+        return NLS_OK;
+    return utf8ToPageRest(body, proofs, source, target);
+}
+
+namespace {
+
+[[gnu::noinline]] nlsStatus utf8ToUtf16Rest(std::uint32_t proofs, Source &source, Target &target) {
     const auto blocks = [](Source &text, Target &out) {
         into(Utf16Sink{{out.at, out.end}}, out, [&](Utf16Sink &sink) { readUtf8Into(text, sink); });
     };
     const auto plain = [](Source &piece, Target &out) {
         return velnls::utf8ToUtf16(piece, out, Order::Native);
     };
-    return alternate(source, target, 1, blocks, utf8Window, plain, endsUtf8);
+    return alternate(source, target, 1, widened(proofs, avx512::utf8ToUtf16, blocks), utf8Window, plain,
+                     endsUtf8);
 }
 
-nlsStatus utf8ToUtf32(Source &source, Target &target) {
+} // namespace
+
+nlsStatus utf8ToUtf16(std::uint32_t proofs, Source &source, Target &target) {
+    return finishes(proofs, avx512::utf8ToUtf16, source, target) ? NLS_OK
+                                                                 : utf8ToUtf16Rest(proofs, source, target);
+}
+
+namespace {
+
+[[gnu::noinline]] nlsStatus utf8ToUtf32Rest(std::uint32_t proofs, Source &source, Target &target) {
     const auto blocks = [](Source &text, Target &out) {
         into(Utf32Sink{{out.at, out.end}}, out, [&](Utf32Sink &sink) { readUtf8Into(text, sink); });
     };
     const auto plain = [](Source &piece, Target &out) {
         return velnls::utf8ToUtf32(piece, out, Order::Native);
     };
-    return alternate(source, target, 1, blocks, utf8Window, plain, endsUtf8);
+    return alternate(source, target, 1, widened(proofs, avx512::utf8ToUtf32, blocks), utf8Window, plain,
+                     endsUtf8);
 }
 
-nlsStatus utf16ToUtf8(Source &source, Target &target) {
+} // namespace
+
+nlsStatus utf8ToUtf32(std::uint32_t proofs, Source &source, Target &target) {
+    return finishes(proofs, avx512::utf8ToUtf32, source, target) ? NLS_OK
+                                                                 : utf8ToUtf32Rest(proofs, source, target);
+}
+
+namespace {
+
+[[gnu::noinline]] nlsStatus utf16ToUtf8Rest(std::uint32_t proofs, Source &source, Target &target) {
     const auto blocks = [](Source &text, Target &out) {
         into(Utf8Sink{{out.at, out.end}}, out,
              [&](Utf8Sink &sink) { readUnitsInto<std::uint16_t>(text, sink); });
@@ -187,10 +291,20 @@ nlsStatus utf16ToUtf8(Source &source, Target &target) {
     const auto plain = [](Source &piece, Target &out) {
         return velnls::utf16ToUtf8(piece, out, Order::Native);
     };
-    return alternate(source, target, 2, blocks, unitWindow<std::uint16_t>, plain, endsUnits);
+    return alternate(source, target, 2, widened(proofs, avx512::utf16ToUtf8, blocks),
+                     unitWindow<std::uint16_t>, plain, endsUnits);
 }
 
-nlsStatus utf32ToUtf8(Source &source, Target &target) {
+} // namespace
+
+nlsStatus utf16ToUtf8(std::uint32_t proofs, Source &source, Target &target) {
+    return finishes(proofs, avx512::utf16ToUtf8, source, target) ? NLS_OK
+                                                                 : utf16ToUtf8Rest(proofs, source, target);
+}
+
+namespace {
+
+[[gnu::noinline]] nlsStatus utf32ToUtf8Rest(std::uint32_t proofs, Source &source, Target &target) {
     const auto blocks = [](Source &text, Target &out) {
         into(Utf8Sink{{out.at, out.end}}, out,
              [&](Utf8Sink &sink) { readUnitsInto<std::uint32_t>(text, sink); });
@@ -198,22 +312,50 @@ nlsStatus utf32ToUtf8(Source &source, Target &target) {
     const auto plain = [](Source &piece, Target &out) {
         return velnls::utf32ToUtf8(piece, out, Order::Native);
     };
-    return alternate(source, target, 4, blocks, unitWindow<std::uint32_t>, plain, endsUnits);
+    return alternate(source, target, 4, widened(proofs, avx512::utf32ToUtf8, blocks),
+                     unitWindow<std::uint32_t>, plain, endsUnits);
 }
 
-nlsStatus utf16ToUtf32(Source &source, Target &target) {
+} // namespace
+
+nlsStatus utf32ToUtf8(std::uint32_t proofs, Source &source, Target &target) {
+    return finishes(proofs, avx512::utf32ToUtf8, source, target) ? NLS_OK
+                                                                 : utf32ToUtf8Rest(proofs, source, target);
+}
+
+namespace {
+
+[[gnu::noinline]] nlsStatus utf16ToUtf32Rest(std::uint32_t proofs, Source &source, Target &target) {
     const auto plain = [](Source &piece, Target &out) {
         return velnls::utf16ToUtf32(piece, out, Order::Native, Order::Native);
     };
-    return alternate(source, target, 2, widenUnits, unitWindow<std::uint16_t>, plain, endsUnits);
+    return alternate(source, target, 2, widened(proofs, avx512::utf16ToUtf32, widenUnits),
+                     unitWindow<std::uint16_t>, plain, endsUnits);
 }
 
-nlsStatus utf32ToUtf16(Source &source, Target &target) {
+} // namespace
+
+nlsStatus utf16ToUtf32(std::uint32_t proofs, Source &source, Target &target) {
+    return finishes(proofs, avx512::utf16ToUtf32, source, target) ? NLS_OK
+                                                                  : utf16ToUtf32Rest(proofs, source, target);
+}
+
+namespace {
+
+[[gnu::noinline]] nlsStatus utf32ToUtf16Rest(std::uint32_t proofs, Source &source, Target &target) {
     const auto plain = [](Source &piece, Target &out) {
         return velnls::utf32ToUtf16(piece, out, Order::Native, Order::Native);
     };
     const auto window = [](const Source &) { return std::ptrdiff_t{4}; };
-    return alternate(source, target, 4, narrowUnits, window, plain, endsUnits);
+    return alternate(source, target, 4, widened(proofs, avx512::utf32ToUtf16, narrowUnits), window, plain,
+                     endsUnits);
+}
+
+} // namespace
+
+nlsStatus utf32ToUtf16(std::uint32_t proofs, Source &source, Target &target) {
+    return finishes(proofs, avx512::utf32ToUtf16, source, target) ? NLS_OK
+                                                                  : utf32ToUtf16Rest(proofs, source, target);
 }
 
 #if defined(__SSE2__)
@@ -225,8 +367,9 @@ namespace {
 constexpr std::ptrdiff_t kJapaneseStretch = 32;
 
 template <typename Block, typename IsLead>
-nlsStatus convertJapanese(Source &source, Target &target, IsLead isLead,
-                          nlsStatus (*plain)(Source &, Target &)) {
+[[gnu::noinline]] nlsStatus convertJapanese(std::uint32_t proofs, void (*wide)(Source &, Target &),
+                                            Source &source, Target &target, IsLead isLead,
+                                            nlsStatus (*plain)(Source &, Target &)) {
     const auto window = [isLead](const Source &text) {
         const std::ptrdiff_t left = text.end - text.at;
         if (left < 64 + 16)
@@ -236,30 +379,37 @@ nlsStatus convertJapanese(Source &source, Target &target, IsLead isLead,
             length += isLead(text.at[length]) ? 2 : 1;
         return length;
     };
-    return alternate(source, target, 1, japaneseBlocks<Block>, window, plain, endsUtf8);
+    return alternate(source, target, 1, widened(proofs, wide, japaneseBlocks<Block>), window, plain,
+                     endsUtf8);
 }
 
 } // namespace
 
-nlsStatus shiftJisToEuc(Source &source, Target &target) {
+nlsStatus shiftJisToEuc(std::uint32_t proofs, Source &source, Target &target) {
+    if (finishes(proofs, avx512::shiftJisToEuc, source, target))
+        return NLS_OK;
     const auto isLead = [](std::uint8_t byte) {
         return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xEF);
     };
-    return convertJapanese<ShiftJisBlock>(source, target, isLead, velnls::shiftJisToEuc);
+    return convertJapanese<ShiftJisBlock>(proofs, avx512::shiftJisToEuc, source, target, isLead,
+                                          velnls::shiftJisToEuc);
 }
 
-nlsStatus eucToShiftJis(Source &source, Target &target) {
+nlsStatus eucToShiftJis(std::uint32_t proofs, Source &source, Target &target) {
+    if (finishes(proofs, avx512::eucToShiftJis, source, target))
+        return NLS_OK;
     const auto isLead = [](std::uint8_t byte) { return (byte >= 0xA1 && byte <= 0xFE) || byte == 0x8E; };
-    return convertJapanese<EucBlock>(source, target, isLead, velnls::eucToShiftJis);
+    return convertJapanese<EucBlock>(proofs, avx512::eucToShiftJis, source, target, isLead,
+                                     velnls::eucToShiftJis);
 }
 
 #else
 
-nlsStatus shiftJisToEuc(Source &source, Target &target) {
+nlsStatus shiftJisToEuc(std::uint32_t, Source &source, Target &target) {
     return velnls::shiftJisToEuc(source, target);
 }
 
-nlsStatus eucToShiftJis(Source &source, Target &target) {
+nlsStatus eucToShiftJis(std::uint32_t, Source &source, Target &target) {
     return velnls::eucToShiftJis(source, target);
 }
 

@@ -6,26 +6,32 @@
 #pragma once
 
 #include "convert/kernels/kernels.hpp"
+#include "convert/kernels/proofs.hpp"
 
 namespace velnls::fast {
 
-// Any 256-byte map; target.room() is at least source.left().
-void mapBytes(const std::uint8_t *map, Source &source, Target &target);
+// `proofs` is the second word of the converter's header: what is proved of its tables, and the instruction
+// sets.
 
-// kAsciiIdentity with kByteRow or kPairRectangle, as `proofs` says.
+// Any 256-byte map; target.room() is at least source.left().
+void mapBytes(const std::uint8_t *map, std::uint32_t proofs, Source &source, Target &target);
+
+// kAsciiIdentity with kByteRow or kPairRectangle.
+inline bool canMap(std::uint32_t proofs) {
+    return (proofs & kAsciiIdentity) != 0 && (proofs & (kByteRow | kPairRectangle)) != 0;
+}
 nlsStatus pageToUtf8(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target);
 nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target);
-bool canMap(std::uint32_t proofs);
 
-nlsStatus shiftJisToEuc(Source &source, Target &target);
-nlsStatus eucToShiftJis(Source &source, Target &target);
+nlsStatus shiftJisToEuc(std::uint32_t proofs, Source &source, Target &target);
+nlsStatus eucToShiftJis(std::uint32_t proofs, Source &source, Target &target);
 
 // Units in the machine's byte order only.
-nlsStatus utf16ToUtf8(Source &source, Target &target);
-nlsStatus utf8ToUtf16(Source &source, Target &target);
-nlsStatus utf32ToUtf8(Source &source, Target &target);
-nlsStatus utf8ToUtf32(Source &source, Target &target);
-nlsStatus utf16ToUtf32(Source &source, Target &target);
-nlsStatus utf32ToUtf16(Source &source, Target &target);
+nlsStatus utf16ToUtf8(std::uint32_t proofs, Source &source, Target &target);
+nlsStatus utf8ToUtf16(std::uint32_t proofs, Source &source, Target &target);
+nlsStatus utf32ToUtf8(std::uint32_t proofs, Source &source, Target &target);
+nlsStatus utf8ToUtf32(std::uint32_t proofs, Source &source, Target &target);
+nlsStatus utf16ToUtf32(std::uint32_t proofs, Source &source, Target &target);
+nlsStatus utf32ToUtf16(std::uint32_t proofs, Source &source, Target &target);
 
 } // namespace velnls::fast

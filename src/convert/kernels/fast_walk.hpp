@@ -77,12 +77,12 @@ template <std::uint64_t Inside, typename Sink, typename Take>
     return leads == 0;
 }
 
-// Which bytes stand behind a lead byte as its trail, when `leads` marks every byte of a lead's value and the
-// block begins with a character: in a run of such bytes every second one is a trail. One addition per block
-// finds the runs that begin at odd places.
-[[gnu::always_inline]] inline std::uint64_t trailsBehind(std::uint64_t leads) {
+// Which bytes stand behind a lead byte as its trail, when `leads` marks every byte of a lead's value, and
+// `carried` is 1 when the block's first byte is a trail (it is not marked then): in a run of such bytes every
+// second one is a trail. One addition per block finds the runs that begin at odd places.
+[[gnu::always_inline]] inline std::uint64_t trailsBehind(std::uint64_t leads, std::uint64_t carried = 0) {
     constexpr std::uint64_t kEven = 0x5555555555555555;
-    const std::uint64_t follows = leads << 1;
+    const std::uint64_t follows = leads << 1 | carried;
     const std::uint64_t oddRunStarts = leads & ~kEven & ~follows;
     const std::uint64_t runsFromEven = (oddRunStarts + leads) << 1;
     return (kEven ^ runsFromEven) & follows;

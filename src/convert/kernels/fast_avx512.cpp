@@ -1,0 +1,878 @@
+#include "convert/kernels/fast_avx512.hpp"
+
+#if defined(__x86_64__)
+
+// GCC 12 takes the deliberately undefined inputs inside its own intrinsics for mistakes.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
+
+#include "convert/kernels/fast_walk.hpp"
+#include "convert/kernels/proofs.hpp"
+
+namespace velnls::avx512 {
+
+namespace {
+
+using Vector = __m512i;
+
+// ---- Small parts
+// -------------------------------------------------------------------------------------------
+
+[[gnu::always_inline]] inline Vector bytesOf(unsigned byte) {
+    return _mm512_set1_epi8(static_cast<char>(byte));
+}
+[[gnu::always_inline]] inline Vector numbersOf(std::uint32_t number) {
+    return _mm512_set1_epi32(static_cast<int>(number));
+}
+// The low `count` bits, up to all 64.
+[[gnu::always_inline]] inline std::uint64_t lowBits(std::ptrdiff_t count) {
+    return count >= 64 ? ~std::uint64_t{0} : _bzhi_u64(~std::uint64_t{0}, static_cast<unsigned>(count));
+}
+[[gnu::always_inline]] inline std::uint32_t countBits(std::uint64_t mask) {
+    return static_cast<std::uint32_t>(_mm_popcnt_u64(mask));
+}
+[[gnu::always_inline]] inline std::uint32_t firstBitOr64(std::uint64_t mask) {
+    return static_cast<std::uint32_t>(_tzcnt_u64(mask));
+}
+// The position of the start of that number, counted from 0.
+[[gnu::always_inline]] inline std::uint32_t startNumber(std::uint64_t starts, std::uint32_t number) {
+    return firstBitOr64(_pdep_u64(std::uint64_t{1} << number, starts));
+}
+// The lanes before the first of `bad`.
+[[gnu::always_inline]] inline __mmask16 lanesBefore(__mmask16 lanes, std::uint32_t bad) {
+    return bad == 0 ? lanes : static_cast<__mmask16>(lanes & (_blsmsk_u32(bad) >> 1));
+}
+
+// Stores the first `count` bytes. A masked store takes many times as long as a whole one, so it is kept for
+// the last bytes of the target; elsewhere what is behind `count` is scribbled over.
+[[gnu::always_inline]] inline void store(const Target &target, Vector bytes, std::uint32_t count) {
+    if (target.end - target.at >= 64)
+        _mm512_storeu_si512(target.at, bytes);
+    else
+        _mm512_mask_storeu_epi8(target.at, lowBits(count), bytes);
+}
+
+// 0, 1, 2 ... 63.
+[[gnu::always_inline]] inline Vector countingBytes() {
+    const Vector fours = numbersOf(0x03020100);
+    const Vector steps = _mm512_set_epi32(
+        0x3C3C3C3C, 0x38383838, 0x34343434, 0x30303030, 0x2C2C2C2C, 0x28282828, 0x24242424, 0x20202020,
+        0x1C1C1C1C, 0x18181818, 0x14141414, 0x10101010, 0x0C0C0C0C, 0x08080808, 0x04040404, 0x00000000);
+    return _mm512_add_epi8(fours, steps);
+}
+
+// For each of 16 positions four bytes that count on from it. `positions` holds bytes; those from `group`
+// times 16 on are meant.
+[[gnu::always_inline]] inline Vector fourPlaces(Vector positions, int group) {
+    const Vector spread = _mm512_set_epi32(
+        0x0F0F0F0F, 0x0E0E0E0E, 0x0D0D0D0D, 0x0C0C0C0C, 0x0B0B0B0B, 0x0A0A0A0A, 0x09090909, 0x08080808,
+        0x07070707, 0x06060606, 0x05050505, 0x04040404, 0x03030303, 0x02020202, 0x01010101, 0x00000000);
+    const Vector which = _mm512_add_epi8(spread, bytesOf(static_cast<unsigned>(group) * 16));
+    return _mm512_add_epi8(_mm512_permutexvar_epi8(which, positions), numbersOf(0x03020100));
+}
+// The bytes at those places, as numbers. Places behind the block lie in the next one; without one they are
+// taken from the block's begin, and no character looks at them.
+[[gnu::always_inline]] inline Vector gatherBytes(Vector block, Vector positions, int group) {
+    return _mm512_permutexvar_epi8(fourPlaces(positions, group), block);
+}
+[[gnu::always_inline]] inline Vector gatherBytes(Vector block, Vector next, Vector positions, int group) {
+    return _mm512_permutex2var_epi8(block, fourPlaces(positions, group), next);
+}
+
+// Entries of a table of 16-bit numbers. Four bytes are read that end with the entry: behind a table may be
+// nothing, before it lies the arena's own head at least.
+[[gnu::always_inline]] inline Vector lookUp(const std::uint16_t *table, Vector places, __mmask16 lanes,
+                                            Vector otherwise) {
+    const auto *const before = reinterpret_cast<const std::uint8_t *>(table) - 2;
+    const Vector found =
+        _mm512_mask_i32gather_epi32(_mm512_slli_epi32(otherwise, 16), lanes, places, before, 2);
+    return _mm512_srli_epi32(found, 16);
+}
+
+// ---- UTF-8 out
+// ---------------------------------------------------------------------------------------------
+
+inline constexpr std::ptrdiff_t kUtf8Room = 64; // of 16 characters up to U+FFFF, stored as one register
+
+// Writes the lanes' values, none of them a surrogate, as UTF-8.
+[[gnu::always_inline]] inline void putUtf8(Vector values, __mmask16 lanes, Target &target) {
+    const Vector low = numbersOf(0x3F);
+    const __mmask16 two = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x80));
+    const __mmask16 three = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x800));
+    const Vector last = _mm512_and_si512(values, low);
+    const Vector twoBytes = _mm512_or_si512(_mm512_or_si512(numbersOf(0x80C0), _mm512_srli_epi32(values, 6)),
+                                            _mm512_slli_epi32(last, 8));
+    const Vector middle = _mm512_and_si512(_mm512_slli_epi32(values, 2), numbersOf(0x3F00));
+    const Vector threeBytes =
+        _mm512_or_si512(_mm512_or_si512(numbersOf(0x8080E0), _mm512_srli_epi32(values, 12)),
+                        _mm512_or_si512(middle, _mm512_slli_epi32(last, 16)));
+    Vector bytes = _mm512_mask_mov_epi32(values, two, twoBytes);
+    bytes = _mm512_mask_mov_epi32(bytes, three, threeBytes);
+    const std::uint64_t used = _pdep_u64(lanes, 0x1111111111111111) | _pdep_u64(two, 0x2222222222222222) |
+                               _pdep_u64(three, 0x4444444444444444);
+    const std::uint32_t count = countBits(used);
+    _mm512_storeu_si512(target.at, _mm512_maskz_compress_epi8(used, bytes));
+    target.at += count;
+}
+
+// ---- UTF-8 in
+// ----------------------------------------------------------------------------------------------
+
+// Sinks: kAsciiRoom for 64 ASCII characters, kBlockRoom for 64 bytes of any kind, kRoom for 16 characters;
+// putAscii writes the `count` low bytes; put writes lanes and gives those that it refuses, having written the
+// ones before the first of them.
+struct Utf16Sink {
+    static constexpr std::ptrdiff_t kAsciiRoom = 128;
+    static constexpr std::ptrdiff_t kBlockRoom = 128 + 32;
+    static constexpr std::ptrdiff_t kRoom = 32;
+
+    [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
+        _mm512_storeu_si512(target.at, _mm512_cvtepu8_epi16(_mm512_castsi512_si256(block)));
+        _mm512_storeu_si512(target.at + 64, _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(block, 1)));
+        target.at += std::ptrdiff_t{count} * 2;
+    }
+    [[gnu::always_inline]] static __mmask16 put(Vector values, __mmask16 lanes, Target &target) {
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), _mm512_cvtepi32_epi16(values));
+        target.at += std::ptrdiff_t{countBits(lanes)} * 2;
+        return 0;
+    }
+};
+
+struct Utf32Sink {
+    static constexpr std::ptrdiff_t kAsciiRoom = 256;
+    static constexpr std::ptrdiff_t kBlockRoom = 256 + 64;
+    static constexpr std::ptrdiff_t kRoom = 64;
+
+    [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
+        _mm512_storeu_si512(target.at, _mm512_cvtepu8_epi32(_mm512_castsi512_si128(block)));
+        _mm512_storeu_si512(target.at + 64, _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(block, 1)));
+        _mm512_storeu_si512(target.at + 128, _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(block, 2)));
+        _mm512_storeu_si512(target.at + 192, _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(block, 3)));
+        target.at += std::ptrdiff_t{count} * 4;
+    }
+    [[gnu::always_inline]] static __mmask16 put(Vector values, __mmask16 lanes, Target &target) {
+        _mm512_storeu_si512(target.at, values);
+        target.at += std::ptrdiff_t{countBits(lanes)} * 4;
+        return 0;
+    }
+};
+
+struct PageSink {
+    static constexpr std::ptrdiff_t kAsciiRoom = 64;
+    static constexpr std::ptrdiff_t kBlockRoom = 64 + 64;
+    static constexpr std::ptrdiff_t kRoom = 32;
+
+    const std::uint16_t *window;
+    Vector lowest;
+    Vector span;
+
+    explicit PageSink(const MappingBody &body)
+        // Never null; without a window nothing lies inside.
+        : window(body.groups[2].reverse != nullptr ? body.groups[2].reverse : body.groups[2].values),
+          lowest(numbersOf(body.groups[2].lowest)),
+          span(numbersOf(
+              body.groups[2].reverseCount == 0 ? 0 : body.groups[2].highest - body.groups[2].lowest + 1)) {}
+    [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
+        _mm512_storeu_si512(target.at, block);
+        target.at += count;
+    }
+    // The indexes of the lanes whose values lie in the window; kUnmapped elsewhere. `inside` says which do.
+    [[gnu::always_inline]] Vector indexes(Vector values, __mmask16 lanes, __mmask16 &inside) const {
+        const Vector places = _mm512_sub_epi32(values, lowest);
+        inside = _mm512_mask_cmplt_epu32_mask(lanes, places, span);
+        return lookUp(window, places, inside, numbersOf(file::kUnmapped));
+    }
+};
+
+// The windows of single-byte pages are small: they fit registers, where looking up costs a fraction of
+// gathering.
+struct ByteRowSink : PageSink {
+    static constexpr std::uint32_t kParts = 8;
+    static constexpr std::uint32_t kRegisterSpan = kParts * 32; // indexes
+
+    Vector base;
+    Vector part[kParts];
+
+    static bool fits(const MappingBody &body) {
+        const file::MappingGroup &group = body.groups[2];
+        return group.reverseCount != 0 && group.highest - group.lowest < kRegisterSpan;
+    }
+    // The body's window fits.
+    explicit ByteRowSink(const MappingBody &body)
+        : PageSink(body), base(numbersOf(body.groups[2].firstTrail - 1u)) {
+        const std::ptrdiff_t count = body.groups[2].highest - body.groups[2].lowest + 1;
+        for (std::uint32_t i = 0; i < kParts; ++i) {
+            const std::ptrdiff_t left = count - static_cast<std::ptrdiff_t>(32 * i);
+            const auto lanes = static_cast<__mmask32>(left <= 0 ? 0 : lowBits(left));
+            part[i] = _mm512_maskz_loadu_epi16(lanes, reinterpret_cast<const std::uint8_t *>(window) +
+                                                          std::size_t{64} * i);
+        }
+    }
+    // The entries at places below kRegisterSpan.
+    [[gnu::always_inline]] Vector entries(Vector places) const {
+        const __mmask16 second = _mm512_test_epi32_mask(places, numbersOf(0x40));
+        const __mmask16 third = _mm512_test_epi32_mask(places, numbersOf(0x80));
+        const Vector low = _mm512_mask_mov_epi32(_mm512_permutex2var_epi16(part[0], places, part[1]), second,
+                                                 _mm512_permutex2var_epi16(part[2], places, part[3]));
+        const Vector high = _mm512_mask_mov_epi32(_mm512_permutex2var_epi16(part[4], places, part[5]), second,
+                                                  _mm512_permutex2var_epi16(part[6], places, part[7]));
+        return _mm512_and_si512(_mm512_mask_mov_epi32(low, third, high), numbersOf(0xFFFF));
+    }
+    [[gnu::always_inline]] __mmask16 put(Vector values, __mmask16 lanes, Target &target) const {
+        const __mmask16 beyondAscii = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x80));
+        const Vector places = _mm512_sub_epi32(values, lowest);
+        const __mmask16 inside = _mm512_mask_cmplt_epu32_mask(beyondAscii, places, span);
+        const Vector found = _mm512_mask_mov_epi32(numbersOf(file::kUnmapped), inside, entries(places));
+        const __mmask16 refused =
+            _mm512_mask_cmpeq_epi32_mask(beyondAscii, found, numbersOf(file::kUnmapped));
+        const __mmask16 good = lanesBefore(lanes, refused);
+        const Vector bytes = _mm512_mask_add_epi32(values, beyondAscii, found, base);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(target.at), _mm512_cvtepi32_epi8(bytes));
+        target.at += countBits(good);
+        return refused;
+    }
+};
+
+struct PairSink : PageSink {
+    const MappingFacts &facts;
+    const MappingBody &body;
+    Vector codeBase;
+    Vector rowStep;
+    __m512 reciprocal;
+    std::uint32_t leadGapEnd;
+    std::uint32_t leadShift;
+    std::uint32_t trailGapLow;
+    std::uint32_t trailShift;
+
+    explicit PairSink(const MappingBody &page)
+        : PageSink(page), facts(factsOf(page)), body(page),
+          codeBase(numbersOf(page.groups[2].firstLead * 0x100u + page.groups[2].firstTrail)),
+          rowStep(numbersOf(0x100u - page.groups[2].trailsPerLead)),
+          reciprocal(_mm512_set1_ps(1.0F / static_cast<float>(page.groups[2].trailsPerLead))),
+          leadGapEnd(page.groups[2].leadGapLow * 0x100u + 0xFF), leadShift(page.groups[2].leadShift * 0x100u),
+          trailGapLow(page.groups[2].trailGap1Low), trailShift(page.groups[2].trailShift1) {}
+
+    // The indexes of the lanes outside the window: kana and letters by stretches, punctuation one by one.
+    [[gnu::always_inline]] Vector besideWindow(Vector values, __mmask16 lanes, Vector found) const {
+        const auto within = [values, lanes](std::uint32_t begin, std::uint32_t count) {
+            return _mm512_mask_cmplt_epu32_mask(lanes, _mm512_sub_epi32(values, numbersOf(begin)),
+                                                numbersOf(count));
+        };
+        const __mmask16 kana = within(kKanaBegin, 32 * kKanaBlocks);
+        static_assert(kKanaBlocks + kLetterBlocks == 8 && sizeof(LinearBlock) == 4);
+        const Vector blocks = _mm512_castsi256_si512(loadNumber<__m256i>(facts.kana));
+        const auto linear = [&found, values, blocks](__mmask16 which, Vector number) {
+            const Vector block = _mm512_permutexvar_epi32(number, blocks);
+            const Vector first = _mm512_and_si512(block, numbersOf(0xFF));
+            const Vector count = _mm512_and_si512(_mm512_srli_epi32(block, 8), numbersOf(0xFF));
+            const Vector step = _mm512_sub_epi32(_mm512_and_si512(values, numbersOf(31)), first);
+            const __mmask16 hit = _mm512_mask_cmplt_epu32_mask(which, step, count);
+            found = _mm512_mask_mov_epi32(found, hit, _mm512_add_epi32(values, _mm512_srli_epi32(block, 16)));
+        };
+        const auto onePerValue = [&found, values](__mmask16 which, const std::uint8_t *table) {
+            const Vector entries = _mm512_maskz_loadu_epi16((1u << kPunctuation) - 1, table);
+            const Vector entry = _mm512_permutexvar_epi16(values, entries);
+            found = _mm512_mask_and_epi32(found, which, entry, numbersOf(0xFFFF));
+        };
+        linear(kana, _mm512_srli_epi32(_mm512_sub_epi32(values, numbersOf(kKanaBegin)), 5));
+        onePerValue(within(kPunctuationBegin, kPunctuation), body.groups[1].unusedA);
+        for (std::uint32_t i = 0; i < kSoundMarks; ++i)
+            found = _mm512_mask_mov_epi32(
+                found, _mm512_mask_cmpeq_epi32_mask(lanes, values, numbersOf(kSoundMarksBegin + i)),
+                numbersOf(facts.marks[i]));
+        if (const __mmask16 fullWidth = within(kWidePunctuationBegin, 0x100); fullWidth != 0) {
+            onePerValue(within(kWidePunctuationBegin, kPunctuation), body.groups[2].unusedA);
+            linear(within(kLettersBegin, 32 * kLetterBlocks),
+                   _mm512_add_epi32(_mm512_srli_epi32(_mm512_sub_epi32(values, numbersOf(kLettersBegin)), 5),
+                                    numbersOf(kKanaBlocks)));
+        }
+        found = _mm512_and_si512(found, numbersOf(0xFFFF));
+        // No index is 0: there it means none.
+        return _mm512_mask_mov_epi32(found,
+                                     _mm512_mask_cmpeq_epi32_mask(lanes, found, _mm512_setzero_si512()),
+                                     numbersOf(file::kUnmapped));
+    }
+
+    [[gnu::always_inline]] __mmask16 put(Vector values, __mmask16 lanes, Target &target) const {
+        const __mmask16 beyondAscii = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x80));
+        __mmask16 inside = 0;
+        Vector found = indexes(values, beyondAscii, inside);
+        const auto outside = static_cast<__mmask16>(beyondAscii & ~inside);
+        if (outside != 0)
+            found = besideWindow(values, outside, found);
+        const __mmask16 refused =
+            _mm512_mask_cmpeq_epi32_mask(beyondAscii, found, numbersOf(file::kUnmapped));
+        const __mmask16 good = lanesBefore(lanes, refused);
+        // Half a place more than the exact quotient, so that rounding cannot reach the next row or the one
+        // before.
+        const Vector place = _mm512_sub_epi32(found, numbersOf(1));
+        const __m512 middle = _mm512_add_ps(_mm512_cvtepi32_ps(place), _mm512_set1_ps(0.5F));
+        const Vector row = _mm512_cvttps_epi32(_mm512_mul_ps(middle, reciprocal));
+        Vector code = _mm512_add_epi32(_mm512_add_epi32(codeBase, place), _mm512_mullo_epi16(row, rowStep));
+        if (trailShift != 0) {
+            const __mmask16 behind =
+                _mm512_cmpgt_epu32_mask(_mm512_and_si512(code, numbersOf(0xFF)), numbersOf(trailGapLow));
+            code = _mm512_mask_add_epi32(code, behind, code, numbersOf(trailShift));
+        }
+        if (leadShift != 0) {
+            const __mmask16 behind = _mm512_cmpgt_epu32_mask(code, numbersOf(leadGapEnd));
+            code = _mm512_mask_add_epi32(code, behind, code, numbersOf(leadShift));
+        }
+        // Lead byte first.
+        const Vector swapped = _mm512_or_si512(_mm512_srli_epi32(code, 8), _mm512_slli_epi32(code, 8));
+        const __m256i units = _mm512_cvtepi32_epi16(_mm512_mask_mov_epi32(values, beyondAscii, swapped));
+        const std::uint32_t used = _pdep_u32(good, 0x55555555) |
+                                   _pdep_u32(static_cast<std::uint32_t>(good & beyondAscii), 0xAAAAAAAA);
+        const std::uint32_t count = countBits(used);
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), _mm256_maskz_compress_epi8(used, units));
+        target.at += count;
+        return refused;
+    }
+};
+
+// Well-formed characters of one to three bytes, the first byte lowest.
+[[gnu::always_inline]] inline Vector utf8Values(Vector bytes) {
+    const Vector six = numbersOf(0x3F);
+    const __mmask16 isAscii = _mm512_testn_epi32_mask(bytes, numbersOf(0x80));
+    const __mmask16 isThree =
+        _mm512_cmpeq_epi32_mask(_mm512_and_si512(bytes, numbersOf(0xE0)), numbersOf(0xE0));
+    const Vector second = _mm512_and_si512(_mm512_srli_epi32(bytes, 8), six);
+    Vector values = _mm512_or_si512(_mm512_slli_epi32(_mm512_and_si512(bytes, numbersOf(0x1F)), 6), second);
+    const Vector third = _mm512_and_si512(_mm512_srli_epi32(bytes, 16), six);
+    values = _mm512_mask_or_epi32(values, isThree, _mm512_slli_epi32(values, 6), third);
+    return _mm512_mask_and_epi32(values, isAscii, bytes, numbersOf(0x7F));
+}
+
+// Long texts: blocks follow each other at a fixed distance, and what the last characters of one have in the
+// next is carried over, so that no block waits for the end of the one before. Stops before a block that is
+// not well formed, at a character's begin.
+template <typename Sink>
+[[gnu::always_inline]] inline void utf8Blocks(const Sink &sink, Source &source, Target &out) {
+    const std::uint8_t *at = source.at;
+    Target target = out;
+    const Vector counting = countingBytes();
+    std::uint64_t carried = 0; // trail bytes at the block's begin that belong to a character already written
+    while (source.end - at >= 128 && target.end - target.at >= Sink::kBlockRoom) {
+        const Vector block = _mm512_loadu_si512(at);
+        const std::uint64_t notAscii = _mm512_movepi8_mask(block);
+        if (notAscii == 0 && carried == 0) {
+            sink.putAscii(block, 64, target);
+            at += 64;
+            continue;
+        }
+        const Vector next = _mm512_loadu_si512(at + 64);
+        const std::uint64_t lead = _mm512_cmpge_epu8_mask(block, bytesOf(0xC0));
+        const std::uint64_t three = _mm512_cmpge_epu8_mask(block, bytesOf(0xE0));
+        const std::uint64_t four = _mm512_cmpge_epu8_mask(block, bytesOf(0xF0));
+        const std::uint64_t trail = notAscii & ~lead;
+        const std::uint64_t behind = lead >> 63 | three >> 62;
+        const std::uint64_t trailsBehindBlock =
+            _mm512_movepi8_mask(next) & ~_mm512_cmpge_epu8_mask(next, bytesOf(0xC0));
+        if (((trail ^ (lead << 1 | three << 2 | carried)) | four | (behind & ~trailsBehindBlock)) != 0)
+            break;
+        const std::uint64_t starts = ~trail;
+        const Vector positions = _mm512_maskz_compress_epi8(starts, counting);
+        const std::uint32_t count = countBits(starts);
+        std::uint32_t refused = 0;
+        int group = 0;
+        for (std::uint32_t left = count; left != 0; ++group) {
+            const std::uint32_t taken = left < 16 ? left : 16;
+            const Vector values = utf8Values(gatherBytes(block, next, positions, group));
+            refused = sink.put(values, static_cast<__mmask16>(lowBits(taken)), target);
+            if (refused != 0)
+                break;
+            left -= taken;
+        }
+        if (refused != 0) {
+            at += startNumber(starts, 16 * static_cast<std::uint32_t>(group) + _tzcnt_u32(refused));
+            carried = 0;
+            break;
+        }
+        at += 64;
+        carried = behind;
+    }
+    source.at = at + countBits(carried);
+    out.at = target.at;
+}
+
+template <typename Sink>
+[[gnu::always_inline]] inline void fromUtf8(const Sink &sink, Source &source, Target &out) {
+    if (source.end - source.at >= 128)
+        utf8Blocks(sink, source, out);
+    const std::uint8_t *at = source.at;
+    Target target = out;
+    const Vector counting = countingBytes();
+    while (at < source.end) {
+        const std::ptrdiff_t left = source.end - at;
+        const std::uint32_t size = left < 64 ? static_cast<std::uint32_t>(left) : 64;
+        const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), at);
+        const std::uint64_t notAscii = _mm512_movepi8_mask(block);
+        if (notAscii == 0) {
+            if (target.end - target.at < Sink::kAsciiRoom)
+                break;
+            sink.putAscii(block, size, target);
+            at += size;
+            continue;
+        }
+        const std::uint64_t lead = _mm512_cmpge_epu8_mask(block, bytesOf(0xC0));
+        const std::uint64_t three = _mm512_cmpge_epu8_mask(block, bytesOf(0xE0));
+        const std::uint64_t four = _mm512_cmpge_epu8_mask(block, bytesOf(0xF0));
+        const std::uint64_t trail = notAscii & ~lead;
+        // Everything before the first byte that is not as announced; a character that reaches beyond is left.
+        const std::uint64_t odd = (trail ^ (lead << 1 | three << 2)) | four;
+        std::uint32_t limit = firstBitOr64(odd);
+        limit = limit < size ? limit : size;
+        std::uint64_t starts = ~trail & lowBits(limit);
+        if (starts == 0)
+            break;
+        const std::uint32_t lastStart = 63 - static_cast<std::uint32_t>(_lzcnt_u64(starts));
+        const std::uint32_t lastLength = 1 + static_cast<std::uint32_t>(lead >> lastStart & 1) +
+                                         static_cast<std::uint32_t>(three >> lastStart & 1);
+        if (lastStart + lastLength > limit) {
+            starts &= ~(std::uint64_t{1} << lastStart);
+            limit = lastStart;
+        }
+        const Vector positions = _mm512_maskz_compress_epi8(starts, counting);
+        std::uint32_t count = countBits(starts);
+        std::uint32_t end = limit;
+        bool stopped = count == 0;
+        for (int group = 0; count != 0; ++group) {
+            if (count < 16 && group != 0 &&
+                size == 64) { // they fill a register better with those behind them
+                end = startNumber(starts, 16 * static_cast<std::uint32_t>(group));
+                break;
+            }
+            if (target.end - target.at < Sink::kRoom) {
+                stopped = true;
+                end = startNumber(starts, 16 * static_cast<std::uint32_t>(group));
+                break;
+            }
+            const std::uint32_t taken = count < 16 ? count : 16;
+            const auto lanes = static_cast<__mmask16>(lowBits(taken));
+            const Vector values = utf8Values(gatherBytes(block, positions, group));
+            const std::uint32_t refused = sink.put(values, lanes, target);
+            if (refused != 0) {
+                stopped = true;
+                end = firstBitOr64(_pdep_u64(
+                    std::uint64_t{1} << (16 * group + static_cast<int>(_tzcnt_u32(refused))), starts));
+                break;
+            }
+            count -= taken;
+        }
+        at += end;
+        if (stopped)
+            break;
+    }
+    source.at = at;
+    out.at = target.at;
+}
+
+// ---- Units in
+// ----------------------------------------------------------------------------------------------
+
+[[gnu::always_inline]] inline __mmask32 surrogates16(Vector units) {
+    return _mm512_cmpeq_epi16_mask(_mm512_and_si512(units, _mm512_set1_epi16(static_cast<short>(0xF800))),
+                                   _mm512_set1_epi16(static_cast<short>(0xD800)));
+}
+// Surrogates and what lies beyond U+FFFF.
+[[gnu::always_inline]] inline __mmask16 odd32(Vector units) {
+    return static_cast<__mmask16>(
+        _mm512_cmpeq_epi32_mask(_mm512_and_si512(units, numbersOf(0xFFFFF800)), numbersOf(0xD800)) |
+        _mm512_cmpge_epu32_mask(units, numbersOf(0x10000)));
+}
+
+[[gnu::always_inline]] inline std::uint32_t smaller(std::ptrdiff_t a, std::uint32_t b) {
+    return a < static_cast<std::ptrdiff_t>(b) ? static_cast<std::uint32_t>(a) : b;
+}
+
+// ---- Pages in
+// ----------------------------------------------------------------------------------------------
+
+// 128 values by the low seven bits of 32 bytes.
+struct RowTable {
+    Vector part[4];
+
+    explicit RowTable(const MappingBody &body) {
+        const auto *const values = reinterpret_cast<const std::uint8_t *>(body.groups[2].values) +
+                                   (0x80 - body.groups[2].firstTrail + 1) * 2;
+        for (int i = 0; i < 4; ++i)
+            part[i] = _mm512_loadu_si512(values + 64 * i);
+    }
+    [[gnu::always_inline]] Vector valuesOf(Vector bytes, __mmask32 beyondAscii) const {
+        const Vector low = _mm512_permutex2var_epi16(part[0], bytes, part[1]);
+        const Vector high = _mm512_permutex2var_epi16(part[2], bytes, part[3]);
+        const __mmask32 upper = _mm512_test_epi16_mask(bytes, _mm512_set1_epi16(0x40));
+        return _mm512_mask_mov_epi16(bytes, beyondAscii, _mm512_mask_mov_epi16(low, upper, high));
+    }
+};
+
+// ---- Japanese
+// ----------------------------------------------------------------------------------------------
+
+[[gnu::always_inline]] inline std::uint64_t between(Vector bytes, unsigned low, unsigned high) {
+    return _mm512_cmple_epu8_mask(_mm512_sub_epi8(bytes, bytesOf(low)), bytesOf(high - low));
+}
+
+struct ShiftJisText {
+    static std::uint64_t leadValues(Vector bytes) {
+        return between(bytes, 0x81, 0x9F) | between(bytes, 0xE0, 0xEF);
+    }
+    static std::uint64_t oddSingles(Vector bytes) {
+        return between(bytes, 0xA1, 0xDF); // half-width katakana
+    }
+    static std::uint64_t oddTrails(Vector bytes) {
+        return ~between(bytes, 0x40, 0xFC);
+    }
+    // `next` and `before` are the bytes one place further and one place back.
+    [[gnu::always_inline]] static Vector convert(Vector bytes, Vector next, Vector, std::uint64_t leads,
+                                                 std::uint64_t trails) {
+        const std::uint64_t low = _mm512_cmplt_epu8_mask(bytes, bytesOf(0xA0));
+        Vector first = _mm512_sub_epi8(_mm512_add_epi8(bytes, bytes),
+                                       _mm512_mask_mov_epi8(bytesOf(0xE0), low, bytesOf(0x60)));
+        first = _mm512_mask_sub_epi8(first, _mm512_cmplt_epu8_mask(next, bytesOf(0x9F)), first, bytesOf(1));
+        Vector shift =
+            _mm512_mask_mov_epi8(bytesOf(0x02), _mm512_cmplt_epu8_mask(bytes, bytesOf(0x9F)), bytesOf(0x60));
+        shift = _mm512_mask_mov_epi8(shift, _mm512_cmplt_epu8_mask(bytes, bytesOf(0x80)), bytesOf(0x61));
+        const Vector made = _mm512_mask_mov_epi8(bytes, leads, first);
+        return _mm512_mask_add_epi8(made, trails, bytes, shift);
+    }
+};
+
+struct EucText {
+    static std::uint64_t leadValues(Vector bytes) {
+        return between(bytes, 0xA1, 0xFE);
+    }
+    static std::uint64_t oddSingles(Vector bytes) {
+        return _mm512_cmpeq_epi8_mask(bytes, bytesOf(0x8E)); // the shift before half-width katakana
+    }
+    static std::uint64_t oddTrails(Vector bytes) {
+        return ~leadValues(bytes);
+    }
+    [[gnu::always_inline]] static Vector convert(Vector bytes, Vector, Vector before, std::uint64_t leads,
+                                                 std::uint64_t trails) {
+        const Vector row = _mm512_sub_epi8(bytes, bytesOf(0x80));
+        const std::uint64_t low = _mm512_cmplt_epu8_mask(row, bytesOf(0x5F));
+        const Vector first = _mm512_add_epi8(_mm512_avg_epu8(row, _mm512_setzero_si512()),
+                                             _mm512_mask_mov_epi8(bytesOf(0xB0), low, bytesOf(0x70)));
+        const std::uint64_t odd = _mm512_test_epi8_mask(before, bytesOf(1));
+        Vector shift = bytesOf(0x7E);
+        shift = _mm512_mask_mov_epi8(shift, odd, bytesOf(0x20));
+        shift = _mm512_mask_mov_epi8(shift, odd & _mm512_cmplt_epu8_mask(row, bytesOf(0x60)), bytesOf(0x1F));
+        const Vector made = _mm512_mask_mov_epi8(bytes, leads, first);
+        return _mm512_mask_add_epi8(made, trails, row, shift);
+    }
+};
+
+// Blocks follow each other at a fixed distance: a pair that begins with a block's last byte is carried into
+// the next one, so that no block waits for the end of the one before.
+template <typename Text>
+[[gnu::always_inline]] inline void convertJapanese(Source &source, Target &out) {
+    const Vector placeBefore = _mm512_sub_epi8(countingBytes(), bytesOf(1));
+    const std::uint8_t *at = source.at;
+    Target target = out;
+    std::uint64_t carried = 0; // 1: the block's first byte is a trail
+    while (at < source.end) {
+        const std::uint32_t size = smaller(source.end - at, 64);
+        if (target.end - target.at < static_cast<std::ptrdiff_t>(size))
+            break;
+        const std::uint64_t whole = lowBits(size);
+        const Vector bytes = _mm512_maskz_loadu_epi8(whole, at);
+        const Vector next = _mm512_maskz_loadu_epi8(lowBits(source.end - at - 1), at + 1);
+        // Before the first byte of the source nothing is read: it is no trail.
+        const Vector before = carried != 0 ? _mm512_maskz_loadu_epi8(whole, at - 1)
+                                           : _mm512_permutexvar_epi8(placeBefore, bytes);
+        const std::uint64_t leadValues = Text::leadValues(bytes) & ~carried;
+        const std::uint64_t trails = trailsBehind(leadValues, carried) & whole;
+        const std::uint64_t leads = leadValues & ~trails;
+        const std::uint64_t oddSingles = Text::oddSingles(bytes) & ~trails & ~leads & whole;
+        const std::uint64_t oddTrails = Text::oddTrails(bytes) & trails;
+        store(target, Text::convert(bytes, next, before, leads, trails), size);
+        if ((oddSingles | oddTrails) != 0) {
+            // The characters before the first odd one stay; a pair begins one byte before its trail.
+            const auto single = static_cast<std::ptrdiff_t>(firstBitOr64(oddSingles));
+            const auto pair = static_cast<std::ptrdiff_t>(firstBitOr64(oddTrails)) - 1;
+            const std::ptrdiff_t good = single < pair || oddTrails == 0 ? single : pair;
+            at += good;
+            target.at += good;
+            carried = 0;
+            break;
+        }
+        at += size;
+        target.at += size;
+        carried = leads >> (size - 1) & 1;
+    }
+    // A pair without its trail, at the end of the source or of the target's room, is left.
+    source.at = at - static_cast<std::ptrdiff_t>(carried);
+    out.at = target.at - static_cast<std::ptrdiff_t>(carried);
+}
+
+} // namespace
+
+void mapBytes(const std::uint8_t *map, Source &source, Target &target) {
+    const Vector a = _mm512_loadu_si512(map);
+    const Vector b = _mm512_loadu_si512(map + 64);
+    const Vector c = _mm512_loadu_si512(map + 128);
+    const Vector d = _mm512_loadu_si512(map + 192);
+    const std::uint8_t *at = source.at;
+    Target running = target;
+    while (at < source.end) {
+        const std::uint32_t size = smaller(source.end - at, 64);
+        const Vector bytes = _mm512_maskz_loadu_epi8(lowBits(size), at);
+        const Vector low = _mm512_permutex2var_epi8(a, bytes, b);
+        const Vector high = _mm512_permutex2var_epi8(c, bytes, d);
+        store(running, _mm512_mask_mov_epi8(low, _mm512_movepi8_mask(bytes), high), size);
+        at += size;
+        running.at += size;
+    }
+    source.at = at;
+    target.at = running.at;
+}
+
+void byteRowToUtf8(const MappingBody &body, Source &source, Target &out) {
+    const RowTable table(body);
+    const std::uint8_t *at = source.at;
+    Target target = out;
+    while (at < source.end && target.end - target.at >= 2 * kUtf8Room) {
+        const std::uint32_t size = smaller(source.end - at, 64);
+        const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), at);
+        const std::uint64_t notAscii = _mm512_movepi8_mask(block);
+        if (notAscii == 0) {
+            _mm512_storeu_si512(target.at, block);
+            at += size;
+            target.at += size;
+            continue;
+        }
+        const Vector values = table.valuesOf(_mm512_cvtepu8_epi16(_mm512_castsi512_si256(block)),
+                                             static_cast<__mmask32>(notAscii));
+        const std::uint32_t unmapped = _mm512_cmpeq_epi16_mask(values, _mm512_set1_epi16(-1));
+        const std::uint32_t half = size < 32 ? size : 32;
+        const std::uint32_t good = unmapped == 0 ? half : firstBitOr64(unmapped);
+        const std::uint64_t lanes = lowBits(good);
+        putUtf8(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(values)), static_cast<__mmask16>(lanes), target);
+        if (good > 16)
+            putUtf8(_mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(values, 1)),
+                    static_cast<__mmask16>(lanes >> 16), target);
+        if (unmapped != 0) {
+            at += good;
+            break;
+        }
+        at += half;
+    }
+    source.at = at;
+    out.at = target.at;
+}
+
+void utf8ToByteRow(const MappingBody &body, Source &source, Target &target) {
+    if (ByteRowSink::fits(body))
+        fromUtf8(ByteRowSink(body), source, target);
+}
+
+void utf8ToPairs(const MappingBody &body, Source &source, Target &target) {
+    fromUtf8(PairSink(body), source, target);
+}
+
+void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
+    const file::MappingGroup &group = body.groups[2];
+    const Vector counting = countingBytes();
+    const Vector firstLead = numbersOf(group.firstLead);
+    const Vector firstTrail = numbersOf(group.firstTrail);
+    const Vector trailsPerLead = numbersOf(group.trailsPerLead);
+    const bool leadGap = group.leadShift != 0;
+    const bool trailGap = group.trailShift1 != 0;
+    while (source.at < source.end) {
+        const std::uint32_t size = smaller(source.end - source.at, 64);
+        const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), source.at);
+        const std::uint64_t notAscii = _mm512_movepi8_mask(block);
+        if (target.end - target.at < 64)
+            return;
+        if (notAscii == 0) {
+            _mm512_storeu_si512(target.at, block);
+            source.at += size;
+            target.at += size;
+            continue;
+        }
+        std::uint64_t leads = between(block, group.firstLead, group.lastLead);
+        if (leadGap)
+            leads &= ~between(block, group.leadGapLow + 1u, group.leadGapHigh - 1u);
+        const std::uint64_t trails = trailsBehind(leads) & lowBits(size);
+        // A single byte beyond ASCII, or a pair that the block or the source cuts, ends the stretch.
+        const std::uint64_t odd =
+            (notAscii & ~leads & ~trails) | (leads & ~trails & std::uint64_t{1} << (size - 1));
+        std::uint32_t limit = firstBitOr64(odd);
+        limit = limit < size ? limit : size;
+        const std::uint64_t starts = ~trails & lowBits(limit);
+        const Vector positions = _mm512_maskz_compress_epi8(starts, counting);
+        std::uint32_t count = countBits(starts);
+        std::uint32_t end = limit;
+        bool stopped = count == 0;
+        for (int group16 = 0; count != 0; ++group16) {
+            if (count < 16 && group16 != 0 && size == 64) {
+                end = startNumber(starts, 16 * static_cast<std::uint32_t>(group16));
+                break;
+            }
+            std::uint32_t refusedAt = 0;
+            __mmask16 refused = 0;
+            if (target.end - target.at < kUtf8Room) {
+                refused = 1;
+            } else {
+                const std::uint32_t taken = count < 16 ? count : 16;
+                const auto lanes = static_cast<__mmask16>(lowBits(taken));
+                const Vector bytes = gatherBytes(block, positions, group16);
+                const Vector lead = _mm512_and_si512(bytes, numbersOf(0xFF));
+                const Vector trail = _mm512_and_si512(_mm512_srli_epi32(bytes, 8), numbersOf(0xFF));
+                const __mmask16 pairs = _mm512_mask_cmpge_epu32_mask(lanes, lead, numbersOf(0x80));
+                Vector row = _mm512_sub_epi32(lead, firstLead);
+                if (leadGap)
+                    row =
+                        _mm512_mask_sub_epi32(row, _mm512_cmpgt_epu32_mask(lead, numbersOf(group.leadGapLow)),
+                                              row, numbersOf(group.leadShift));
+                Vector column = _mm512_sub_epi32(trail, firstTrail);
+                __mmask16 inGap = 0;
+                if (trailGap) {
+                    const __mmask16 behind = _mm512_cmpgt_epu32_mask(trail, numbersOf(group.trailGap1Low));
+                    inGap = _mm512_mask_cmplt_epu32_mask(behind, trail, numbersOf(group.trailGap1High));
+                    column = _mm512_mask_sub_epi32(column, behind, column, numbersOf(group.trailShift1));
+                }
+                const __mmask16 inside = static_cast<__mmask16>(
+                    _mm512_mask_cmplt_epu32_mask(pairs, column, trailsPerLead) & ~inGap);
+                const Vector index = _mm512_add_epi32(
+                    _mm512_add_epi32(_mm512_mullo_epi16(row, trailsPerLead), column), numbersOf(1));
+                const Vector found = lookUp(group.values, index, inside, numbersOf(file::kUnmapped));
+                refused = _mm512_mask_cmpeq_epi32_mask(pairs, found, numbersOf(file::kUnmapped));
+                putUtf8(_mm512_mask_mov_epi32(lead, pairs, found), lanesBefore(lanes, refused), target);
+                count -= taken;
+            }
+            if (refused != 0) {
+                refusedAt = 16 * static_cast<std::uint32_t>(group16) +
+                            static_cast<std::uint32_t>(_tzcnt_u32(refused));
+                end = startNumber(starts, refusedAt);
+                stopped = true;
+                break;
+            }
+        }
+        source.at += end;
+        if (stopped)
+            return;
+    }
+}
+
+void utf8ToUtf16(Source &source, Target &target) {
+    fromUtf8(Utf16Sink{}, source, target);
+}
+
+void utf8ToUtf32(Source &source, Target &target) {
+    fromUtf8(Utf32Sink{}, source, target);
+}
+
+// In the loops over units a whole register moves the position by a constant: the next load then waits for no
+// result of this one.
+
+void utf16ToUtf8(Source &source, Target &out) {
+    const std::uint8_t *at = source.at;
+    Target target = out;
+    while (source.end - at >= 2 && target.end - target.at >= 2 * kUtf8Room) {
+        const std::uint32_t size = smaller((source.end - at) / 2, 32);
+        const Vector units = _mm512_maskz_loadu_epi16(static_cast<__mmask32>(lowBits(size)), at);
+        if (_mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(0x80)) == 0) {
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), _mm512_cvtepi16_epi8(units));
+            at += std::ptrdiff_t{size} * 2;
+            target.at += size;
+            continue;
+        }
+        const std::uint32_t odd = surrogates16(units);
+        const std::uint32_t good = odd == 0 ? size : firstBitOr64(odd);
+        const std::uint64_t lanes = lowBits(good);
+        putUtf8(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(units)), static_cast<__mmask16>(lanes), target);
+        if (good > 16)
+            putUtf8(_mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(units, 1)),
+                    static_cast<__mmask16>(lanes >> 16), target);
+        if (odd != 0) {
+            at += std::ptrdiff_t{good} * 2;
+            break;
+        }
+        at += std::ptrdiff_t{size} * 2;
+    }
+    source.at = at;
+    out.at = target.at;
+}
+
+void utf32ToUtf8(Source &source, Target &out) {
+    const std::uint8_t *at = source.at;
+    Target target = out;
+    while (source.end - at >= 4 && target.end - target.at >= kUtf8Room) {
+        const std::uint32_t size = smaller((source.end - at) / 4, 16);
+        const Vector units = _mm512_maskz_loadu_epi32(static_cast<__mmask16>(lowBits(size)), at);
+        if (_mm512_cmpge_epu32_mask(units, numbersOf(0x80)) == 0) {
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(target.at), _mm512_cvtepi32_epi8(units));
+            at += std::ptrdiff_t{size} * 4;
+            target.at += size;
+            continue;
+        }
+        const std::uint32_t odd = odd32(units);
+        if (odd != 0) {
+            const std::uint32_t good = firstBitOr64(odd);
+            putUtf8(units, static_cast<__mmask16>(lowBits(good)), target);
+            at += std::ptrdiff_t{good} * 4;
+            break;
+        }
+        putUtf8(units, static_cast<__mmask16>(lowBits(size)), target);
+        at += std::ptrdiff_t{size} * 4;
+    }
+    source.at = at;
+    out.at = target.at;
+}
+
+void utf16ToUtf32(Source &source, Target &target) {
+    const std::uint8_t *at = source.at;
+    std::uint8_t *to = target.at;
+    while (source.end - at >= 2 && target.end - to >= 128) {
+        const std::uint32_t size = smaller((source.end - at) / 2, 32);
+        const Vector units = _mm512_maskz_loadu_epi16(static_cast<__mmask32>(lowBits(size)), at);
+        _mm512_storeu_si512(to, _mm512_cvtepu16_epi32(_mm512_castsi512_si256(units)));
+        _mm512_storeu_si512(to + 64, _mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(units, 1)));
+        const std::uint32_t odd = surrogates16(units);
+        if (odd != 0) {
+            at += std::ptrdiff_t{firstBitOr64(odd)} * 2;
+            to += std::ptrdiff_t{firstBitOr64(odd)} * 4;
+            break;
+        }
+        at += std::ptrdiff_t{size} * 2;
+        to += std::ptrdiff_t{size} * 4;
+    }
+    source.at = at;
+    target.at = to;
+}
+
+void utf32ToUtf16(Source &source, Target &target) {
+    const std::uint8_t *at = source.at;
+    std::uint8_t *to = target.at;
+    while (source.end - at >= 4 && target.end - to >= 32) {
+        const std::uint32_t size = smaller((source.end - at) / 4, 16);
+        const Vector units = _mm512_maskz_loadu_epi32(static_cast<__mmask16>(lowBits(size)), at);
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(to), _mm512_cvtepi32_epi16(units));
+        const std::uint32_t odd = odd32(units);
+        if (odd != 0) {
+            at += std::ptrdiff_t{firstBitOr64(odd)} * 4;
+            to += std::ptrdiff_t{firstBitOr64(odd)} * 2;
+            break;
+        }
+        at += std::ptrdiff_t{size} * 4;
+        to += std::ptrdiff_t{size} * 2;
+    }
+    source.at = at;
+    target.at = to;
+}
+
+void shiftJisToEuc(Source &source, Target &target) {
+    convertJapanese<ShiftJisText>(source, target);
+}
+
+void eucToShiftJis(Source &source, Target &target) {
+    convertJapanese<EucText>(source, target);
+}
+
+} // namespace velnls::avx512
+
+#endif

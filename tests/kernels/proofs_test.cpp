@@ -1,0 +1,109 @@
+// What is proved of the tables of the default data file, so that the differential tests do not compare the
+// plain kernels with themselves.
+#include "convert/kernels/fast.hpp"
+#include "convert/kernels/instruction_sets.hpp"
+#include "convert/kernels/mapping_lookup.hpp"
+#include "convert/kernels/proofs.hpp"
+#include "table_source.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+using namespace velnls;
+using namespace kernel_tests;
+
+namespace {
+
+std::uint32_t proofsOf(const char *page) {
+    const MappingBody *const body = mappingOf(page);
+    return body == nullptr ? 0 : headerOf(body).proofs & ~kWideVectors;
+}
+
+// A private copy that a test may damage.
+MappingBody copyOf(const char *page) {
+    MappingBody body{};
+    std::memcpy(&body, mappingOf(page), sizeof body);
+    return body;
+}
+
+TEST(Proofs, SingleBytePagesAreRows) {
+    for (const char *page : {"1252", "1251", "1250", "KOI8-R", "IBM850", "IBM437", "620-2533", "ISO8859-1"}) {
+        EXPECT_EQ(kAsciiIdentity | kByteRow, proofsOf(page)) << page;
+        EXPECT_TRUE(fast::canMap(proofsOf(page))) << page;
+    }
+}
+
+TEST(Proofs, PagesOfLeadAndTrailBytesAreRectangles) {
+    for (const char *page : {"SHIFT-JIS", "CP949", "CP936", "CP950", "BIG-5"})
+        EXPECT_EQ(kAsciiIdentity | kPairRectangle, proofsOf(page)) << page;
+}
+
+TEST(Proofs, EbcdicIsNotAscii) {
+    EXPECT_FALSE(fast::canMap(proofsOf("IBM037")));
+}
+
+TEST(Proofs, LeadByteOutsideTheRectangleIsRefused) {
+    CharTable table = *copyOf("SHIFT-JIS").charTable;
+    table.attributes[0xA5] = 1; // half-width katakana
+    MappingBody body = copyOf("SHIFT-JIS");
+    body.charTable = &table;
+    EXPECT_EQ(kAsciiIdentity, proveMapping(body));
+}
+
+TEST(Proofs, CharacterOfThreeBytesIsRefused) {
+    CharTable table = *copyOf("CP936").charTable;
+    table.attributes[0x90] = 2;
+    MappingBody body = copyOf("CP936");
+    body.charTable = &table;
+    EXPECT_EQ(kAsciiIdentity, proveMapping(body));
+}
+
+TEST(Proofs, DamagedAsciiIsNoIdentity) {
+    CharTable table = *copyOf("1252").charTable;
+    table.attributes['a'] = 1;
+    MappingBody body = copyOf("1252");
+    body.charTable = &table;
+    EXPECT_EQ(0u, proveMapping(body));
+}
+
+TEST(Proofs, SurrogateAmongTheValuesIsRefused) {
+    for (const char *page : {"1252", "CP936"}) {
+        MappingBody body = copyOf(page);
+        std::vector<std::uint16_t> values(body.groups[2].valueCount);
+        std::memcpy(values.data(), body.groups[2].values, values.size() * 2);
+        values.back() = 0xD800;
+        body.groups[2].values = values.data();
+        EXPECT_EQ(0u, proveMapping(body) & (kByteRow | kPairRectangle)) << page;
+    }
+}
+
+TEST(Proofs, IndexBehindTheRectangleIsRefused) {
+    for (const char *page : {"1252", "CP936"}) {
+        MappingBody body = copyOf(page);
+        std::vector<std::uint16_t> reverse(body.groups[2].reverseCount);
+        std::memcpy(reverse.data(), body.groups[2].reverse, reverse.size() * 2);
+        reverse[reverse.size() / 2] = 0xFFF0;
+        body.groups[2].reverse = reverse.data();
+        EXPECT_EQ(0u, proveMapping(body) & (kByteRow | kPairRectangle)) << page;
+    }
+}
+
+TEST(Proofs, FewerValuesThanTheRectangleIsRefused) {
+    for (const char *page : {"1252", "CP936"}) {
+        MappingBody body = copyOf(page);
+        body.groups[2].valueCount = static_cast<std::uint16_t>(body.groups[2].valueCount - 1);
+        EXPECT_EQ(0u, proveMapping(body) & (kByteRow | kPairRectangle)) << page;
+    }
+}
+
+TEST(Proofs, ReciprocalDividesEveryPlace) {
+    for (const char *page : {"SHIFT-JIS", "CP949", "CP936", "CP950"}) {
+        const MappingBody &body = *mappingOf(page);
+        const std::uint64_t reciprocal = factsOf(body).reciprocal;
+        for (std::uint32_t place = 0; place < 0x10000; ++place)
+            ASSERT_EQ(place / body.groups[2].trailsPerLead, place * reciprocal >> kReciprocalShift) << page;
+    }
+}
+
+} // namespace

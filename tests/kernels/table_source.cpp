@@ -1,0 +1,57 @@
+#include "table_source.hpp"
+
+#include "velnls.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+namespace kernel_tests {
+namespace {
+
+std::vector<unsigned char> dataFile;
+
+std::uint32_t readData(std::uint32_t, std::uint32_t offset, unsigned char *buffer, std::uint32_t length) {
+    if (offset >= dataFile.size())
+        return 0;
+    const auto count = std::min<std::size_t>(length, dataFile.size() - offset);
+    std::memcpy(buffer, dataFile.data() + offset, count);
+    return static_cast<std::uint32_t>(count);
+}
+
+nlsHandle *handle() {
+    static nlsHandle *const opened = [] {
+        std::ifstream file(VELNLS_TEST_DATA, std::ios::binary);
+        dataFile.assign(std::istreambuf_iterator<char>(file), {});
+        static std::vector<unsigned char> memory(16 << 20);
+        nlsHandle *made = nullptr;
+        nlsInit(0, memory.data(), static_cast<std::int32_t>(memory.size()), readData, &made);
+        return made;
+    }();
+    return opened;
+}
+
+} // namespace
+
+const velnls::MappingBody *mappingOf(const std::string &page) {
+    nlsLocale *from = nullptr;
+    nlsLocale *to = nullptr;
+    nlsConversion *conversion = nullptr;
+    if (handle() == nullptr ||
+        nlsCreateLocale(handle(), page.c_str(), NLS_NO_COLLATION, nullptr, &from) != NLS_OK ||
+        nlsCreateLocale(handle(), "UTF-8", NLS_NO_COLLATION, nullptr, &to) != NLS_OK ||
+        nlsCreateConversion(handle(), from, to, &conversion) != NLS_OK)
+        return nullptr;
+    return static_cast<const velnls::MappingBody *>(conversion->converter);
+}
+
+const std::vector<std::string> &pages() {
+    static const std::vector<std::string> names = {
+        "1252",      "1251",      "1250",   "KOI8-R",  "IBM850", "IBM437",     "620-2533",
+        "ISO8859-1", "SHIFT-JIS", "EUCJIS", "KSC5601", "CP949",  "CP1361",     "CP936",
+        "GB2312",    "CP950",     "BIG-5",  "ISO6937", "IBM037", "CP950-HKSCS"};
+    return names;
+}
+
+} // namespace kernel_tests
