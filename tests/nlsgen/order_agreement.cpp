@@ -48,7 +48,7 @@ public:
         Key key;
         for (const std::uint8_t byte : text) {
             if (weights[byte] == 0)
-                key.append(2, weights['s']);
+                key.append(2, weights[0x73]);
             else
                 key += weights[byte];
         }

@@ -16,30 +16,6 @@
 namespace velnls::nlsgen {
 namespace {
 
-const char *kindName(long kind) {
-    switch (kind) {
-    case file::kConversion:
-        return "conversion";
-    case file::kCharSet:
-        return "charset";
-    case file::kCaseTable:
-        return "case";
-    default:
-        return "collation";
-    }
-}
-
-std::vector<EntryView> entriesOf(const FileView &file) {
-    const auto header = file.at<file::Header>(0);
-    const auto directory =
-        static_cast<std::size_t>(readNumber(header.directoryOffset, sizeof header.directoryOffset));
-    const auto count = static_cast<std::size_t>(readNumber(header.entryCount, sizeof header.entryCount));
-    std::vector<EntryView> entries;
-    for (std::size_t i = 0; i < count; i++)
-        entries.push_back(file.entryAt(directory + i * sizeof(file::Entry)));
-    return entries;
-}
-
 void requireSound(std::span<const std::uint8_t> file, const std::string &path) {
     if (const auto fault = firstFault(file))
         throw Problem(path, 0, fault->text());

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace velnls::nlsgen {
 
@@ -53,5 +54,16 @@ int conversionType(const FileView &file, const EntryView &entry);
 inline bool isMappingType(int type) {
     return type == 17 || type == 81 || type == 89;
 }
+
+// A byte page to UTF-8 by 256 units of 16 bits.
+inline bool isByteMapType(int type) {
+    return type == 19 || type == 51;
+}
+
+// The entries of a file whose directory is sound, in their order.
+std::vector<EntryView> entriesOf(const FileView &file);
+
+// The kind of an entry in a word.
+const char *kindName(long kind);
 
 } // namespace velnls::nlsgen

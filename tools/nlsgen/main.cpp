@@ -1,7 +1,8 @@
-// nlsgen: makes the data file of velnls from public tables, checks such files and prints them.
+// nlsgen: makes the data file of velnls from public tables, checks, prints and compares such files.
 #include "build.hpp"
 #include "checker.hpp"
 #include "dumper.hpp"
+#include "file_difference.hpp"
 #include "problem.hpp"
 
 #include <CLI/CLI.hpp>
@@ -19,6 +20,7 @@
 namespace {
 
 constexpr int kFailed = 1;
+constexpr int kUsage = 2;
 
 std::vector<std::uint8_t> readFile(const std::string &path) {
     std::ifstream file(path, std::ios::binary);
@@ -40,6 +42,26 @@ int check(const std::string &path) {
     return 0;
 }
 
+// 0 when the library answers alike with both files, 1 when it does not, 2 when that cannot be told.
+int diff(const std::string &before, const std::string &after, const std::string &unicode) {
+    constexpr int kDifferent = 1;
+    constexpr int kTrouble = 2;
+    try {
+        const velnls::nlsgen::CharacterNames names(unicode + "/UnicodeData.txt");
+        const auto one = readFile(before);
+        const auto other = readFile(after);
+        const std::size_t count =
+            velnls::nlsgen::reportDifferences({before, one}, {after, other}, names, std::cout);
+        std::cout.flush();
+        if (!std::cout)
+            throw velnls::nlsgen::Problem("standard output", 0, "cannot be written");
+        return count == 0 ? 0 : kDifferent;
+    } catch (const std::exception &error) {
+        std::cerr << "nlsgen: " << error.what() << '\n';
+        return kTrouble;
+    }
+}
+
 #ifdef NLSGEN_HAS_ICU
 void writeExtracted(const std::vector<velnls::nlsgen::ExtractedFile> &files, const std::string &folder) {
     for (const auto &extracted : files) {
@@ -57,7 +79,7 @@ void writeExtracted(const std::vector<velnls::nlsgen::ExtractedFile> &files, con
 } // namespace
 
 int main(int argc, char **argv) {
-    CLI::App app{"Makes the velnls data file from public tables, checks such files and prints them."};
+    CLI::App app{"Makes the velnls data file from public tables, checks, prints and compares such files."};
     app.require_subcommand(1);
 
     velnls::nlsgen::Sources sources;
@@ -82,6 +104,13 @@ int main(int argc, char **argv) {
     CLI::App *dump = app.add_subcommand("dump", "Print header and directory of a data file, or tables");
     dump->add_option("FILE", file, "The data file")->required();
     dump->add_option("--entry", entry, "Print these entries: #NUMBER, NAME or NAME/SECOND");
+    std::string otherFile;
+    CLI::App *diffCommand = app.add_subcommand(
+        "diff",
+        "Say what changed from one data file to another; exits with 0 when nothing did, 1 or, in trouble, 2");
+    diffCommand->add_option("A", file, "The data file before")->required();
+    diffCommand->add_option("B", otherFile, "The data file after")->required();
+    diffCommand->add_option("--unicode", sources.unicode, "Folder of UnicodeData.txt")->capture_default_str();
 #ifdef NLSGEN_HAS_ICU
     CLI::App *fromIcu =
         app.add_subcommand("from-icu", "Write the tables below --data that are taken from ICU");
@@ -91,7 +120,11 @@ int main(int argc, char **argv) {
     fromIcu->add_option("--data", sources.data, "Folder of velnls' own tables")->capture_default_str();
 #endif
 
-    CLI11_PARSE(app, argc, argv);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? 0 : kUsage;
+    }
     try {
         if (build->parsed()) {
             if (sources.site.empty())
@@ -100,6 +133,8 @@ int main(int argc, char **argv) {
         }
         if (checkCommand->parsed())
             return check(file);
+        if (diffCommand->parsed())
+            return diff(file, otherFile, sources.unicode);
         if (dump->parsed()) {
             const auto bytes = readFile(file);
             if (entry.empty())
