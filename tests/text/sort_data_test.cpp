@@ -20,6 +20,11 @@ namespace {
 constexpr unsigned kMapPlace = 8;
 constexpr unsigned kFlagsPlace = 6;
 
+Bytes identityBytes() {
+    const fixture::ByteTable table = fixture::identityTable();
+    return {table.begin(), table.end()};
+}
+
 fixture::ByteTable mapOf(const Rebuilt &rebuilt) {
     fixture::ByteTable map{};
     std::copy(rebuilt.sortBlock() + kMapPlace, rebuilt.sortBlock() + kMapPlace + 256, map.begin());
@@ -182,8 +187,7 @@ TEST(SortData, WithATargetTheLettersAreTheTargetsBelowFormat9) {
     fixture::CharacterTable other = fixture::CharacterTable::singleByte();
     other.classes['x'] = 7;
     file.codePage("OTHER", other);
-    file.conversion("1252", "OTHER", 1,
-                    Bytes(fixture::identityTable().begin(), fixture::identityTable().end()));
+    file.conversion("1252", "OTHER", 1, identityBytes());
     fixture::Library library(file);
     Kit one{"1252", kit::Script::Latin, library.locale("1252", "german"), {}};
     one.twin.characters = kit::latinPage();
@@ -214,10 +218,8 @@ TEST(SortData, GivenMapEntriesOverrideTheBuiltOnes) {
 
 TEST(SortData, FlagsTellWhichSideIsUtf8) {
     fixture::DataFile file = kit::worldFile();
-    file.conversion("1252", "UTF-8", 1,
-                    Bytes(fixture::identityTable().begin(), fixture::identityTable().end()));
-    file.conversion("UTF-8", "1252", 1,
-                    Bytes(fixture::identityTable().begin(), fixture::identityTable().end()));
+    file.conversion("1252", "UTF-8", 1, identityBytes());
+    file.conversion("UTF-8", "1252", 1, identityBytes());
     fixture::Library library(file);
     const auto flags = [&library](const char *page, const char *target, unsigned char given = 0) {
         const std::vector<std::uint16_t> data = kit::sortData(7, {}, given);
