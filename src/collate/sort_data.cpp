@@ -44,6 +44,7 @@ nlsStatus buildSortData(const nlsLocale &locale, const std::uint16_t *sortData, 
     const std::uint32_t length = sortDataLength(sortData);
     if (length < sizeof(SortDataHead) || length > room)
         return NLS_E_TABLE;
+    std::memset(block, 0, static_cast<std::size_t>(room)); // the class map may reach behind the data
     std::memcpy(block, sortData, length);
     auto &head = *reinterpret_cast<SortDataHead *>(block);
     if (head.classMap < sizeof head || head.classMap + 256u > room)

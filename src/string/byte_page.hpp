@@ -18,7 +18,7 @@ public:
     static constexpr std::ptrdiff_t kFilterWorth = 160; // bytes of text that repay the making of a filter
     static constexpr std::ptrdiff_t kUnfiltered = 0;    // bytes at the text's end that no filter may judge
 
-    explicit BytePage(const std::uint8_t *weights) : weights_(weights), zeroWeight_(weights['s']) {}
+    explicit BytePage(const std::uint8_t *weights) : weights_(weights), zeroWeight_(weights[unsigned{'s'}]) {}
     [[nodiscard]] const SingleBytes &characters() const {
         return characters_;
     }

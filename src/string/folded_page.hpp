@@ -11,15 +11,19 @@
 
 namespace velnls {
 
-// BASIC by lower case: characters are equal when they fold to the same number.
-template <typename Characters>
-class FoldedPage {
-public:
+struct FoldedPageTraits {
     static constexpr bool kQuick = true;
     static constexpr bool kFirstByteDecides = false;
     static constexpr std::ptrdiff_t kFilterWorth = 512;
     static constexpr std::ptrdiff_t kUnfiltered = 3; // a character that is cut there may fold to any other
+    static constexpr std::ptrdiff_t kAsciiSkipWorth = 48; // bytes of text
+    static constexpr unsigned kMostLooked = 4; // characters behind the first that a filter looks at
+};
 
+// BASIC by lower case: characters are equal when they fold to the same number.
+template <typename Characters>
+class FoldedPage : public FoldedPageTraits {
+public:
     explicit FoldedPage(const nlsLocale &locale)
         : characters_{*locale.charTable}, locale_(locale),
           paged_(locale.charTable->has(file::kUtf8) ? static_cast<const UnicodeCaseTable *>(locale.caseTable)
@@ -124,9 +128,6 @@ public:
     }
 
 private:
-    static constexpr std::ptrdiff_t kAsciiSkipWorth = 48; // bytes of text
-    static constexpr unsigned kMostLooked = 4; // characters behind the first that a filter looks at
-
     // How the characters begin and end that fold to the same number.
     struct FoldForms {
         ByteForms first;

@@ -29,6 +29,8 @@ public:
     LikeWalk(const Page &page, const LikeSigns &signs) : page_(page), signs_(signs) {}
 
     nlsStatus match(const std::uint8_t *pattern, const std::uint8_t *string) {
+        pattern_ = pattern;
+        string_ = string;
         nlsStatus result = matchTo(pattern, string);
         while (result == kAtAnyString)
             result = *pattern_ == 0 ? kLikeYes : matchAnywhere(pattern_, string_);

@@ -1,6 +1,6 @@
 #include "convert/kernels/instruction_sets.hpp"
 
-#if defined(__x86_64__) && __has_include(<sys/platform/x86.h>)
+#if defined(__x86_64__) && !defined(__clang__) && __has_include(<sys/platform/x86.h>)
 #include <sys/platform/x86.h> // what the dynamic loader has found out: asking the processor again traps under a hypervisor
 #define VELNLS_LOADER_KNOWS 1
 #elif defined(__x86_64__)
