@@ -106,6 +106,7 @@ void reportOrder(const PageBytes &bytes, ByteTable was, ByteTable is, const std:
                        (weights.after == 0 ? " sorts as \"ss\" now" : " does not sort as \"ss\" any more"));
     }
     std::vector<TwoWeights> weights;
+    weights.reserve(items.size());
     for (const Item &item : items)
         weights.push_back(item.weights);
     for (const std::size_t index : movedItems(weights))

@@ -50,6 +50,7 @@ std::vector<std::uint8_t> bytesInOrder(const Page &page, const CharacterOrder &o
     }
     std::sort(sorted.begin(), sorted.end());
     std::vector<std::uint8_t> bytes;
+    bytes.reserve(sorted.size());
     for (const auto &[place, byte] : sorted)
         bytes.push_back(byte);
     return bytes;

@@ -194,9 +194,14 @@ private:
         for (const auto &[character, any] : all) {
             const std::string before = counterpart(old, character);
             const std::string after = counterpart(now, character);
-            if (before != after)
-                report_.add(title + report_.character(std::uint32_t{character}) + ": was " + before +
-                            ", is " + after);
+            if (before == after)
+                continue;
+            std::string line = title + report_.character(std::uint32_t{character});
+            line += ": was ";
+            line += before;
+            line += ", is ";
+            line += after;
+            report_.add(line);
         }
     }
 
