@@ -68,10 +68,8 @@ nlsStatus convertChain(const Request &request) {
     step.intermediateCapacity = 0;
     step.check = false;
     const nlsStatus first = convert(step);
-    if (first != NLS_OK && first != NLS_R_SUBSTITUTED) {
-        *request.written = 0; // nothing stands in the destination
-        return first;
-    }
+    if (first != NLS_OK && first != NLS_R_SUBSTITUTED)
+        return first; // with the count of the intermediate text
     step.converter = chain.second;
     step.destination = request.destination;
     step.capacity = request.capacity;

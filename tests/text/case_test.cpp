@@ -171,7 +171,8 @@ TEST(CaseMapping, BytesThatAreNoUtf8FallOnThePageThatTheirNumberGives) {
     World world;
     nlsLocale *const utf8 = world["UTF-8 BASIC"].locale;
     EXPECT_EQ(mapped(utf8, {0xE1}, kUpper), "A"_b) << "page 0, the index of the letter a";
-    // Numbered behind the lead's own pages, on page 0 again: the counterpart of g with the lead byte before it.
+    // Numbered behind the lead's own pages, on page 0 again: the counterpart of g with the lead byte before
+    // it.
     EXPECT_EQ(mapped(utf8, {0xEF, 0xFF, 0xE7}, kUpper), (Bytes{0xEF, 0x00, 'G'}));
     EXPECT_EQ(mapped(utf8, {0xC3, 0xFF}, kLower), (Bytes{0xC3, 0xFF})) << "an index behind its page";
 }
