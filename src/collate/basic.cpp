@@ -1,7 +1,7 @@
 #include "collate/basic.hpp"
 
 #include "collate/weight_stream.hpp"
-#include "string/case_map.hpp"
+#include "locale/case_map.hpp"
 
 namespace velnls {
 

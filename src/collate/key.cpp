@@ -5,7 +5,7 @@
 #include "collate/shift_jis.hpp"
 #include "collate/thai.hpp"
 #include "collate/weights.hpp"
-#include "string/case_text.hpp"
+#include "locale/case_text.hpp"
 
 #include <cstring>
 

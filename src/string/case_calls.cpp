@@ -1,6 +1,6 @@
 // nlsUpperCase, nlsLowerCase.
+#include "locale/case_text.hpp"
 #include "locale/checks.hpp"
-#include "string/case_text.hpp"
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "collate/basic.hpp"
+#include "locale/case_map.hpp"
 #include "locale/unicode_case.hpp"
-#include "string/case_map.hpp"
 #include "string/characters.hpp"
 #include "string/place_filter.hpp"
 

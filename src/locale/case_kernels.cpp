@@ -1,4 +1,4 @@
-#include "string/case_kernels.hpp"
+#include "locale/case_kernels.hpp"
 
 #include <algorithm>
 

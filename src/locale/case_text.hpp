@@ -1,8 +1,8 @@
 // Case mapping of a text by whatever case table its locale carries.
 #pragma once
 
+#include "locale/case_kernels.hpp"
 #include "locale/locale.hpp"
-#include "string/case_kernels.hpp"
 
 namespace velnls {
 

@@ -4,8 +4,8 @@
 // complete text.
 #pragma once
 
+#include "locale/case_map.hpp"
 #include "locale/text.hpp"
-#include "string/case_map.hpp"
 
 #include <cstddef>
 
