@@ -55,11 +55,7 @@
 #include <stdint.h>
 
 #if defined(_WIN32)
-#if defined(VELNLS_BUILDING)
-#define NLS_API __declspec(dllexport)
-#else
-#define NLS_API
-#endif
+#define NLS_API /* velnls.dll has a list of its exports; an import library serves its callers */
 #else
 #define NLS_API __attribute__((visibility("default")))
 #endif
