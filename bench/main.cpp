@@ -1,12 +1,12 @@
-// velnls_bench: the library beside glibc iconv and ICU, in one run, as a markdown table.
+// velnls_bench: the library beside glibc and ICU, in one run, as a markdown table.
 //
 //   velnls_bench [--data=FILE] [--rounds=N] [--check] [ROW ...] [Google Benchmark options]
 //
-// A ROW is a regular expression over "source_to_target/language/size"; without one every row runs. With
+// A ROW is a regular expression over "row/language/size"; without one every row runs. With
 // --check the exit status is 1 when a row is below its floor or when outputs differ.
 #include "contestants.hpp"
+#include "measure.hpp"
 #include "reporter.hpp"
-#include "rows.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -43,33 +43,23 @@ int main(int argc, char **argv) {
         return 2;
     }
 
-    for (const bench::Row &row : bench::rows())
-        for (const bench::Size size : {bench::Size::shortStrings, bench::Size::lines, bench::Size::buffer}) {
-            const std::string name = std::string(row.source) + "_to_" + row.target + "/" + row.language +
-                                     "/" + bench::nameOf(size);
-            benchmark::RegisterBenchmark(name.c_str(),
-                                         [&row, size, name, rounds](benchmark::State &state) {
-                                             // The rounds are inside: contestants must alternate, which
-                                             // separate benchmarks cannot do.
-                                             const bench::Result result = bench::measure(row, size, rounds);
-                                             const double floor =
-                                                 size == bench::Size::buffer ? row.floorBuffer
-                                                 : size == bench::Size::shortStrings
-                                                     ? row.floorShort
-                                                     : std::min(row.floorShort, row.floorBuffer);
-                                             bench::measured()[name] = {result, floor};
-                                             for (auto iteration : state) {
-                                                 (void)iteration;
-                                                 state.SetIterationTime(result.seconds);
-                                             }
-                                             state.SetBytesProcessed(static_cast<std::int64_t>(result.bytes));
-                                             state.counters["ratio"] = result.ratio.median;
-                                             state.counters["lowest"] = result.ratio.lowest;
-                                             state.counters["highest"] = result.ratio.highest;
-                                         })
-                ->UseManualTime()
-                ->Iterations(1);
-        }
+    const bench::Jobs jobs = bench::conversionJobs();
+    for (const bench::Job &job : jobs) {
+        const auto run = [&job, rounds](benchmark::State &state) {
+            // The rounds are inside: contestants must alternate, which separate benchmarks cannot do.
+            const bench::Result result = job.run(rounds);
+            bench::measured()[job.name] = {result, job.floor};
+            for (auto iteration : state) {
+                (void)iteration;
+                state.SetIterationTime(result.seconds);
+            }
+            state.SetBytesProcessed(static_cast<std::int64_t>(result.bytes));
+            state.counters["ratio"] = result.ratio.median;
+            state.counters["lowest"] = result.ratio.lowest;
+            state.counters["highest"] = result.ratio.highest;
+        };
+        benchmark::RegisterBenchmark(job.name.c_str(), run)->UseManualTime()->Iterations(1);
+    }
 
     int count = static_cast<int>(passedOn.size());
     benchmark::Initialize(&count, passedOn.data());

@@ -261,4 +261,17 @@ Result measure(const Row &row, Size size, int rounds) {
     return result;
 }
 
+Jobs conversionJobs() {
+    Jobs jobs;
+    for (const Row &row : rows())
+        for (const Size size : {Size::shortStrings, Size::lines, Size::buffer})
+            jobs.push_back(
+                {std::string(row.source) + "_to_" + row.target + "/" + row.language + "/" + nameOf(size),
+                 size == Size::buffer         ? row.floorBuffer
+                 : size == Size::shortStrings ? row.floorShort
+                                              : std::min(row.floorShort, row.floorBuffer),
+                 [&row, size](int rounds) { return measure(row, size, rounds); }});
+    return jobs;
+}
+
 } // namespace bench

@@ -4,7 +4,9 @@
 #include "rows.hpp"
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace bench {
 
@@ -32,7 +34,18 @@ struct Result {
     Spread ratio; // peer's time by ours, paired per round
 };
 
+// One line of the table, of any family of calls.
+struct Job {
+    std::string name; // "row/language/size"
+    double floor;     // the ratio to the best peer that must hold
+    std::function<Result(int rounds)> run;
+};
+using Jobs = std::vector<Job>;
+
 // Contestants alternate within each of `rounds` rounds, another one first each time.
 Result measure(const Row &row, Size size, int rounds);
+
+// All conversions.
+Jobs conversionJobs();
 
 } // namespace bench
