@@ -29,7 +29,7 @@ PlainOrder::Step PlainOrder::stepOf(const std::string &character) {
 const PlainOrder::Step &PlainOrder::take(const char *&text) {
     char *next = nullptr;
     nlsGetNextChar(locale_, text, &next);
-    const std::string character(text, next);
+    const std::string character(text, static_cast<std::size_t>(next - text));
     text = next;
     const auto found = known_.find(character);
     return found != known_.end() ? found->second : known_.emplace(character, stepOf(character)).first->second;

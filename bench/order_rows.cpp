@@ -51,6 +51,12 @@ nlsLocale *localeOf(const Order &order) {
     return locale;
 }
 
+Result failed(const std::string &problem) {
+    Result result;
+    result.problem = problem;
+    return result;
+}
+
 // The texts of a job. They are kept for the jobs that follow each other.
 const CharacterText &charactersFor(const Order &order) {
     static std::string of;
@@ -252,7 +258,7 @@ Result compareResult(const Order &order, int mode, Compares what, Size size, int
     Column column = size == Size::buffer ? longTexts(order, true) : columnOf(charactersFor(order), size);
     nlsLocale *const locale = localeOf(order);
     if (locale == nullptr)
-        return {.problem = "no such locale"};
+        return failed("no such locale");
     OurCompare ours{column, locale, static_cast<std::int16_t>(mode)};
     PlainOrder plain(locale, order.basic, static_cast<std::uint16_t>(mode));
     if (what == Compares::Sorted)
@@ -260,7 +266,7 @@ Result compareResult(const Order &order, int mode, Compares what, Size size, int
     const std::string problem =
         what == Compares::Sort ? checkSort(column, ours, plain) : checkNeighbours(column, ours, plain);
     if (!problem.empty())
-        return {.problem = problem};
+        return failed(problem);
     std::vector<Contender> contenders;
     withCompares(order, mode, column, [&](const char *name, const auto &compare) {
         contenders.push_back(what == Compares::Sort ? sorting(name, column.size(), compare)
@@ -290,7 +296,7 @@ Result keyResult(const Order &order, int mode, Size size, int rounds) {
         size == Size::buffer ? longTexts(order, false) : columnOf(charactersFor(order), size);
     nlsLocale *const locale = localeOf(order);
     if (locale == nullptr)
-        return {.problem = "no such locale"};
+        return failed("no such locale");
     // The keys of ICU and of the C library have several bytes a character.
     std::vector<char> room(65535 * 16);
     const auto key = [&](std::uint32_t i) {
@@ -302,7 +308,7 @@ Result keyResult(const Order &order, int mode, Size size, int rounds) {
     PlainOrder plain(locale, order.basic, static_cast<std::uint16_t>(mode));
     for (std::uint32_t i = 0; i < column.size(); ++i)
         if (std::string(room.data(), key(i)) != plain.key(column.pageText(i)))
-            return {.problem = differs(i)};
+            return failed(differs(i));
 
     std::vector<Contender> contenders{keying("velnls", column.size(), key)};
     contenders[0].answer = [](std::size_t) { return std::string(); };
