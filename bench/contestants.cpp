@@ -1,7 +1,5 @@
 #include "contestants.hpp"
 
-#include "velnls.h"
-
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_err.h>
 #include <unicode/ustring.h>
@@ -362,6 +360,10 @@ bool openDataFile(const std::string &dataFile) {
     std::fclose(file);
     return nlsInit(0, lentMemory.data(), static_cast<std::int32_t>(lentMemory.size()), readData, &handle) ==
            NLS_OK;
+}
+
+nlsHandle *dataHandle() {
+    return handle;
 }
 
 std::unique_ptr<Contestant> openVelnls(const Page &source, const Page &target) {

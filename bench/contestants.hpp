@@ -5,6 +5,7 @@
 #pragma once
 
 #include "pages.hpp"
+#include "velnls.h"
 
 #include <cstddef>
 #include <memory>
@@ -49,6 +50,7 @@ inline std::size_t roomFor(std::size_t sourceBytes) {
 
 // Opens `dataFile` for the whole run; call once before openVelnls.
 bool openDataFile(const std::string &dataFile);
+nlsHandle *dataHandle(); // what it was opened with
 
 std::unique_ptr<Contestant> openVelnls(const Page &source, const Page &target);
 std::unique_ptr<Contestant> openIconv(const Page &source, const Page &target);

@@ -6,7 +6,9 @@
 // --check the exit status is 1 when a row is below its floor or when outputs differ.
 #include "contestants.hpp"
 #include "measure.hpp"
+#include "order_rows.hpp"
 #include "reporter.hpp"
+#include "string_rows.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -43,7 +45,11 @@ int main(int argc, char **argv) {
         return 2;
     }
 
-    const bench::Jobs jobs = bench::conversionJobs();
+    bench::Jobs jobs = bench::conversionJobs();
+    for (const bench::Job &job : bench::orderJobs())
+        jobs.push_back(job);
+    for (const bench::Job &job : bench::stringJobs())
+        jobs.push_back(job);
     for (const bench::Job &job : jobs) {
         const auto run = [&job, rounds](benchmark::State &state) {
             // The rounds are inside: contestants must alternate, which separate benchmarks cannot do.
