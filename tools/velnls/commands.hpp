@@ -111,6 +111,12 @@ struct CheckOptions {
     std::vector<std::string> files;
 };
 
+struct WordsOptions {
+    std::string page = "UTF-8";
+    std::string data;
+    std::vector<std::string> files;
+};
+
 struct RecordOptions {
     std::string action; // make, show, verify
     std::string page = "UTF-8";
@@ -130,6 +136,7 @@ int runReplace(const ReplaceOptions &options);
 int runCase(const CaseOptions &options);
 int runCount(const CountOptions &options);
 int runCheck(const CheckOptions &options);
+int runWords(const WordsOptions &options);
 int runRecord(const RecordOptions &options);
 
 } // namespace velnls::tool

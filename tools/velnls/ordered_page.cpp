@@ -56,17 +56,7 @@ OrderedPage::OrderedPage(const OrderOptions &options)
     const std::vector<std::string> tables = Library::list(page_.locale, NameList::CaseTables);
     const bool hasBasic = std::find(tables.begin(), tables.end(), "basic") != tables.end();
     locale_ = library_.locale(page_.name, collation, hasBasic ? "basic" : "");
-    for (unsigned byte = 0; byte < 256; ++byte) {
-        std::array<char, kLongestCharacter + 2> text;
-        text.fill('A');
-        text[0] = static_cast<char>(byte);
-        text.back() = '\0';
-        char *next = text.data() + 1;
-        if (byte != 0) {
-            nlsGetNextChar(locale_, text.data(), &next);
-        }
-        steps_[byte] = static_cast<unsigned char>(next - text.data());
-    }
+    trailCounts_ = trailCountsOf(locale_);
 }
 
 std::string OrderedPage::argument(const std::string &text, const char *what) {

@@ -35,7 +35,7 @@ public:
     }
     // Bytes of the character that begins with "byte", as the library walks.
     std::size_t step(unsigned char byte) const {
-        return steps_[byte];
+        return trailCounts_[byte] + std::size_t{1};
     }
     // A word of the command line, which is UTF-8, in the code page. "what" names it in messages.
     std::string argument(const std::string &text, const char *what);
@@ -49,7 +49,7 @@ private:
     nlsLocale *locale_ = nullptr;
     std::uint16_t mode_;
     bool isIcu_ = false;
-    std::array<unsigned char, 256> steps_ = {};
+    std::array<unsigned char, 256> trailCounts_ = {};
 };
 
 // A page whose text the library walks; throws for UTF-16 and UTF-32, whose bytes it does not.

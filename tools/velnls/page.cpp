@@ -37,21 +37,6 @@ bool sameName(const std::string &name, const char *other) {
            });
 }
 
-void findLeadBytes(Page &page) {
-    for (unsigned byte = 0; byte < 256; ++byte) {
-        // The walk steps over the trail bytes without judging them, so any byte but NUL will do.
-        std::array<char, kLongestCharacter + 2> text;
-        text.fill('A');
-        text[0] = static_cast<char>(byte);
-        text.back() = '\0';
-        char *next = text.data() + 1;
-        if (byte != 0) {
-            nlsGetNextChar(page.locale, text.data(), &next);
-        }
-        page.trailCount[byte] = static_cast<unsigned char>(next - text.data() - 1);
-    }
-}
-
 void findTrailBytes(Page &page) {
     // Which bytes may stand as trail bytes does not depend on the lead byte, so one of two-byte characters
     // tells.
@@ -69,6 +54,21 @@ void findTrailBytes(Page &page) {
 }
 
 } // namespace
+
+std::array<unsigned char, 256> trailCountsOf(nlsLocale *locale) {
+    std::array<unsigned char, 256> counts = {};
+    for (unsigned byte = 1; byte < 256; ++byte) {
+        // The walk steps over the trail bytes without judging them, so any byte but NUL will do.
+        std::array<char, kLongestCharacter + 2> text;
+        text.fill('A');
+        text[0] = static_cast<char>(byte);
+        text.back() = '\0';
+        char *next = text.data() + 1;
+        nlsGetNextChar(locale, text.data(), &next);
+        counts[byte] = static_cast<unsigned char>(next - text.data() - 1);
+    }
+    return counts;
+}
 
 void Page::derive() {
     plainAscii = form == Form::Utf8 || std::all_of(trailCount.begin(), trailCount.begin() + 128,
@@ -115,7 +115,7 @@ Page describePage(Library &library, const std::string &name) {
         page.lineFeed = static_cast<unsigned char>(lineFeed.front());
     }
     if (page.form != Form::SingleByte) {
-        findLeadBytes(page);
+        page.trailCount = trailCountsOf(page.locale);
         findTrailBytes(page);
         page.derive();
     }

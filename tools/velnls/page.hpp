@@ -72,6 +72,9 @@ struct Page {
 // Asks the library about a code page that it knows. Throws StatusError when it does not.
 Page describePage(Library &library, const std::string &name);
 
+// Bytes that follow each first byte, as the library walks.
+std::array<unsigned char, 256> trailCountsOf(nlsLocale *locale);
+
 // Longest character of any page, in bytes.
 constexpr std::size_t kLongestCharacter = 8;
 

@@ -192,6 +192,20 @@ void addCheck(CLI::App &app, Run &run) {
                     "  velnls check -p SHIFT-JIS *.txt\n");
 }
 
+void addWords(CLI::App &app, Run &run) {
+    CLI::App *command = app.add_subcommand("words", "Print the words of text, one a line");
+    const auto options = addCommand<WordsOptions>(command, runWords, run);
+    addPage(command, options->page, options->data);
+    addFiles(command, options->files);
+    command->footer(
+        "Letters and digits form words, as a database's word index cuts them. A character of three\n"
+        "or four bytes in UTF-8, and one of two in a double-byte page, is a word by itself.\n"
+        "\n"
+        "Examples:\n"
+        "  velnls words poem.txt | velnls sort -i -u\n"
+        "  velnls words -p 1251 letter.txt\n");
+}
+
 void addRecord(CLI::App &app, Run &run) {
     CLI::App *command =
         app.add_subcommand("record", "Keep a collation in a file, and compare it with today's");
@@ -227,6 +241,7 @@ void addTextCommands(CLI::App &app, std::function<int()> &run) {
     addCase(app, run);
     addCount(app, run);
     addCheck(app, run);
+    addWords(app, run);
     addRecord(app, run);
 }
 
