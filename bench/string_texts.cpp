@@ -1,7 +1,9 @@
 #include "string_texts.hpp"
 
 #include <unicode/ustring.h>
+#include <unicode/utf8.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <unordered_map>
@@ -9,9 +11,14 @@
 namespace bench {
 namespace {
 
-std::size_t lengthOfUtf8(char lead) {
-    const auto byte = static_cast<unsigned char>(lead);
-    return byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+// The length of the well-formed character at a place; 0 where there is none, as manual pages have it where an
+// escape was cut out.
+std::size_t lengthOfUtf8(const std::string &text, std::size_t at) {
+    std::int32_t next = 0;
+    UChar32 character = 0;
+    const auto available = static_cast<std::int32_t>(std::min<std::size_t>(text.size() - at, 4));
+    U8_NEXT(reinterpret_cast<const std::uint8_t *>(text.data()) + at, next, available, character);
+    return character < 0 ? 0 : static_cast<std::size_t>(next);
 }
 
 std::u16string utf16Of(const std::string &utf8) {
@@ -41,7 +48,11 @@ CharacterText charactersOf(const std::string &language, const Page &page) {
     std::unordered_map<std::string, std::uint32_t> known;
     CharacterText text;
     for (std::size_t i = 0; i < utf8.size();) {
-        const std::size_t length = lengthOfUtf8(utf8[i]);
+        const std::size_t length = lengthOfUtf8(utf8, i);
+        if (length == 0) {
+            ++i;
+            continue;
+        }
         const std::string character = utf8.substr(i, length);
         i += length;
         auto found = known.find(character);
