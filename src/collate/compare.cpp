@@ -2,8 +2,10 @@
 
 #include "collate/basic.hpp"
 #include "collate/shift_jis.hpp"
+#include "collate/sort_exit.hpp"
 #include "collate/thai.hpp"
 #include "collate/weights.hpp"
+#include "icu/collate.hpp"
 
 namespace velnls {
 
@@ -16,6 +18,12 @@ nlsStatus compareTexts(const nlsLocale &locale, Text a, Text b, unsigned mode, i
     case file::kBasic:
         result = mode != 0 ? compareBytes(a, b) : compareFolded(locale, a, b);
         return NLS_OK;
+    case file::kSortExit:
+        return compareByExit(collation, a, b, mode, result);
+    case file::kIcu:
+        if (icu::isServed(collation))
+            return icu::compareTexts(collation, a, b, mode, result);
+        break;
     default:
         break;
     }

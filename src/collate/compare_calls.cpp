@@ -9,11 +9,8 @@ using namespace velnls;
 
 namespace {
 
-// Bits of a key's mode that only ICU keys read.
-constexpr unsigned kIcuKeyBits = 0x6000;
-
 nlsStatus compare(const nlsLocale &locale, Text a, Text b, unsigned mode, std::int16_t &out) {
-    int result = 0;
+    int result = out; // ICU leaves it as it is in the modes that it does not know
     const nlsStatus status = compareTexts(locale, a, b, mode, result);
     if (status == NLS_OK)
         out = static_cast<std::int16_t>(result);
@@ -54,12 +51,12 @@ nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t
             --length;
         text.end = text.at + length;
     }
-    if (const nlsStatus status = writeSortKey(*locale, text, mode & ~kIcuKeyBits, trimKey, key, keySize);
-        status != NLS_OK)
+    const nlsStatus status = writeSortKey(*locale, text, mode, trimKey, key, keySize);
+    if (status != NLS_OK && status != NLS_E_BUFFER)
         return status;
     const void *const end = std::memchr(key, 0, keySize);
     const auto length =
         end == nullptr ? keySize : static_cast<std::uint16_t>(static_cast<const unsigned char *>(end) - key);
     *keyLength = length;
-    return length < keySize ? NLS_OK : NLS_E_BUFFER;
+    return length < keySize ? status : NLS_E_BUFFER;
 }

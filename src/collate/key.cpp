@@ -3,8 +3,10 @@
 #include "collate/basic.hpp"
 #include "collate/compare.hpp"
 #include "collate/shift_jis.hpp"
+#include "collate/sort_exit.hpp"
 #include "collate/thai.hpp"
 #include "collate/weights.hpp"
+#include "icu/collate.hpp"
 #include "locale/case_text.hpp"
 
 #include <cstring>
@@ -59,6 +61,16 @@ void writeBasicKeyThroughShiftJis(const nlsLocale &locale, const ShiftJisWay &wa
     key[length] = 0;
 }
 
+// The form of a text that goes through Shift-JIS, as much as fits, in the buffer of the key to come.
+Text shiftJisForm(const nlsLocale &locale, const ShiftJisWay &way, Text text, std::uint8_t *room,
+                  std::size_t size) {
+    std::size_t length = 0;
+    ShiftJisBytes bytes(*locale.charTable, way, text);
+    while (length < size && bytes.more())
+        room[length++] = bytes.take();
+    return {room, room + length};
+}
+
 // Runs `write` with the way to Shift-JIS that the page goes; null for a page that goes none.
 template <typename Write>
 nlsStatus withShiftJisWay(const nlsLocale &locale, Write write) {
@@ -94,10 +106,27 @@ nlsStatus writeTableKey(const nlsLocale &locale, Text text, unsigned mode, bool 
     });
 }
 
-nlsStatus writeSortKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
-                       std::size_t size) {
+nlsStatus writeIcuKey(const nlsLocale &locale, Text text, unsigned mode, std::uint8_t *key,
+                      std::size_t size) {
+    nlsStatus status = NLS_OK;
+    const nlsStatus found = withShiftJisWay(locale, [&](const ShiftJisWay *way) {
+        const Text source = way == nullptr ? text : shiftJisForm(locale, *way, text, key, size);
+        status = icu::writeKey(*locale.collation, source, mode, key, size);
+    });
+    return found == NLS_OK ? status : found;
+}
+
+nlsStatus writeSortKey(const nlsLocale &locale, Text text, unsigned wholeMode, bool trimKey,
+                       std::uint8_t *key, std::size_t size) {
     const Collation &collation = *locale.collation;
+    // Only ICU reads the two bits.
+    const unsigned mode = wholeMode & ~(icu::kKeyIgnored | icu::kKeyPrimary);
     switch (collation.kind) {
+    case file::kSortExit:
+        return writeExitKey(collation, text, mode, key, size);
+    case file::kIcu:
+        return icu::isServed(collation) ? writeIcuKey(locale, text, wholeMode, key, size)
+                                        : writeTableKey(locale, text, mode, trimKey, key, size);
     case file::kThai:
         if (size != 0)
             key[writeThaiKey(mode != 0 ? collation.caseSensitive : collation.caseInsensitive, text, key,

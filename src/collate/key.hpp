@@ -10,8 +10,8 @@ namespace velnls {
 
 // Writes the NUL-terminated key of `text`, which ends at its bound or NUL, into a buffer of `size` bytes.
 // Leaves the buffer as it is where the mode selects no BASIC key or a BASIC source is too long. `trimKey`:
-// cut trailing 0x20 bytes of a weight key. 0, or 7 or 8 where the Shift-JIS companion is missing: nothing is
-// written then.
+// cut trailing 0x20 bytes of a weight key. 0, or 2 (ICU had to cut the key), or 7 or 8 where the Shift-JIS
+// companion is missing, or 25 where the user sort exit is: nothing is written then.
 nlsStatus writeSortKey(const nlsLocale &locale, Text text, unsigned mode, bool trimKey, std::uint8_t *key,
                        std::size_t size);
 

@@ -1,6 +1,7 @@
 #include "collate/load.hpp"
 
 #include "collate/record_list.hpp"
+#include "collate/sort_exit.hpp"
 #include "convert/build.hpp"
 #include "convert/converter.hpp"
 #include "core/arena.hpp"
@@ -8,6 +9,7 @@
 #include "core/data_file.hpp"
 #include "core/file_layout.hpp"
 #include "core/text.hpp"
+#include "icu/collate.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -23,19 +25,19 @@ bool readsBasic(const file::Collation &record) {
            std::memcmp(record.caseInsensitive, kBasicText, sizeof kBasicText) == 0;
 }
 
-// The record of an "ICU-" collation. No ICU is bound in this version, so the collator never opens: the record
-// is made and listed as unusable, and the load fails.
+// The record of an "ICU-" collation, which has a collator of its own. Where that does not open, the record is
+// listed as unusable and the load fails.
 nlsStatus loadIcuCollation(nlsHandle &handle, const char *charSetName, const char *collationName,
                            Collation *&out) {
     Collation *record = nullptr;
     if (const nlsStatus status = allocate(handle, sizeof *record, 1, record); status != NLS_OK)
         return status;
-    record->kind = kUnusable;
     copyName(record->charSetName, charSetName);
     copyName(record->name, collationName);
+    const nlsStatus status = icu::openCollator(*record);
     pushCollation(*record);
     out = record;
-    return NLS_E_NOMEM;
+    return status;
 }
 
 // The record keeps the names as they were asked for.
@@ -50,8 +52,10 @@ nlsStatus loadEntry(nlsHandle &handle, Entry &entry, const char *charSetName, co
         return NLS_E_TABLE;
     if (raw.kind == file::kBasic && !readsBasic(raw))
         return NLS_E_NOSORT;
-    if (raw.kind == file::kSortExit) // no sort exit can be loaded in this version
-        return NLS_E_NOSORT;
+    if (raw.kind == file::kSortExit) {
+        if (const nlsStatus status = loadSortExit(handle, entry.name2); status != NLS_OK)
+            return status;
+    }
     Collation *record = nullptr;
     if (const nlsStatus status = allocate(handle, sizeof *record, 1, record); status != NLS_OK)
         return status;

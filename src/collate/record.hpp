@@ -15,7 +15,7 @@ struct [[gnu::packed]] Collation {
     std::int32_t variant;
     char charSetName[20];
     char name[20];
-    std::uint8_t unused[4];
+    std::uint32_t collatorOpen; // not 0: the weight areas hold an open ICU collator instead
 };
 static_assert(sizeof(Collation) == 576);
 static_assert(offsetof(Collation, next) == 512);

@@ -1,6 +1,6 @@
 #include "collate/record_list.hpp"
 
-#include <atomic>
+#include "platform/spin_scope.hpp"
 
 namespace velnls {
 
@@ -9,32 +9,24 @@ namespace {
 Collation *head = nullptr;
 std::atomic_flag listInUse = ATOMIC_FLAG_INIT;
 
-// Held for a few pointer writes only, never over a call out of this file.
-class ListScope {
-public:
-    ListScope() {
-        while (listInUse.test_and_set(std::memory_order_acquire)) {
-        }
-    }
-    ~ListScope() {
-        listInUse.clear(std::memory_order_release);
-    }
-    ListScope(const ListScope &) = delete;
-    ListScope &operator=(const ListScope &) = delete;
-};
-
+// The flag is held for a few pointer writes only, never over a call out of this file.
 template <typename Test>
-void unlinkIf(Test test) {
-    const ListScope scope;
+Collation *unlinkIf(Test test) {
+    const platform::SpinScope scope(listInUse);
     Collation *kept = nullptr;
-    for (Collation *record = head; record != nullptr; record = record->next) {
-        if (!test(record))
+    Collation *unlinked = nullptr;
+    for (Collation *record = head; record != nullptr;) {
+        Collation *const next = record->next;
+        if (!test(record)) {
             kept = record;
-        else if (kept == nullptr)
-            head = record->next;
-        else
-            kept->next = record->next;
+        } else {
+            (kept == nullptr ? head : kept->next) = next;
+            record->next = unlinked;
+            unlinked = record;
+        }
+        record = next;
     }
+    return unlinked;
 }
 
 bool liesIn(const Block &block, const void *address) {
@@ -46,13 +38,13 @@ bool liesIn(const Block &block, const void *address) {
 } // namespace
 
 void pushCollation(Collation &record) {
-    const ListScope scope;
+    const platform::SpinScope scope(listInUse);
     record.next = head;
     head = &record;
 }
 
-void forgetCollationsOf(const nlsHandle &handle) {
-    unlinkIf([&handle](const Collation *record) {
+Collation *forgetCollationsOf(const nlsHandle &handle) {
+    return unlinkIf([&handle](const Collation *record) {
         for (const Block *block = handle.block; block != nullptr; block = block->previousBlock) {
             if (liesIn(*block, record))
                 return true;

@@ -9,8 +9,8 @@ namespace velnls {
 
 void pushCollation(Collation &record);
 
-// Takes every record off the list that lies in the handle's lent blocks.
-void forgetCollationsOf(const nlsHandle &handle);
+// Takes every record off the list that lies in the handle's lent blocks, and gives them, linked by `next`.
+Collation *forgetCollationsOf(const nlsHandle &handle);
 
 // Takes one record off the list, if it is there.
 void forgetCollation(const Collation &record);

@@ -2,6 +2,7 @@
 #include "collate/key.hpp"
 #include "collate/sort_data.hpp"
 #include "collate/words.hpp"
+#include "icu/collate.hpp"
 #include "locale/checks.hpp"
 
 #include <algorithm>
@@ -74,9 +75,10 @@ nlsStatus nlsGetNextWord(nlsLocale *locale, char **string, int16_t mode, char *w
     } else {
         if (locale->collation == nullptr)
             return NLS_E_NOSORT;
-        const nlsStatus status =
-            writeTableKey(*locale, terminatedText(found.bytes), static_cast<std::uint16_t>(mode), false,
-                          reinterpret_cast<std::uint8_t *>(word), room);
+        // Under ICU there is no table to make a key from.
+        const auto write = icu::isServed(*locale->collation) ? writeSortKey : writeTableKey;
+        const nlsStatus status = write(*locale, terminatedText(found.bytes), static_cast<std::uint16_t>(mode),
+                                       false, reinterpret_cast<std::uint8_t *>(word), room);
         if (status != NLS_OK)
             return status;
         *length = static_cast<std::uint32_t>(std::strlen(word));

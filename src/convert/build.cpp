@@ -7,6 +7,7 @@
 #include "core/arena.hpp"
 #include "core/data_file.hpp"
 #include "core/text.hpp"
+#include "icu/convert.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -68,6 +69,21 @@ nlsStatus buildUtf8Leg(nlsHandle &handle, const Entry &entry, std::int32_t type,
     return NLS_OK;
 }
 
+// Kinds 5 and 6: ICU's converter for the page that is not Unicode.
+nlsStatus buildIcu(nlsHandle &handle, const char *page, std::int32_t type, const void *&out) {
+    icu::Converter *converter = nullptr;
+    if (icu::openConverter(page, converter) != NLS_OK)
+        return NLS_E_ICU;
+    icu::ConverterBody *body = nullptr;
+    if (const nlsStatus status = newConverter(handle, sizeof *body, type, body); status != NLS_OK) {
+        icu::closeConverter(converter);
+        return status;
+    }
+    body->converter = converter;
+    out = body;
+    return NLS_OK;
+}
+
 // Type 20: building the opposite direction stores this one's table on this entry.
 nlsStatus buildOpposite(nlsHandle &handle, const Entry &entry, const Pending &pending, const void *&out) {
     const void *opposite = nullptr;
@@ -113,8 +129,8 @@ nlsStatus buildByType(nlsHandle &handle, Entry &entry, const file::Conversion &r
     default:
         break;
     }
-    if (masked == kUnicodeToIcu || masked == kIcuToUnicode)
-        return NLS_E_ICU; // no ICU is bound in this version
+    if (icu::isIcuType(type))
+        return buildIcu(handle, masked == kUnicodeToIcu ? entry.name2 : entry.name, type, out);
     if (type == kUtf8ToByte)
         return buildOpposite(handle, entry, pending, out);
     return buildCopy(handle, record, length, type, out);

@@ -3,6 +3,7 @@
 #include "convert/kernels/fast.hpp"
 #include "convert/kernels/kernels.hpp"
 #include "convert/kernels/unicode_units.hpp"
+#include "icu/convert.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -277,6 +278,11 @@ nlsStatus convert(const Request &request) {
     } else if (runFastKernel(kind, request.converter, source, target, status) ||
                runPlainKernel(kind, request.converter, source, target, status)) {
         *request.written = static_cast<std::uint32_t>(wholeUnits(kind, target.at - request.destination));
+    } else if (kind == kUnicodeToIcu || kind == kIcuToUnicode) {
+        status = icu::convert(request.converter, source, target);
+        if (status != NLS_OK)
+            return status;
+        *request.written = static_cast<std::uint32_t>(target.at - request.destination);
     } else {
         if (target.room() > 0)
             *target.at = 0;
@@ -291,23 +297,29 @@ nlsStatus convertCharacter(const void *converter, std::uint32_t character, std::
         return NLS_OK;
     }
     // Four bytes of text with zeros behind them, since decoders may look one byte further.
-    std::uint8_t buffer[8] = {};
+    alignas(2) std::uint8_t buffer[8] = {};
+    alignas(2) std::uint8_t copy[8] = {};
     const std::int32_t length = character < 0x100       ? 1
                                 : character < 0x10000   ? 2
                                 : character < 0x1000000 ? 3
                                                         : 4;
     for (std::int32_t i = 0; i < length; ++i)
         buffer[i] = static_cast<std::uint8_t>(character >> 8 * (length - 1 - i));
+    // In place, but for ICU, which does not say that it reads a character whole before it writes.
+    const std::int32_t kind = kindOf(converter);
+    const bool inPlace = kind != kUnicodeToIcu && kind != kIcuToUnicode;
+    if (!inPlace)
+        std::memcpy(copy, buffer, sizeof copy);
     std::uint32_t written = 0;
     const nlsStatus status = convert({.destination = buffer,
                                       .capacity = 4,
-                                      .source = buffer,
+                                      .source = inPlace ? buffer : copy,
                                       .sourceLength = length,
                                       .converter = converter,
                                       .written = &written});
     if (written == 0 || written > 4)
         return NLS_E_NULLARG;
-    const std::uint32_t counted = kindOf(converter) == kUtf8ToUtf32 ? 1 : written;
+    const std::uint32_t counted = kind == kUtf8ToUtf32 ? 1 : written;
     result = 0;
     for (std::uint32_t i = 0; i < counted; ++i)
         result = result << 8 | buffer[i];

@@ -1,7 +1,11 @@
 // nlsInit, nlsAddBuffer, nlsClose: the life of a handle over lent memory.
 #include "collate/record_list.hpp"
+#include "collate/sort_exit.hpp"
 #include "core/data_file.hpp"
 #include "core/objects.hpp"
+#include "icu/collate.hpp"
+#include "icu/convert.hpp"
+#include "locale/locale.hpp"
 
 #include <cstring>
 
@@ -27,6 +31,22 @@ bool placeDescriptor(nlsHandle &handle, void *memory, std::int32_t size) {
     handle.cursor += taken;
     handle.remaining -= taken;
     return true;
+}
+
+// Gives back what stands outside lent memory: the sort exit, ICU's collators and converters. Collations made
+// by this handle are on the process-wide list; those of rebuilt locales are their own.
+void closeOutside(nlsHandle &handle) {
+    unloadSortExit(handle);
+    for (Collation *record = forgetCollationsOf(handle); record != nullptr; record = record->next)
+        icu::closeCollator(*record);
+    for (ObjectHeader *object = handle.newest; object != nullptr; object = object->next) {
+        if (object->type != kLocaleObject)
+            continue;
+        const auto &locale = *reinterpret_cast<const nlsLocale *>(object);
+        if (locale.blobSize != 0 && locale.collation != nullptr)
+            icu::closeCollator(*locale.collation);
+    }
+    icu::closeConvertersOf(handle);
 }
 
 } // namespace
@@ -78,6 +98,6 @@ nlsStatus nlsClose(nlsHandle *handle) {
     if (!busy.held())
         return NLS_E_BUSY;
     handle->header.type = kClosed;
-    forgetCollationsOf(*handle);
+    closeOutside(*handle);
     return NLS_OK;
 }

@@ -1,6 +1,7 @@
 // nlsCreateLocale, nlsCloseDBLocale.
 #include "collate/record_list.hpp"
 #include "core/objects.hpp"
+#include "icu/collate.hpp"
 #include "locale/checks.hpp"
 #include "locale/create.hpp"
 
@@ -54,8 +55,10 @@ nlsStatus nlsCloseDBLocale(nlsLocale *locale, void **block, uint32_t *size) {
             continue;
         unlinkObject(handle, *object);
         unlinkConversionsOf(handle, *locale);
-        if (locale->collation != nullptr)
+        if (locale->collation != nullptr) {
             forgetCollation(*locale->collation);
+            icu::closeCollator(*locale->collation);
+        }
         *size = locale->blobSize;
         *block = locale;
         object->type = kClosed;

@@ -1,9 +1,11 @@
 #include "locale/rebuild.hpp"
 
 #include "collate/sort_data.hpp"
+#include "collate/sort_exit.hpp"
 #include "convert/create.hpp"
 #include "core/objects.hpp"
 #include "core/text.hpp"
+#include "icu/collate.hpp"
 #include "locale/create.hpp"
 #include "locale/stored_record.hpp"
 #include "locale/unicode_case.hpp"
@@ -50,6 +52,9 @@ nlsStatus takeRecordTables(const nlsDbCollation &record, BlockCarver &carver, nl
     std::memcpy(copy, record.data, record.dataSize);
     locale.collation = reinterpret_cast<Collation *>(copy);
     locale.collation->next = nullptr;
+    locale.collation->collatorOpen = 0;
+    locale.collation->charSetName[sizeof locale.collation->charSetName - 1] = '\0';
+    locale.collation->name[sizeof locale.collation->name - 1] = '\0';
     const auto *const charTable = reinterpret_cast<const CharTable *>(copy + sizeof(Collation));
     locale.charTable = charTable;
     if (record.caseTableName[0] == '\0')
@@ -103,17 +108,20 @@ nlsStatus takeOldTables(nlsHandle &handle, const nlsDbCollation &record, BlockCa
     return NLS_OK;
 }
 
-nlsStatus checkCollation(const Collation &collation) {
+// Makes the collation ready for use: ICU's collator and the user sort exit are of this process.
+nlsStatus openCollation(nlsHandle &handle, Collation &collation) {
     switch (collation.kind) {
     case file::kBasic: {
         const bool reads = std::memcmp(collation.caseSensitive, kBasicText, sizeof kBasicText) == 0 &&
                            std::memcmp(collation.caseInsensitive, kBasicText, sizeof kBasicText) == 0;
         return reads ? NLS_OK : NLS_E_NOSORT;
     }
-    case file::kIcu: // no ICU is bound in this version
-        return NLS_E_NOMEM;
-    case file::kSortExit: // no sort exit can be loaded in this version
-        return NLS_E_NOCOLLATION;
+    case file::kIcu:
+        return icu::openCollator(collation);
+    case file::kSortExit: {
+        const nlsStatus status = loadSortExit(handle, collation.name);
+        return status == NLS_E_NOSORT ? NLS_E_NOCOLLATION : status;
+    }
     default:
         return NLS_OK;
     }
@@ -147,6 +155,25 @@ nlsStatus createCompanionOf(nlsHandle &handle, const nlsLocale &locale) {
     return createConversionOf(handle, locale, *companion, converter);
 }
 
+// Creates what a locale goes with: its companion in Shift-JIS, its sort data.
+nlsStatus finishLocale(nlsHandle &handle, const nlsDbCollation &record, const BlockCarver &carver,
+                       nlsLocale &locale) {
+    if (locale.charTable->has(file::kThroughShiftJis)) {
+        if (const nlsStatus status = createCompanionOf(handle, locale); status != NLS_OK)
+            return status;
+    }
+    if (record.sortData == nullptr)
+        return NLS_OK;
+    const void *converter = nullptr;
+    if (record.sortTarget != nullptr) {
+        if (const nlsStatus status = createConversionOf(handle, locale, *record.sortTarget, converter);
+            status != NLS_OK)
+            return status;
+    }
+    locale.blobExtra = carver.rest();
+    return buildSortData(locale, record.sortData, record.sortTarget, converter, carver.rest(), carver.left());
+}
+
 } // namespace
 
 nlsStatus rebuildLocale(nlsHandle &handle, const nlsDbCollation &record, const char *name,
@@ -161,7 +188,7 @@ nlsStatus rebuildLocale(nlsHandle &handle, const nlsDbCollation &record, const c
                                                    : takeOldTables(handle, record, carver, *locale);
         status != NLS_OK)
         return status;
-    if (const nlsStatus status = checkCollation(*locale->collation); status != NLS_OK)
+    if (const nlsStatus status = openCollation(handle, *locale->collation); status != NLS_OK)
         return status;
 
     copyName(locale->codePageName, record.codePageName);
@@ -172,23 +199,9 @@ nlsStatus rebuildLocale(nlsHandle &handle, const nlsDbCollation &record, const c
     locale->blobSize = blockSize;
     locale->blobName = static_cast<char *>(block) + (blockSize - nameSize);
     std::memcpy(locale->blobName, name, nameSize);
-
-    if (locale->charTable->has(file::kThroughShiftJis)) {
-        if (const nlsStatus status = createCompanionOf(handle, *locale); status != NLS_OK)
-            return status;
-    }
-    if (record.sortData != nullptr) {
-        const void *converter = nullptr;
-        if (record.sortTarget != nullptr) {
-            if (const nlsStatus status = createConversionOf(handle, *locale, *record.sortTarget, converter);
-                status != NLS_OK)
-                return status;
-        }
-        if (const nlsStatus status = buildSortData(*locale, record.sortData, record.sortTarget, converter,
-                                                   carver.rest(), carver.left());
-            status != NLS_OK)
-            return status;
-        locale->blobExtra = carver.rest();
+    if (const nlsStatus status = finishLocale(handle, record, carver, *locale); status != NLS_OK) {
+        icu::closeCollator(*locale->collation);
+        return status;
     }
     pushObject(handle, locale->header, kLocaleObject);
     out = locale;

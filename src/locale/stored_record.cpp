@@ -1,6 +1,7 @@
 #include "locale/stored_record.hpp"
 
 #include "collate/sort_data.hpp"
+#include "icu/collate.hpp"
 
 #include <cstring>
 
@@ -39,11 +40,11 @@ RecordSizes recordSizes(const nlsLocale &locale, bool newForm) {
 
 void writeRecord(const nlsLocale &locale, bool newForm, std::uint8_t *data) {
     Collation collation = *locale.collation;
+    icu::clearAddresses(collation);
     if (!newForm) {
         std::memcpy(data, &collation, kOldRecordSize);
         return;
     }
-    collation.next = nullptr; // an address of this process
     std::memcpy(data, &collation, sizeof collation);
     std::memcpy(data + sizeof collation, locale.charTable, sizeof(CharTable));
     if (locale.caseTable != nullptr)

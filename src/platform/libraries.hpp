@@ -32,4 +32,7 @@ bool isFile(const char *path);
 // The value of an environment variable, which belongs to the system; null when it is not set.
 const char *environmentValue(const char *name);
 
+// Lets another thread run: for the few places that wait for one.
+void yieldThread();
+
 } // namespace velnls::platform

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include <dlfcn.h>
+#include <sched.h>
 #include <sys/stat.h>
 
 namespace velnls::platform {
@@ -27,6 +28,10 @@ bool isFile(const char *path) {
 
 const char *environmentValue(const char *name) {
     return std::getenv(name);
+}
+
+void yieldThread() {
+    sched_yield();
 }
 
 } // namespace velnls::platform

@@ -32,4 +32,8 @@ const char *environmentValue(const char *name) {
     return std::getenv(name);
 }
 
+void yieldThread() {
+    SwitchToThread();
+}
+
 } // namespace velnls::platform

@@ -142,27 +142,30 @@ TEST_F(BinaryFile, NeedsTheCLibraryAlone) {
     EXPECT_EQ(binary_.needed(), std::vector<std::string>{"libc.so.6"});
 }
 
-TEST_F(BinaryFile, AllocatesPrintsAndAbortsNever) {
+TEST_F(BinaryFile, AllocatesForLongTextsUnderIcuAlonePrintsAndAbortsNever) {
     static const std::regex allowed(
         // Memory and text of the C library, and what every shared library refers to.
         "mem[a-z]+|str[a-z]+|__mem[a-z]+_chk|__str[a-z]+_chk|getenv|dl[a-z]+|[a-z]*locale[a-z_]*|nl_langinfo."
         "*|"
         "__stack_chk_fail|__cxa_finalize|__gmon_start__|_ITM_.*|__tls_get_addr|__ctype_[a-z_]+|bcmp|toupper|"
         "tolower|"
-        "access|stat|__xstat|qsort|bsearch|__x86_get_cpuid_feature_leaf");
+        "access|stat|__xstat|qsort|bsearch|__x86_get_cpuid_feature_leaf|"
+        // Texts of more than 2000 bytes under ICU; waiting for the thread that binds ICU.
+        "malloc|free|sched_yield");
     for (const Binary::Symbol &symbol : binary_.dynamicSymbols())
         if (!symbol.defined) {
             EXPECT_TRUE(std::regex_match(symbol.name, allowed)) << "refers to " << symbol.name;
         }
     for (const Binary::Symbol &symbol : binary_.dynamicSymbols())
-        for (const char *const never : {"malloc", "calloc", "realloc", "free", "printf", "puts", "abort",
-                                        "exit", "write", "_Znwm", "_ZdlPv"})
+        for (const char *const never :
+             {"calloc", "realloc", "printf", "puts", "abort", "exit", "write", "_Znwm", "_ZdlPv"})
             EXPECT_NE(symbol.name, never);
 }
 
 TEST_F(BinaryFile, WritableDataIsAFewProcessWideWords) {
     // .data.rel.ro and the tables of the loader are read-only once the library is loaded.
-    EXPECT_LE(binary_.sizeOf(".data") + binary_.sizeOf(".bss"), 256U);
+    // 152 of them are the addresses of ICU's functions.
+    EXPECT_LE(binary_.sizeOf(".data") + binary_.sizeOf(".bss"), 320U);
     EXPECT_EQ(binary_.sizeOf(".tdata") + binary_.sizeOf(".tbss"), 0U);
 }
 
