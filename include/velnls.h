@@ -346,12 +346,18 @@ NLS_API nlsStatus nlsGetStrNLSProperty(nlsHandle *handle, uint32_t property, nls
 
 /*
  * nlsGetOSCharset() writes the ANSI code page of the calling thread to 'out' as decimal digits and a NUL,
- * for example 1252. Outside Windows the page is the one that Windows would use for the language and
- * territory of the thread's locale, else of LC_ALL, LC_CTYPE or LANG. 'out' must have room for 20 bytes.
+ * for example 1252. 'out' must have room for 20 bytes; at most 20 are written.
+ *
+ * Windows is asked for the thread's locale. Elsewhere the page is the one that Windows has for the language
+ * and territory of the locale that uselocale() set for the thread, or setlocale() for all threads; where
+ * that names no language ("C"), of LC_ALL, LC_CTYPE or LANG, whichever is set first. Languages that Windows
+ * writes in Unicode alone, such as Hindi, have page 0.
+ *
+ * Needs no handle and may be called from any thread, but not while another one changes the environment.
  *
  * Returns:
  *   16  'out' is null
- *   28  the system names no code page; 'out' is empty then
+ *   28  the system names no code page (no locale with a language is set); 'out' is empty then
  *   0   'out' is written
  */
 NLS_API nlsStatus nlsGetOSCharset(char *out);
@@ -362,21 +368,25 @@ NLS_API nlsStatus nlsGetOSCharset(char *out);
  *
  * Two lists are searched in order: the numbers (1250 to 1254, 1256 and 1257 keep their name; 1255 gives
  * ISO8859-8, 932 SHIFT-JIS, 1361 CP1361, 949 CP949, 936 CP936, 874 620-2533, CP950 itself), then the
- * library's own names, which give themselves in their listed spelling. Names are compared by nlsCompare in
- * 'locale', or, where 'handle' is null, without regard to letter case and trailing blanks; 'locale' is not
- * read then. That a name is returned does not mean that the data file has the page.
+ * library's own names, which give themselves in their listed spelling. Where 'handle' is null, names are
+ * compared without regard to letter case and trailing blanks, and 'locale' is not read; else by nlsCompare
+ * in 'locale' without regard to letter case (mode 0), and the first name that the collation calls equal is
+ * taken. That a name is returned does not mean that the data file has the page.
  *
- * 'osName' "950" has a rule of its own: CP950-HKSCS when the country of the thread's locale begins with
- * "Hong Kong" and, where a handle is given, its data file lists that page; else CP950.
+ * 'osName' "950" has a rule of its own: CP950-HKSCS when the English name of the country of the thread's
+ * locale begins with "Hong Kong" and, where a handle is given, its data file lists that page (in a list of
+ * code pages of less than 700 bytes); else CP950. 'locale' is not looked at.
  *
- * 'out' must have room for 12 bytes.
+ * 'out' must have room for 12 bytes. It is written on success only, and may be 'osName' itself.
+ *
+ * Without a handle this may be called from any thread; with one, where nlsCompare may be.
  *
  * Returns:
  *   16  'osName' or 'out' is null
  *   0   for "950": every problem there leaves CP950
- *   13  a handle is given and the locale's handle is not live (or 'locale' is null)
+ *   13  a handle is given and 'locale' is null or its handle closed
  *   24  a handle is given and 'locale' is not a locale
- *       a status of nlsCompare, passed on
+ *       a status of nlsCompare, passed on: 27 or 25 for a locale that cannot compare, among others
  *   20  the name is in neither list
  *   0   'out' is written
  */
