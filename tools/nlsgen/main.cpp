@@ -12,6 +12,7 @@
 #endif
 
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -62,6 +63,15 @@ int diff(const std::string &before, const std::string &after, const std::string 
     }
 }
 
+// Where velnls' own tables are installed: beside this program, wherever the tree was moved to.
+std::string ownTables() {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    const std::filesystem::path beside =
+        (program.parent_path() / NLSGEN_DATA_FROM_PROGRAM).lexically_normal();
+    return !error && std::filesystem::is_directory(beside, error) ? beside.string() : NLSGEN_DATA_FOLDER;
+}
+
 #ifdef NLSGEN_HAS_ICU
 void writeExtracted(const std::vector<velnls::nlsgen::ExtractedFile> &files, const std::string &folder) {
     for (const auto &extracted : files) {
@@ -85,7 +95,7 @@ int main(int argc, char **argv) {
     velnls::nlsgen::Sources sources;
     sources.charmaps = "/usr/share/i18n/charmaps";
     sources.unicode = "/usr/share/unicode";
-    sources.data = NLSGEN_DATA_FOLDER;
+    sources.data = ownTables();
     std::string output = ".";
     CLI::App *build = app.add_subcommand("build", "Write velnls.dat and velnls-small.dat");
     build->add_option("--charmaps", sources.charmaps, "Folder of the POSIX charmaps, <name>.gz")
