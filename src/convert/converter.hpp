@@ -21,7 +21,7 @@ inline constexpr std::uint32_t kWholeByteMap = 0x0001; // kind 1: the body holds
 inline constexpr std::int32_t kByteMapSize = 256;
 
 // Bits of the kind word that are no part of the kind.
-inline constexpr std::int32_t kVariantBits = 0x780;
+inline constexpr std::int32_t kVariantBits = file::kVariantBits;
 inline constexpr std::int32_t kSwapSource = 0x080; // source units are byte-swapped
 inline constexpr std::int32_t kSwapTarget = 0x200; // target units are byte-swapped
 inline constexpr std::int32_t kFirstByteMapType = 1600;

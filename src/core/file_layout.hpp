@@ -124,6 +124,25 @@ struct [[gnu::packed]] Conversion {
 static_assert(sizeof(Conversion) == 528);
 static_assert(offsetof(Conversion, typeHigh) == 516);
 
+// The kind words that stand for the types of a conversion entry from kFirstRemappedType on. Types up to
+// kLastPlainType are kind words themselves; those between are in no file.
+inline constexpr std::int32_t kLastPlainType = 128;
+inline constexpr std::int32_t kFirstRemappedType = 144;
+inline constexpr std::int32_t kLastRemappedType = 177;
+inline constexpr std::int16_t kRemappedTypes[] = {
+    151, 536,  279,  1048, 153, 538,  281,  1050, 155, 540,  283,  1052, // 144 to 155
+    539, 156,  1051, 284,  667, 668,  1179, 796,  795, 1180, 1307, 1308, // 156 to 167
+    286, 1053, 158,  541,  261, 1030, 133,  518,  389, 1542,             // 168 to 177
+};
+static_assert(sizeof kRemappedTypes / sizeof kRemappedTypes[0] == kLastRemappedType - kFirstRemappedType + 1);
+
+// What a kind word says beside the kind: the form of the source's and of the target's Unicode units, two bits
+// each.
+inline constexpr std::int32_t kVariantBits = 0x780;
+inline constexpr int kSourceFormShift = 7;
+inline constexpr int kTargetFormShift = 9;
+inline constexpr std::int32_t kFormMask = 3;
+
 // One code range block of a mapping: a rectangle of lead and trail bytes, numbered row by row, with the
 // Unicode value of each index and the way back. Built in memory with the same layout, pointers filled in.
 struct [[gnu::packed]] MappingGroup {

@@ -2,6 +2,7 @@
 // reason.
 #include "case_table.hpp"
 #include "checks.hpp"
+#include "conversion_types.hpp"
 #include "data_file.hpp"
 #include "mapping.hpp"
 #include "real_files.hpp"
@@ -9,7 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace velnls::nlsgen::test {
 namespace {
@@ -196,6 +199,27 @@ TEST(Pairs, TypesOfTheTwoWaysFit) {
         EXPECT_NE(problem(static_cast<std::uint8_t>(forward), static_cast<std::uint8_t>(back)), "");
     for (const auto &[forward, back] : {std::pair{17, 18}, {17, 50}, {81, 18}, {51, 20}, {19, 20}, {3, 4}})
         EXPECT_EQ(problem(static_cast<std::uint8_t>(forward), static_cast<std::uint8_t>(back)), "");
+}
+
+TEST(Pairs, TypesInOtherByteOrdersFitWhereBothWaysReadAndWriteTheSameUnits) {
+    const std::pair<std::uint8_t, std::uint8_t> kPairs[] = {
+        {144, 145}, {146, 147}, {148, 149}, {150, 151}, {152, 153}, {154, 155},
+        {156, 157}, {158, 159}, {160, 161}, {162, 163}, {164, 165}, {166, 167},
+        {168, 169}, {170, 171}, {172, 173}, {174, 175}, {176, 177},
+    };
+    for (int forward = 144; forward <= 177; forward++)
+        for (int back = 144; back <= 177; back++) {
+            const bool fit = std::any_of(std::begin(kPairs), std::end(kPairs), [&](const auto &pair) {
+                return (pair.first == forward && pair.second == back) ||
+                       (pair.first == back && pair.second == forward);
+            });
+            EXPECT_EQ(typesFit(static_cast<std::uint8_t>(forward), static_cast<std::uint8_t>(back)), fit)
+                << forward << ", " << back;
+        }
+    for (int plain = 1; plain <= 89; plain++)
+        for (int swapped = 144; swapped <= 177; swapped++)
+            EXPECT_FALSE(typesFit(static_cast<std::uint8_t>(plain), static_cast<std::uint8_t>(swapped)))
+                << plain << ", " << swapped;
 }
 
 TEST(Basics, EveryPageHasACollationAndEveryBytePageACaseTable) {

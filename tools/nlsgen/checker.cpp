@@ -392,8 +392,8 @@ private:
     // mapping.
     void checkLegs(int type) const {
         const EntryView &entry = *current_;
-        const bool fromPage = type == 29 || type == 168 || type == 169 || type == 171;
-        const bool toPage = type == 30 || type == 170;
+        const bool fromPage = kindOfType(type) == 29;
+        const bool toPage = kindOfType(type) == 30;
         if (!fromPage && !toPage)
             return;
         const EntryView *leg = find(file::kConversion, fromPage ? entry.name : entry.name2, "UTF-8");

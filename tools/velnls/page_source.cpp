@@ -52,7 +52,7 @@ constexpr PageSource kPageSources[] = {
     {"EUCJIS", "charmap WINDOWS-31J of glibc, moved by the arithmetic between Shift_JIS and EUC"},
     {"KSC5601", "charmap EUC-KR of glibc"},
     {"CP949", "charmap CP949 of glibc with the user-defined area of Windows"},
-    {"CP1361", "charmap JOHAB of glibc"},
+    {"CP1361", "charmap JOHAB of glibc, backslash in place of the won sign"},
     {"GB2312", "charmap GB2312 of glibc"},
     {"CP936", "charmap GBK of glibc with the user-defined area of ICU windows-936-2000"},
     {"BIG-5", "charmap BIG5 of glibc"},
