@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "commands.hpp"
+#include "icu_home.hpp"
 #include "output.hpp"
 #include "text_options.hpp"
 
@@ -119,6 +120,7 @@ int run(int argc, char **argv) {
 
 int main(int argc, char **argv) {
     try {
+        useOwnIcu();
         return run(argc, argv);
     } catch (const BrokenPipe &) {
         return kExitFailed;

@@ -28,7 +28,7 @@ constexpr StatusWords kStatusWords[] = {
     {NLS_E_HANDLE, "the library's handle is closed"},
     {NLS_E_NULLARG, "the text or an argument is not valid"},
     {NLS_E_BADCHAR, "not a character of the code page"},
-    {NLS_E_ICULOAD, "ICU could not be loaded"},
+    {NLS_E_ICULOAD, "ICU could not be loaded, or lacks the language"},
     {NLS_E_CONVSTATE, "the Unicode text could not be converted"},
     {NLS_E_END, "the end of the text was reached"},
     {NLS_E_TABLE, "a table of the data file is cut short or malformed"},

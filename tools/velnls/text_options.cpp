@@ -32,7 +32,7 @@ void addPage(CLI::App *command, std::string &page, std::string &data) {
 
 void addOrder(CLI::App *command, OrderOptions &order) {
     addPage(command, order.page, order.data);
-    command->add_option("--collation", order.collation, "Collation of the page (basic when not given)")
+    command->add_option("-C,--collation", order.collation, "Collation of the page (basic when not given)")
         ->type_name("NAME");
     command->add_flag("-i,--ignore-case", order.ignoreCase, "Letter case does not matter");
 }
@@ -211,7 +211,7 @@ void addRecord(CLI::App &app, Run &run) {
         app.add_subcommand("record", "Keep a collation in a file, and compare it with today's");
     const auto options = addCommand<RecordOptions>(command, runRecord, run);
     addPage(command, options->page, options->data);
-    command->add_option("--collation", options->collation, "Collation of the page (basic when not given)")
+    command->add_option("-C,--collation", options->collation, "Collation of the page (basic when not given)")
         ->type_name("NAME");
     command->add_option("ACTION", options->action, "make, show or verify")
         ->required()

@@ -1,0 +1,13 @@
+/*
+ * What the forwarding libraries share: a function that carries the suffix of the one ICU release that velnls
+ * looks up (a build setting) and hands over to the ICU that it is linked with.
+ */
+#ifndef VELNLS_ICU_FORWARD_H
+#define VELNLS_ICU_FORWARD_H
+
+#include <unicode/utypes.h>
+
+/* ICU's headers rename its functions by macros, so the exported name is spelled for the assembler. */
+#define NAMED(name) __asm__(name VELNLS_ICU_SUFFIX) __attribute__((visibility("default")))
+
+#endif
