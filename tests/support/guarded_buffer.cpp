@@ -1,21 +1,15 @@
 #include "guarded_buffer.hpp"
 
+#include "pages.hpp"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <stdexcept>
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace fixture {
 
 namespace {
-
-std::size_t pageSize() {
-    static const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    return size;
-}
 
 constexpr unsigned char kRubbish = 0xCC;
 
@@ -23,23 +17,18 @@ constexpr unsigned char kRubbish = 0xCC;
 
 GuardedBuffer::GuardedBuffer(std::size_t capacity)
     : inner_((std::max<std::size_t>(capacity, 1) + pageSize() - 1) / pageSize() * pageSize()) {
-    void *const all = mmap(nullptr, inner_ + 2 * pageSize(), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (all == MAP_FAILED)
-        throw std::bad_alloc();
-    pages_ = static_cast<unsigned char *>(all);
-    if (mprotect(pages_ + pageSize(), inner_, PROT_READ | PROT_WRITE) != 0)
-        throw std::bad_alloc();
+    pages_ = reservePages(inner_ + 2 * pageSize());
+    setAccess(pages_ + pageSize(), inner_, Access::kReadWrite);
 }
 
 GuardedBuffer::~GuardedBuffer() {
-    munmap(pages_, inner_ + 2 * pageSize());
+    releasePages(pages_, inner_ + 2 * pageSize());
 }
 
 void GuardedBuffer::writable(bool yes) {
     if (writable_ == yes)
         return;
-    if (mprotect(pages_ + pageSize(), inner_, yes ? PROT_READ | PROT_WRITE : PROT_READ) != 0)
-        throw std::runtime_error("mprotect");
+    setAccess(pages_ + pageSize(), inner_, yes ? Access::kReadWrite : Access::kRead);
     writable_ = yes;
 }
 

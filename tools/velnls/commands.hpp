@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform.hpp"
+
 namespace velnls::tool {
 
 enum ExitCode : int {
@@ -56,7 +58,7 @@ struct SortOptions {
     bool reverse = false;
     std::string output;
     std::string memory = "256M";
-    std::string folder = "/tmp"; // of temporary files
+    std::string folder = platform::temporaryFolder(); // of temporary files
     std::vector<std::string> files;
 };
 

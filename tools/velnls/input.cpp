@@ -1,66 +1,59 @@
-// Reads by the POSIX calls.
 #include "input.hpp"
 
+#include "platform.hpp"
+
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace velnls::tool {
 
+namespace {
+
+constexpr char kStandardName[] = "(standard input)";
+
+} // namespace
+
 Input::Input(const std::string &path) : name_(path) {
     if (path == "-") {
-        name_ = "(standard input)";
-        descriptor_ = STDIN_FILENO;
-    } else {
-        descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-        if (descriptor_ < 0) {
-            throw std::system_error(errno, std::generic_category(), name_);
-        }
+        name_ = kStandardName;
+        descriptor_ = platform::kStandardInput;
+        return;
     }
-#if defined(POSIX_FADV_SEQUENTIAL)
-    // Advice only: pipes refuse it and lose nothing.
-    static_cast<void>(::posix_fadvise(descriptor_, 0, 0, POSIX_FADV_SEQUENTIAL));
-#endif
+    descriptor_ = platform::openToRead(path);
+    if (descriptor_ < 0) {
+        throw std::system_error(errno, std::generic_category(), name_);
+    }
 }
 
 Input::~Input() {
-    if (descriptor_ != STDIN_FILENO) {
-        ::close(descriptor_);
+    if (descriptor_ != platform::kStandardInput) {
+        platform::closeFile(descriptor_);
     }
 }
 
 std::size_t Input::read(unsigned char *buffer, std::size_t size) {
-    for (;;) {
-        const ssize_t count = ::read(descriptor_, buffer, size);
-        if (count >= 0) {
-            return static_cast<std::size_t>(count);
-        }
-        if (errno != EINTR) {
-            throw std::system_error(errno, std::generic_category(), name_);
-        }
+    const long long count = platform::readFile(descriptor_, buffer, size);
+    if (count < 0) {
+        throw std::system_error(errno, std::generic_category(), name_);
     }
+    return static_cast<std::size_t>(count);
 }
 
 std::optional<std::uint64_t> Input::sizeOf(const std::string &path) {
-    struct stat facts = {};
+    platform::FileFacts facts;
     const bool standard = path == "-";
-    const int failed = standard ? ::fstat(STDIN_FILENO, &facts) : ::stat(path.c_str(), &facts);
-    if (failed != 0 || (!standard && ::access(path.c_str(), R_OK) != 0)) {
-        throw std::system_error(errno, std::generic_category(), standard ? "(standard input)" : path);
+    if (standard ? !platform::factsOf(platform::kStandardInput, facts)
+                 : !platform::factsOf(path, facts) || !platform::isReadable(path)) {
+        throw std::system_error(errno, std::generic_category(), standard ? kStandardName : path);
     }
-    if (!S_ISREG(facts.st_mode)) {
-        return std::nullopt;
-    }
-    return static_cast<std::uint64_t>(facts.st_size);
+    return facts.regular ? std::optional(facts.size) : std::nullopt;
 }
 
 bool Input::isFileOf(int descriptor) const {
-    struct stat mine = {};
-    struct stat other = {};
-    return ::fstat(descriptor_, &mine) == 0 && ::fstat(descriptor, &other) == 0 && S_ISREG(mine.st_mode) &&
-           mine.st_size != 0 && mine.st_dev == other.st_dev && mine.st_ino == other.st_ino;
+    platform::FileFacts mine;
+    platform::FileFacts other;
+    return platform::factsOf(descriptor_, mine) && platform::factsOf(descriptor, other) && mine.regular &&
+           mine.size != 0 && mine.device == other.device && mine.number == other.number;
 }
 
 } // namespace velnls::tool

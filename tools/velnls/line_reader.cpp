@@ -1,10 +1,11 @@
 // Keeps the rest of a block in front of the next one.
 #include "line_reader.hpp"
 
+#include "platform.hpp"
+
 #include <cerrno>
 #include <cstring>
 #include <system_error>
-#include <unistd.h>
 
 namespace velnls::tool {
 
@@ -61,7 +62,7 @@ std::optional<std::string_view> LineReader::next() {
 
 std::vector<std::string> namedInputs(const std::vector<std::string> &files) {
     for (const std::string &file : files) {
-        if (file != "-" && ::access(file.c_str(), R_OK) != 0) {
+        if (file != "-" && !platform::isReadable(file)) {
             throw std::system_error(errno, std::generic_category(), file);
         }
     }

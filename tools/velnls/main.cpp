@@ -6,10 +6,12 @@
 #include <functional>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "commands.hpp"
 #include "icu_home.hpp"
 #include "output.hpp"
+#include "platform.hpp"
 #include "text_options.hpp"
 
 namespace {
@@ -53,8 +55,9 @@ constexpr char kMainFooter[] = "Examples:\n"
                                "  velnls sort -p 1252 -i names.txt\n"
                                "  velnls convert --help\n";
 
-int run(int argc, char **argv) {
+int run(const std::vector<std::string> &words) {
     CLI::App app("Converts, orders, matches and changes text in code pages.", "velnls");
+    app.allow_windows_style_options(false); // the same letters everywhere, and a path may begin with a slash
     app.footer(kMainFooter);
     app.set_version_flag("--version", std::string("velnls ") + VELNLS_VERSION);
     app.require_subcommand(1);
@@ -102,7 +105,11 @@ int run(int argc, char **argv) {
     addTextCommands(app, runText);
 
     try {
-        app.parse(argc, argv);
+        std::vector<const char *> arguments;
+        for (const std::string &word : words) {
+            arguments.push_back(word.c_str());
+        }
+        app.parse(static_cast<int>(arguments.size()), arguments.data());
     } catch (const CLI::ParseError &error) {
         // Asking for help or the version is no error.
         return app.exit(error) == 0 ? kExitDone : kExitFailed;
@@ -121,7 +128,7 @@ int run(int argc, char **argv) {
 int main(int argc, char **argv) {
     try {
         useOwnIcu();
-        return run(argc, argv);
+        return run(platform::startProgram(argc, argv));
     } catch (const BrokenPipe &) {
         return kExitFailed;
     } catch (const std::exception &error) {

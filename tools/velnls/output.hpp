@@ -30,8 +30,6 @@ public:
     }
 
 private:
-    void openTemporary();
-
     std::string name_;      // for messages
     std::string path_;      // of the file to replace; symbolic links followed
     std::string temporary_; // empty when written in place

@@ -1,8 +1,9 @@
 // Draws the bar with one carriage return a line, so that nothing scrolls.
 #include "progress.hpp"
 
+#include "platform.hpp"
+
 #include <cstdio>
-#include <unistd.h>
 #include <utility>
 
 namespace velnls::tool {
@@ -76,7 +77,7 @@ std::string Progress::line(std::uint64_t bytes, double seconds) const {
 
 Progress terminalProgress(std::optional<std::uint64_t> total, int outputDescriptor) {
     Progress::Show show;
-    if (::isatty(STDERR_FILENO) != 0 && ::isatty(outputDescriptor) == 0) {
+    if (platform::isTerminal(platform::kStandardError) && !platform::isTerminal(outputDescriptor)) {
         show = [](const std::string &text) {
             std::fputs(text.c_str(), stderr);
             std::fflush(stderr);

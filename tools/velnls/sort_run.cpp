@@ -1,13 +1,12 @@
 // Records are two lengths, the key and the line, in a file without a name.
 #include "sort_run.hpp"
 
+#include "platform.hpp"
+
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace velnls::tool {
@@ -25,18 +24,16 @@ struct Lengths {
 } // namespace
 
 SortRun::SortRun(const std::string &folder) : folder_(folder) {
-    std::string name = folder + "/velnls-sort.XXXXXX";
-    descriptor_ = ::mkostemp(name.data(), O_CLOEXEC);
+    descriptor_ = platform::openNameless(folder);
     if (descriptor_ < 0) {
-        throw std::system_error(errno, std::generic_category(), "temporary file in " + folder);
+        fail();
     }
-    ::unlink(name.c_str());
     buffer_.resize(kBufferSize);
 }
 
 SortRun::~SortRun() {
     if (descriptor_ >= 0) {
-        ::close(descriptor_);
+        platform::closeFile(descriptor_);
     }
 }
 
@@ -69,19 +66,19 @@ void SortRun::put(const char *bytes, std::size_t size) {
 void SortRun::flush() {
     std::size_t done = 0;
     while (done != at_) {
-        const ssize_t count = ::write(descriptor_, buffer_.data() + done, at_ - done);
-        if (count < 0 && errno != EINTR) {
-            throw std::system_error(errno, std::generic_category(), "temporary file in " + folder_);
+        const long long count = platform::writeFile(descriptor_, buffer_.data() + done, at_ - done);
+        if (count < 0) {
+            fail();
         }
-        done += count < 0 ? 0 : static_cast<std::size_t>(count);
+        done += static_cast<std::size_t>(count);
     }
     at_ = 0;
 }
 
 void SortRun::rewind() {
     flush();
-    if (::lseek(descriptor_, 0, SEEK_SET) != 0) {
-        throw std::system_error(errno, std::generic_category(), "temporary file in " + folder_);
+    if (!platform::rewindFile(descriptor_)) {
+        fail();
     }
     // A run that waits for its merge needs no buffer.
     buffer_ = {};
@@ -117,17 +114,17 @@ void SortRun::get(char *bytes, std::size_t size) {
 }
 
 bool SortRun::fill() {
-    for (;;) {
-        const ssize_t count = ::read(descriptor_, buffer_.data(), buffer_.size());
-        if (count >= 0) {
-            at_ = 0;
-            end_ = static_cast<std::size_t>(count);
-            return count != 0;
-        }
-        if (errno != EINTR) {
-            throw std::system_error(errno, std::generic_category(), "temporary file in " + folder_);
-        }
+    const long long count = platform::readFile(descriptor_, buffer_.data(), buffer_.size());
+    if (count < 0) {
+        fail();
     }
+    at_ = 0;
+    end_ = static_cast<std::size_t>(count);
+    return count != 0;
+}
+
+void SortRun::fail() const {
+    throw std::system_error(errno, std::generic_category(), "temporary file in " + folder_);
 }
 
 } // namespace velnls::tool

@@ -35,6 +35,7 @@ private:
     void get(char *bytes, std::size_t size);
     bool fill();
     void flush();
+    [[noreturn]] void fail() const; // tells the last failure of the system
 
     std::string folder_;
     int descriptor_ = -1;

@@ -9,15 +9,16 @@
 #include <string_view>
 #include <vector>
 
+#include "platform.hpp"
 #include "sort_run.hpp"
 
 namespace velnls::tool {
 
 struct SorterOptions {
     std::size_t memory = 256 * 1024 * 1024; // bytes for lines and keys
-    std::string folder = "/tmp";            // of temporary files
-    bool unique = false;                    // of records with equal keys, the first alone
-    bool reverse = false;                   // larger keys first; equal ones stay in order all the same
+    std::string folder = platform::temporaryFolder();
+    bool unique = false;  // of records with equal keys, the first alone
+    bool reverse = false; // larger keys first; equal ones stay in order all the same
 };
 
 // Stable: records with equal keys come out in the order in which they were added. When the memory is full,
