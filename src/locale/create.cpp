@@ -7,6 +7,7 @@
 #include "core/objects.hpp"
 #include "core/text.hpp"
 #include "locale/load.hpp"
+#include "locale/page_facts.hpp"
 
 namespace velnls {
 
@@ -116,6 +117,7 @@ nlsStatus createLocale(nlsHandle &handle, const char *codePageName, const char *
     copyName(locale->caseTableName, caseTableName == nullptr ? "" : caseTableName);
     if (const nlsStatus status = loadTables(handle, *locale); status != NLS_OK)
         return status;
+    locale->header.proofs |= proveText(*locale);
     locale->handle = &handle;
     pushObject(handle, locale->header, kLocaleObject);
     out = locale;

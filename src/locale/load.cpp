@@ -4,6 +4,7 @@
 #include "core/data_file.hpp"
 #include "core/file_layout.hpp"
 #include "core/text.hpp"
+#include "locale/page_facts.hpp"
 #include "locale/unicode_case.hpp"
 
 #include <algorithm>
@@ -70,6 +71,7 @@ nlsStatus loadCharTable(nlsHandle &handle, const char *codePageName, const CharT
         std::memcpy(table->classes, raw.classes, arrayBytes(count));
         std::memcpy(table->attributes, raw.attributes, arrayBytes(count));
         std::memcpy(table->trailValid, raw.trailValid, arrayBytes(count));
+        findFacts(*table);
         entry->table = table;
     }
     out = static_cast<const CharTable *>(entry->table);

@@ -7,6 +7,7 @@
 #include "core/text.hpp"
 #include "icu/collate.hpp"
 #include "locale/create.hpp"
+#include "locale/page_facts.hpp"
 #include "locale/stored_record.hpp"
 #include "locale/unicode_case.hpp"
 
@@ -55,7 +56,8 @@ nlsStatus takeRecordTables(const nlsDbCollation &record, BlockCarver &carver, nl
     locale.collation->collatorOpen = 0;
     locale.collation->charSetName[sizeof locale.collation->charSetName - 1] = '\0';
     locale.collation->name[sizeof locale.collation->name - 1] = '\0';
-    const auto *const charTable = reinterpret_cast<const CharTable *>(copy + sizeof(Collation));
+    auto *const charTable = reinterpret_cast<CharTable *>(copy + sizeof(Collation));
+    findFacts(*charTable);
     locale.charTable = charTable;
     if (record.caseTableName[0] == '\0')
         return NLS_OK;
@@ -195,6 +197,7 @@ nlsStatus rebuildLocale(nlsHandle &handle, const nlsDbCollation &record, const c
     copyName(locale->collationName, record.collationName);
     copyName(locale->caseTableName, record.caseTableName);
     locale->header.proofs = provePage(*locale->charTable);
+    locale->header.proofs |= proveText(*locale);
     locale->handle = &handle;
     locale->blobSize = blockSize;
     locale->blobName = static_cast<char *>(block) + (blockSize - nameSize);

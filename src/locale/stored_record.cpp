@@ -46,7 +46,9 @@ void writeRecord(const nlsLocale &locale, bool newForm, std::uint8_t *data) {
         return;
     }
     std::memcpy(data, &collation, sizeof collation);
-    std::memcpy(data + sizeof collation, locale.charTable, sizeof(CharTable));
+    CharTable charTable = *locale.charTable;
+    std::memset(charTable.reserved, 0, sizeof charTable.reserved);
+    std::memcpy(data + sizeof collation, &charTable, sizeof charTable);
     if (locale.caseTable != nullptr)
         std::memcpy(data + kNewRecordSize, locale.caseTable, caseSizes(locale).stored);
 }

@@ -1,6 +1,11 @@
 #include "string/count.hpp"
 
+#include "locale/text.hpp"
 #include "locale/walk.hpp"
+#include "string/count_fast.hpp"
+
+#include <algorithm>
+#include <cstring>
 
 namespace velnls {
 
@@ -30,20 +35,70 @@ unsigned columnsOf(const CharTable &table, const std::uint8_t *at, unsigned avai
     return (table.attributes[*at] & file::kOneColumn) != 0 ? 1 : 2;
 }
 
+constexpr std::size_t kReadAhead = 1 << 14; // bytes that are searched for a NUL at once
+constexpr std::size_t kPlainBytes = 16;     // that the plain loop goes over where the fast one stopped
+constexpr std::size_t kLongestCharacter = 8;
+
+// Walks a text up to its limit or NUL, by blocks and by characters. `blocks(at, length)` goes over whole
+// characters and gives their bytes; `character(at, length)` goes over one, of `length` bytes at most, and
+// gives its bytes, or 0 for no further. A character that reaches behind the bytes that are known yet is asked
+// for again when more are. Gives the bytes that were gone over; `end` becomes where limit or NUL are, as far
+// as that is known.
+template <typename Blocks, typename Character>
+[[gnu::always_inline]] inline std::size_t walkText(const std::uint8_t *text, std::size_t limit,
+                                                   std::size_t &end, Blocks blocks, Character character) {
+    std::size_t at = 0;
+    std::size_t known = 0;
+    for (bool all = false;;) {
+        if (!all && known - at < 2 * kLongestCharacter) {
+            const std::size_t wanted = std::min(limit - known, kReadAhead);
+            const std::size_t found = ::strnlen(reinterpret_cast<const char *>(text) + known, wanted);
+            known += found;
+            all = found < wanted || known == limit;
+            end = known;
+        }
+        at += blocks(text + at, known - at);
+        const std::size_t stop = std::min(known, at + kPlainBytes);
+        while (at < stop && (all || known - at >= kLongestCharacter)) {
+            const std::size_t bytes = character(text + at, known - at);
+            if (bytes == 0)
+                return at;
+            at += bytes;
+        }
+        if (all && at >= known)
+            return at;
+    }
+}
+
 } // namespace
 
-nlsStatus countCharacters(const CharTable &table, const std::uint8_t *text, std::uint32_t limit,
+std::uint32_t countWhole(const nlsLocale &locale, const std::uint8_t *text, std::uint32_t limit,
+                         std::uint32_t &count) {
+    const CharTable &table = *locale.charTable;
+    std::size_t sum = 0;
+    std::size_t end = 0;
+    const std::size_t bytes = walkText(
+        text, limit, end,
+        [&](const std::uint8_t *at, std::size_t length) {
+            const Passed passed = fast::countCharacters(locale, at, length);
+            sum += passed.count;
+            return passed.bytes;
+        },
+        [&](const std::uint8_t *at, std::size_t length) -> std::size_t {
+            const unsigned trails = table.trailCount(*at);
+            if (length <= trails)
+                return 0;
+            ++sum;
+            return trails + 1;
+        });
+    count = static_cast<std::uint32_t>(sum);
+    return static_cast<std::uint32_t>(bytes);
+}
+
+nlsStatus countCharacters(const nlsLocale &locale, const std::uint8_t *text, std::uint32_t limit,
                           std::uint32_t &count) {
-    count = 0;
-    std::uint32_t at = 0;
-    while (at < limit) {
-        const unsigned trails = table.trailCount(text[at]);
-        if (limit - at <= trails)
-            return NLS_R_CUT;
-        ++count;
-        at += trails + 1;
-    }
-    return NLS_OK;
+    const std::uint32_t bytes = countWhole(locale, text, limit, count);
+    return bytes == limit || text[bytes] == 0 ? NLS_OK : NLS_R_CUT;
 }
 
 nlsStatus countBytes(const CharTable &table, const std::uint8_t *text, std::uint32_t length,
@@ -59,35 +114,80 @@ nlsStatus countBytes(const CharTable &table, const std::uint8_t *text, std::uint
     return NLS_OK;
 }
 
-std::uint32_t countColumns(const CharTable &table, const std::uint8_t *text, std::uint32_t limit) {
-    std::uint32_t columns = 0;
-    for (std::uint32_t at = 0; at < limit; at += table.trailCount(text[at]) + 1)
-        columns += columnsOf(table, text + at, terminatedText(text + at).available(3));
-    return columns;
+bool countColumns(const nlsLocale &locale, const std::uint8_t *text, std::uint32_t limit,
+                  std::uint32_t &columns) {
+    const CharTable &table = *locale.charTable;
+    if ((locale.header.proofs & (kSingleBytePage | kPairPage | kNarrowLeads)) != 0 &&
+        (locale.header.proofs & kNarrowLeads) == 0) {
+        // As many columns as bytes: only the last character may be cut.
+        if (::strnlen(reinterpret_cast<const char *>(text), limit) < limit)
+            return false;
+        const bool cut =
+            (locale.header.proofs & kPairPage) != 0 && !beginsCharacter(table, text + limit, text);
+        columns = limit + (cut ? 1 : 0);
+        return true;
+    }
+    std::size_t sum = 0;
+    std::size_t end = 0;
+    walkText(
+        text, limit, end,
+        [&](const std::uint8_t *at, std::size_t length) {
+            const Passed passed = fast::countColumns(locale, at, length);
+            sum += passed.count;
+            return passed.bytes;
+        },
+        [&](const std::uint8_t *at, std::size_t) -> std::size_t {
+            sum += columnsOf(table, at, terminatedText(at).available(3));
+            return table.trailCount(*at) + 1;
+        });
+    if (end < limit)
+        return false;
+    columns = static_cast<std::uint32_t>(sum);
+    return true;
 }
 
-nlsStatus validateBytes(const CharTable &table, const std::uint8_t *data, std::int32_t length,
+nlsStatus validateBytes(const nlsLocale &locale, const std::uint8_t *data, std::int32_t length,
                         std::uint32_t &count) {
+    const CharTable &table = *locale.charTable;
     count = 0;
     if (length < 1)
         return NLS_OK;
     if (table.has(file::kUtf8) && isUtf8Trail(*data))
         return NLS_E_NULLARG;
-    const auto whole = static_cast<std::uint32_t>(length);
-    for (std::uint32_t at = 0; at < whole;) {
-        if (data[at] == 0)
-            return NLS_E_END;
-        const unsigned trails = table.trailCount(data[at]);
-        if (whole - at <= trails)
-            return NLS_R_CUT;
-        for (unsigned i = 1; i <= trails; ++i) {
-            if (table.trailValid[data[at + i]] == 0)
-                return NLS_E_NULLARG;
-        }
-        ++count;
-        at += trails + 1;
-    }
-    return NLS_OK;
+    const auto whole = static_cast<std::size_t>(length);
+    std::size_t sum = 0;
+    nlsStatus verdict = NLS_OK;
+    std::size_t at = 0;
+    std::size_t end = 0;
+    do {
+        const std::uint8_t *const begin = data + at;
+        const std::size_t rest = whole - at;
+        at += walkText(
+            begin, rest, end,
+            [&](const std::uint8_t *place, std::size_t known) {
+                const Passed passed = fast::countValid(locale, place, known);
+                sum += passed.count;
+                return passed.bytes;
+            },
+            [&](const std::uint8_t *place, std::size_t) -> std::size_t {
+                const unsigned trails = table.trailCount(*place);
+                if (begin + rest - place <= static_cast<std::ptrdiff_t>(trails)) {
+                    verdict = NLS_R_CUT;
+                    return 0;
+                }
+                for (unsigned i = 1; i <= trails; ++i) {
+                    if (table.trailValid[place[i]] == 0) {
+                        verdict = NLS_E_NULLARG;
+                        return 0;
+                    }
+                }
+                ++sum;
+                return trails + 1;
+            });
+        end += static_cast<std::size_t>(begin - data);
+    } while (verdict == NLS_OK && at < whole && at > end); // a NUL that may be a trail byte was one
+    count = static_cast<std::uint32_t>(sum);
+    return verdict == NLS_OK && at < whole ? NLS_E_END : verdict;
 }
 
 nlsStatus validateUtf16(const std::uint8_t *data, std::int32_t length, bool bigEndian, std::uint32_t &count) {

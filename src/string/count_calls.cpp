@@ -3,6 +3,7 @@
 #include "locale/checks.hpp"
 #include "locale/walk.hpp"
 #include "string/count.hpp"
+#include "string/out_text.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -31,6 +32,11 @@ std::uint32_t lengthUpTo(const char *str, std::uint32_t limit) {
     return static_cast<std::uint32_t>(::strnlen(str, limit));
 }
 
+// As nlsCopyString copies text without a NUL in it.
+nlsStatus copyTo(nlsStr &out, const std::uint8_t *from, const std::uint8_t *to) {
+    return out.buffer == nullptr ? NLS_E_NULLARG : OutText(out).copy(from, to);
+}
+
 } // namespace
 
 nlsStatus nlsCountBytes(nlsLocale *locale, const char *str, int32_t chars, uint32_t *bytes) {
@@ -54,12 +60,12 @@ nlsStatus nlsCountChars(nlsLocale *locale, const char *str, int32_t bytes, uint3
         return status;
     if (bytes < 0)
         return NLS_E_NULLARG;
-    const std::uint32_t limit = lengthUpTo(str, static_cast<std::uint32_t>(bytes));
+    const auto limit = static_cast<std::uint32_t>(bytes);
     if (!locale->charTable->has(file::kMultibyte)) {
-        *chars = limit;
+        *chars = lengthUpTo(str, limit);
         return NLS_OK;
     }
-    return countCharacters(*locale->charTable, bytesOf(str), limit, *chars);
+    return countCharacters(*locale, bytesOf(str), limit, *chars);
 }
 
 nlsStatus nlsCountColumns(nlsLocale *locale, const char *str, int32_t bytes, uint32_t *columns) {
@@ -69,10 +75,7 @@ nlsStatus nlsCountColumns(nlsLocale *locale, const char *str, int32_t bytes, uin
     if (bytes < 0)
         return NLS_E_NULLARG;
     const auto limit = static_cast<std::uint32_t>(bytes);
-    if (lengthUpTo(str, limit) < limit)
-        return NLS_E_NULLARG;
-    *columns = countColumns(*locale->charTable, bytesOf(str), limit);
-    return NLS_OK;
+    return countColumns(*locale, bytesOf(str), limit, *columns) ? NLS_OK : NLS_E_NULLARG;
 }
 
 nlsStatus nlsSubstr(nlsLocale *locale, const char *str, int32_t start, int32_t length, uint32_t *chars,
@@ -91,16 +94,11 @@ nlsStatus nlsSubstr(nlsLocale *locale, const char *str, int32_t start, int32_t l
     const std::uint8_t *const end = from + length; // behind the byte range
     while (*from != 0 && !beginsCharacter(table, from, begin))
         ++from;
-    const std::uint8_t *to = from;
-    while (to < end && *to != 0) {
-        const Text character = terminatedText(to);
-        const unsigned whole = table.trailCount(*to) + 1;
-        if (end - to < static_cast<std::ptrdiff_t>(whole) || character.available(whole) < whole)
-            break;
-        to += whole;
-        ++*chars;
-    }
-    return nlsCopyString(reinterpret_cast<const char *>(from), static_cast<std::int32_t>(to - from), out);
+    if (from >= end)
+        return copyTo(*out, from, from);
+    const std::uint8_t *const to =
+        from + countWhole(*locale, from, static_cast<std::uint32_t>(end - from), *chars);
+    return copyTo(*out, from, to);
 }
 
 nlsStatus nlsExtract(nlsLocale *locale, const char *str, uint32_t chars, nlsStr *out) {
@@ -132,5 +130,5 @@ nlsStatus nlsValidateString(nlsLocale *locale, const void *data, int32_t length,
         return validateUtf16(bytes, length, byteOrder > 0, *count);
     if (table.has(file::kUnits32))
         return validateUtf32(bytes, length, byteOrder > 0, *count);
-    return validateBytes(table, bytes, length, *count);
+    return validateBytes(*locale, bytes, length, *count);
 }

@@ -4,10 +4,11 @@
 
 namespace velnls {
 
-nlsStatus countText(const CharTable &table, const std::uint8_t *text, std::size_t length, Counted &counted) {
+nlsStatus countText(const nlsLocale &locale, const std::uint8_t *text, std::size_t length, Counted &counted) {
     const auto bytes = static_cast<std::uint32_t>(length);
     counted = {text, text + length, bytes};
-    return table.has(file::kMultibyte) ? countCharacters(table, text, bytes, counted.characters) : NLS_OK;
+    return locale.charTable->has(file::kMultibyte) ? countCharacters(locale, text, bytes, counted.characters)
+                                                   : NLS_OK;
 }
 
 bool isCut(const CharTable &table, const std::uint8_t *text, const std::uint8_t *end) {

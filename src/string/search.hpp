@@ -14,7 +14,7 @@ struct Counted {
 };
 
 // The characters of a string bounded by its length: 0, or NLS_R_CUT.
-nlsStatus countText(const CharTable &table, const std::uint8_t *text, std::size_t length, Counted &counted);
+nlsStatus countText(const nlsLocale &locale, const std::uint8_t *text, std::size_t length, Counted &counted);
 
 // Whether the end of a text falls inside a character: what countText finds, without counting.
 bool isCut(const CharTable &table, const std::uint8_t *text, const std::uint8_t *end);

@@ -39,7 +39,7 @@ nlsStatus checkNotCut(const nlsLocale &locale, const Whole &string) {
 }
 
 nlsStatus countWhole(const nlsLocale &locale, const Whole &string, Counted &counted) {
-    return countText(*locale.charTable, string.at, static_cast<std::size_t>(string.end - string.at), counted);
+    return countText(locale, string.at, static_cast<std::size_t>(string.end - string.at), counted);
 }
 
 // The first match of a pattern that is not empty. Neither string is cut.
@@ -144,7 +144,7 @@ nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const char *text
     if (const nlsStatus status = countWhole(*locale, Whole(pattern), sought); status != NLS_OK)
         return status;
     const std::size_t length = ::strnlen(text_, static_cast<std::size_t>(textLength));
-    if (const nlsStatus status = countText(table, bytes(text_), length, rest); status != NLS_OK)
+    if (const nlsStatus status = countText(*locale, bytes(text_), length, rest); status != NLS_OK)
         return status;
     if (sought.at == sought.end) {
         *position = static_cast<std::uint32_t>(textLength) + 1;

@@ -120,15 +120,15 @@ Character trimCharacter(const Characters &characters, Character character) {
 
 // Whether the trim set holds what stands between two places of a text; it ends at a NUL.
 template <typename Page>
-nlsStatus isIn(const Page &page, const CharTable &table, const std::uint8_t *from, const std::uint8_t *to,
+nlsStatus isIn(const Page &page, const nlsLocale &locale, const std::uint8_t *from, const std::uint8_t *to,
                const std::uint8_t *set, bool &isInSet) {
     Counted sought{};
     Counted rest{};
     const std::size_t length = terminatedText(from).available(static_cast<unsigned>(to - from));
-    if (const nlsStatus status = countText(table, from, length, sought); status != NLS_OK)
+    if (const nlsStatus status = countText(locale, from, length, sought); status != NLS_OK)
         return status;
     const std::size_t setLength = std::strlen(reinterpret_cast<const char *>(set));
-    if (const nlsStatus status = countText(table, set, setLength, rest); status != NLS_OK)
+    if (const nlsStatus status = countText(locale, set, setLength, rest); status != NLS_OK)
         return status;
     Match match{};
     if (length != 0)
@@ -239,8 +239,7 @@ nlsStatus nlsFindRtrimPtrBack(nlsLocale *locale, const char *trimSet, char *str,
         while (end != bytes(str)) {
             const std::uint8_t *const start = walk.before(end);
             bool isInSet = false;
-            if (const nlsStatus status = isIn(page, *locale->charTable, start, end, set, isInSet);
-                status != NLS_OK)
+            if (const nlsStatus status = isIn(page, *locale, start, end, set, isInSet); status != NLS_OK)
                 return status;
             if (!isInSet)
                 break;

@@ -1,0 +1,98 @@
+#include "locale/page_facts.hpp"
+
+#include "convert/kernels/instruction_sets.hpp"
+
+#include <cstring>
+
+namespace velnls {
+
+namespace {
+
+// Collects the bytes that `isIn` names as ranges: how many there are, or more than fit.
+template <typename IsIn, unsigned kMost>
+unsigned findRanges(ByteRange (&ranges)[kMost], IsIn isIn) {
+    unsigned count = 0;
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        if (!isIn(byte))
+            continue;
+        const unsigned first = byte;
+        while (byte < 255 && isIn(byte + 1))
+            ++byte;
+        if (count == kMost)
+            return kMost + 1;
+        ranges[count++] = {static_cast<std::uint8_t>(first), static_cast<std::uint8_t>(byte - first)};
+    }
+    for (unsigned i = count; count != 0 && i < kMost; ++i)
+        ranges[i] = ranges[0];
+    return count;
+}
+
+bool contains(const ByteRange &range, unsigned byte) {
+    return static_cast<std::uint8_t>(byte - range.first) <= range.span;
+}
+
+template <unsigned kMost>
+bool contains(const ByteRange (&ranges)[kMost], unsigned byte) {
+    for (const ByteRange &range : ranges)
+        if (contains(range, byte))
+            return true;
+    return false;
+}
+
+bool isNarrow(const CharTable &table, unsigned byte) {
+    return (table.attributes[byte] & file::kTrailCountMask) != 0 &&
+           (table.attributes[byte] & file::kOneColumn) != 0;
+}
+
+// The facts are looked at against the table once more: they may come with a table from elsewhere.
+std::uint32_t provePairs(const CharTable &table) {
+    const PageFacts &facts = factsOf(table);
+    bool narrow = false;
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        const unsigned trails = table.trailCount(static_cast<std::uint8_t>(byte));
+        if (trails != (contains(facts.leads, byte) ? 1 : 0) ||
+            (table.trailValid[byte] != 0) != contains(facts.trails, byte))
+            return 0;
+        if (trails == 0)
+            continue;
+        narrow = narrow || isNarrow(table, byte);
+    }
+    for (unsigned byte = 0; narrow && byte < 256; ++byte)
+        if (isNarrow(table, byte) != contains(facts.narrow, byte))
+            return 0;
+    return kPairPage | (narrow ? kNarrowLeads : 0);
+}
+
+std::uint32_t proveUtf8Trails(const CharTable &table) {
+    return std::memchr(table.trailValid + 0x80, 0, 0x40) == nullptr ? kUtf8Trails : 0;
+}
+
+} // namespace
+
+void findFacts(CharTable &table) {
+    std::memset(table.reserved, 0, sizeof table.reserved);
+    if (table.has(file::kUtf8))
+        return;
+    PageFacts facts{};
+    ByteRange narrow[1]{};
+    const unsigned leads = findRanges(
+        facts.leads, [&](unsigned byte) { return table.trailCount(static_cast<std::uint8_t>(byte)) != 0; });
+    const unsigned trails =
+        findRanges(facts.trails, [&](unsigned byte) { return table.trailValid[byte] != 0; });
+    findRanges(narrow, [&](unsigned byte) { return isNarrow(table, byte); });
+    facts.narrow = narrow[0];
+    if (leads != 0 && leads <= 2 && trails != 0 && trails <= 3)
+        std::memcpy(table.reserved, &facts, sizeof facts);
+}
+
+std::uint32_t proveText(const nlsLocale &locale) {
+    const CharTable &table = *locale.charTable;
+    std::uint32_t proofs = instructionSets();
+    if ((locale.header.proofs & kUtf8Page) != 0)
+        proofs |= proveUtf8Trails(table);
+    else if ((locale.header.proofs & kSingleBytePage) == 0 && !table.has(file::kUtf8))
+        proofs |= provePairs(table);
+    return proofs;
+}
+
+} // namespace velnls

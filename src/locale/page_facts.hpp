@@ -1,0 +1,42 @@
+// What is proved of a locale's tables when they are loaded, so that the fast kernels of the string calls need
+// not ask again per character.
+//
+// Tables are data, and nothing in a data file or in a stored record is trusted: without a proof the plain
+// loops run. Proofs are bits of the locale; the byte ranges of a page's characters lie in the character
+// table's reserved bytes, which stored records hold as zeros.
+#pragma once
+
+#include "locale/locale.hpp"
+
+namespace velnls {
+
+// No character is longer than two bytes, and the facts tell which bytes lead and which may follow.
+inline constexpr std::uint32_t kPairPage = 0x0001'0000;
+// With kPairPage: some lead bytes begin characters of one column.
+inline constexpr std::uint32_t kNarrowLeads = 0x0002'0000;
+// With kUtf8Page: every byte from 80 to BF may follow a first one.
+inline constexpr std::uint32_t kUtf8Trails = 0x0004'0000;
+
+struct [[gnu::packed]] ByteRange {
+    std::uint8_t first;
+    std::uint8_t span; // of the last byte from the first
+};
+
+struct [[gnu::packed]] PageFacts {
+    ByteRange leads[2];  // a second range that is not needed repeats the first
+    ByteRange trails[3]; // the same
+    ByteRange narrow;    // lead bytes of one column
+};
+static_assert(sizeof(PageFacts) <= sizeof(CharTable::reserved));
+
+inline const PageFacts &factsOf(const CharTable &table) {
+    return *reinterpret_cast<const PageFacts *>(table.reserved);
+}
+
+// Fills in the facts of a table that is complete but for them.
+void findFacts(CharTable &table);
+
+// The bits that hold of a locale whose tables are complete.
+std::uint32_t proveText(const nlsLocale &locale);
+
+} // namespace velnls
