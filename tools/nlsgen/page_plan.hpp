@@ -33,20 +33,29 @@ struct SingleBytePlan {
     std::string_view order = {}; // list below data/collation/ that "basic" follows; empty: the default order
 };
 
+inline constexpr std::uint8_t kNoGapLow = 0xFF;
+inline constexpr std::uint8_t kNoGapHigh = 0;
+
 struct MultibytePlan {
     std::string_view name;
     std::string_view charmap; // empty: computed from SHIFT-JIS
-    std::string_view map;
+    std::string_view map = {};
     std::array<Range, 3> leads;
     std::array<Range, 3> trails;
-    Range oneColumnLeads; // lead bytes of characters of one display column
-    std::uint8_t extraFlags;
+    Range oneColumnLeads = {}; // lead bytes of characters of one display column
+    std::uint8_t extraFlags = 0;
     // The rectangle of the two-byte codes, gaps exclusive of the bytes they name. Its leads are all lead
     // bytes of the page, used or not: the library's fast path asks for that.
-    std::uint8_t firstLead, leadGapLow, leadGapHigh, lastLead;
-    std::uint8_t firstTrail, trailGapLow, trailGapHigh, lastTrail;
-    Range window; // everyday characters, found by one direct look-up
-    Range second; // the next most frequent ones, found in few steps
+    std::uint8_t firstLead;
+    std::uint8_t leadGapLow = kNoGapLow;
+    std::uint8_t leadGapHigh = kNoGapHigh;
+    std::uint8_t lastLead;
+    std::uint8_t firstTrail;
+    std::uint8_t trailGapLow = kNoGapLow;
+    std::uint8_t trailGapHigh = kNoGapHigh;
+    std::uint8_t lastTrail;
+    Range window;      // everyday characters, found by one direct look-up
+    Range second = {}; // the next most frequent ones, found in few steps
 };
 
 // Pages without a table of their own: by rule, or by ICU at run time.
@@ -57,9 +66,6 @@ struct RulePlan {
     std::array<Range, 3> trails;
     bool hasCaseTable;
 };
-
-inline constexpr std::uint8_t kNoGapLow = 0xFF;
-inline constexpr std::uint8_t kNoGapHigh = 0;
 
 std::span<const SingleBytePlan> singleBytePlans();
 std::span<const MultibytePlan> multibytePlans();

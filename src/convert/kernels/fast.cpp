@@ -7,6 +7,7 @@
 #include "convert/kernels/fast_japanese.hpp"
 #include "convert/kernels/fast_sinks.hpp"
 #include "convert/kernels/instruction_sets.hpp"
+#include "convert/kernels/japanese_bytes.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "convert/kernels/unicode_units.hpp"
 
@@ -388,9 +389,7 @@ template <typename Block, typename IsLead>
 nlsStatus shiftJisToEuc(std::uint32_t proofs, Source &source, Target &target) {
     if (finishes(proofs, avx512::shiftJisToEuc, source, target))
         return NLS_OK;
-    const auto isLead = [](std::uint8_t byte) {
-        return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xEF);
-    };
+    const auto isLead = [](std::uint8_t byte) { return isShiftJisLead(byte); };
     return convertJapanese<ShiftJisBlock>(proofs, avx512::shiftJisToEuc, source, target, isLead,
                                           velnls::shiftJisToEuc);
 }
@@ -398,7 +397,7 @@ nlsStatus shiftJisToEuc(std::uint32_t proofs, Source &source, Target &target) {
 nlsStatus eucToShiftJis(std::uint32_t proofs, Source &source, Target &target) {
     if (finishes(proofs, avx512::eucToShiftJis, source, target))
         return NLS_OK;
-    const auto isLead = [](std::uint8_t byte) { return (byte >= 0xA1 && byte <= 0xFE) || byte == 0x8E; };
+    const auto isLead = [](std::uint8_t byte) { return isEucByte(byte) || byte == kKatakanaShift; };
     return convertJapanese<EucBlock>(proofs, avx512::eucToShiftJis, source, target, isLead,
                                      velnls::eucToShiftJis);
 }

@@ -6,6 +6,8 @@
 // loops.
 #pragma once
 
+#include "core/unaligned.hpp"
+
 #include <cstdint>
 #include <cstring>
 
@@ -104,20 +106,8 @@ inline std::uint64_t notAsciiMask(const std::uint8_t *at) {
 
 #endif
 
-// ---- Unaligned numbers
+// ---- Bytes by registers
 // -------------------------------------------------------------------------------------
-
-template <typename Number>
-[[gnu::always_inline]] inline Number loadNumber(const void *at) {
-    Number number;
-    std::memcpy(&number, at, sizeof number);
-    return number;
-}
-
-template <typename Number>
-[[gnu::always_inline]] inline void storeNumber(void *at, Number number) {
-    std::memcpy(at, &number, sizeof number);
-}
 
 // Copies exactly `Count` bytes, by registers.
 template <int Count>

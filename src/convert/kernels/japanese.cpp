@@ -1,23 +1,10 @@
 // Shift_JIS to EUC-JP and back by arithmetic on the bytes.
+#include "convert/kernels/japanese_bytes.hpp"
 #include "convert/kernels/kernels.hpp"
 
 namespace velnls {
 
 namespace {
-
-constexpr std::uint8_t kKatakanaShift = 0x8E; // EUC-JP: one half-width katakana follows
-
-bool isHalfKatakana(std::uint8_t byte) {
-    return byte >= 0xA1 && byte <= 0xDF;
-}
-
-bool isShiftJisLead(std::uint8_t byte) {
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xEF);
-}
-
-bool isEucByte(std::uint8_t byte) {
-    return byte >= 0xA1 && byte <= 0xFE;
-}
 
 bool writePair(Target &target, unsigned first, unsigned second) {
     if (target.room() < 2)

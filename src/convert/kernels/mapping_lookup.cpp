@@ -1,6 +1,7 @@
 #include "convert/kernels/mapping_lookup.hpp"
 
-#include <cstring>
+#include "core/unaligned.hpp"
+
 #include <initializer_list>
 
 namespace velnls {
@@ -8,14 +9,6 @@ namespace velnls {
 namespace {
 
 using file::MappingGroup;
-
-// Sub-tables stand in the arena at even addresses of a block that may start at an odd one.
-std::uint16_t loadAt(const std::uint16_t *table, std::uint32_t index) {
-    std::uint16_t value;
-    std::memcpy(&value, reinterpret_cast<const unsigned char *>(table) + std::size_t{index} * 2,
-                sizeof value);
-    return value;
-}
 
 bool liesBetween(unsigned byte, unsigned low, unsigned high) {
     return byte > low && byte < high;
@@ -98,7 +91,7 @@ private:
     bool take(std::uint32_t &number) {
         if (left_ < 2)
             return false;
-        number = loadAt(at_, 0) | static_cast<std::uint32_t>(loadAt(at_, 1)) << 16;
+        number = loadElement(at_, 0) | static_cast<std::uint32_t>(loadElement(at_, 1)) << 16;
         at_ += 2;
         left_ -= 2;
         return true;
@@ -143,7 +136,7 @@ std::uint32_t valueOfCode(const MappingGroup &group, std::uint16_t code) {
     const std::uint32_t index = indexOfCode(group, code);
     if (index >= 0xFFFF || index >= group.indexLimit || index >= group.valueCount)
         return kNone;
-    const std::uint16_t value = loadAt(group.values, index);
+    const std::uint16_t value = loadElement(group.values, index);
     if (value == file::kUnmapped)
         return kNone;
     const std::uint32_t moved = addDelta(group, value);
@@ -156,7 +149,7 @@ std::uint32_t codeDirect(const MappingGroup &group, std::uint32_t value) {
     const std::uint32_t offset = value - group.lowest;
     if (offset >= group.reverseCount)
         return kNone;
-    const std::uint16_t index = loadAt(group.reverse, offset);
+    const std::uint16_t index = loadElement(group.reverse, offset);
     return index == file::kUnmapped ? kNone : codeOfIndex(group, index);
 }
 
@@ -168,15 +161,15 @@ std::uint32_t codeCompressed(const MappingGroup &group, std::uint32_t value) {
     const std::uint32_t segment = offset >> group.split;
     if (segment >= group.reverseCount)
         return kNone;
-    std::uint32_t at = loadAt(group.reverse, segment);
+    std::uint32_t at = loadElement(group.reverse, segment);
     auto count = static_cast<std::int32_t>((offset & ((1u << group.split) - 1)) + 1);
     while (at < group.reverseCount) {
-        const std::uint16_t entry = loadAt(group.reverse, at++);
+        const std::uint16_t entry = loadElement(group.reverse, at++);
         std::int32_t run = entry & group.runMask;
         if (run == 0) {
             if (at >= group.reverseCount)
                 return kNone;
-            run = loadAt(group.reverse, at++);
+            run = loadElement(group.reverse, at++);
         }
         count -= run;
         if (count == 0)

@@ -1,8 +1,7 @@
 #include "convert/kernels/proofs.hpp"
 
 #include "convert/kernels/mapping_lookup.hpp"
-
-#include <cstring>
+#include "core/unaligned.hpp"
 
 namespace velnls {
 
@@ -12,13 +11,6 @@ using file::MappingGroup;
 
 constexpr unsigned kAsciiEnd = 0x80;
 constexpr unsigned kBytes = 0x100;
-
-std::uint16_t loadAt(const std::uint16_t *table, std::uint32_t index) {
-    std::uint16_t value;
-    std::memcpy(&value, reinterpret_cast<const unsigned char *>(table) + std::size_t{index} * 2,
-                sizeof value);
-    return value;
-}
 
 bool isAsciiIdentity(const MappingBody &body) {
     for (std::uint32_t byte = 0; byte < kAsciiEnd; ++byte) {
@@ -40,7 +32,7 @@ bool isAsciiIdentity(const MappingBody &body) {
 bool hasPlainValues(const MappingGroup &group) {
     unsigned odd = 0;
     for (std::uint32_t i = 0; i < group.valueCount; ++i) {
-        const unsigned value = loadAt(group.values, i);
+        const unsigned value = loadElement(group.values, i);
         odd |= static_cast<unsigned>(value - 0xD800 < 0x800) | static_cast<unsigned>(value == 0xFFFD);
     }
     return odd == 0;
@@ -52,7 +44,7 @@ bool hasIndexesUpTo(const MappingGroup &group, std::uint32_t last) {
         return group.reverseCount == 0;
     unsigned odd = 0;
     for (std::uint32_t i = 0; i < group.reverseCount; ++i) {
-        const unsigned index = loadAt(group.reverse, i);
+        const unsigned index = loadElement(group.reverse, i);
         odd |= static_cast<unsigned>(index == 0) |
                static_cast<unsigned>(index > last && index != file::kUnmapped);
     }
