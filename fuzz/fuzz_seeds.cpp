@@ -1,10 +1,11 @@
-// Writes the seeds that both fuzz targets start from below the folder given.
+// Writes the seeds that the fuzz targets start from, a folder for each, below the folder given.
 #include "data_file.hpp"
 #include "mapping_table.hpp"
 
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <string>
 
 namespace {
@@ -79,6 +80,54 @@ DataFile unicode() {
     return file;
 }
 
+// A mapping whose way back states any type: the library must not read a body in another's layout.
+DataFile facing(unsigned type) {
+    DataFile file(6);
+    file.codePage("P", CharacterTable::doubleByte());
+    file.codePage("UTF-8", CharacterTable::utf8());
+    file.mapping("P", "UTF-8", 17, Mapping::doubleBytePage());
+    file.conversion("UTF-8", "P", static_cast<int>(type));
+    return file;
+}
+
+// Texts in every page's bytes: letters of both cases, blanks, characters of two to four bytes, cut ones.
+const std::string kTexts[] = {
+    "Stra\xDF"
+    "e strasse  ",
+    "caf\xC3\xA9 CAF\xC3\x89 \xE2\x82\xAC \xF0\x9F\x98\x80",
+    "\x88\x9F\x93\xFA\x96{\xB1 z",
+    "\xE0\xA1\xD1\xE8 \xA1\xE0",
+    "ab_%ab!%aab",
+    "\xC3",
+};
+
+Bytes joined(std::initializer_list<unsigned> numbers, const std::string &text) {
+    Bytes seed;
+    for (const unsigned number : numbers)
+        seed.push_back(fixture::byteOf(number));
+    return fixture::operator+(seed, fixture::bytesOf(text));
+}
+
+// In the order in which the targets take their input apart.
+void writeTextSeeds(const std::filesystem::path &root) {
+    constexpr unsigned kLocales = 16;
+    int number = 0;
+    for (unsigned locale = 0; locale < kLocales; ++locale)
+        for (const std::string &text : kTexts) {
+            const std::string name = std::to_string(number++);
+            const auto half = static_cast<unsigned>(text.size() / 2);
+            write(root / "fuzz_order" / name, joined({locale, locale % 2 * 8 + 1, 40, half}, text));
+            write(root / "fuzz_case" / name, joined({locale, 40, 3, 1}, text));
+            write(root / "fuzz_record" / name, joined({locale, 0, 0, 60, 0}, text));
+            std::string pattern = "%" + text.substr(0, half) + "%_";
+            pattern.resize(24);
+            write(root / "fuzz_like" / name, joined({locale, locale % 2}, pattern + text));
+            const std::string searched = text.substr(half, 2);
+            const auto choice = static_cast<unsigned>((searched.size() - 1) * 16 + 3);
+            write(root / "fuzz_search" / name, joined({locale, choice, 0, 200}, searched + "x" + text));
+        }
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -95,6 +144,10 @@ int main(int argc, char **argv) {
             for (const unsigned capacity : {5U, 255U})
                 write(root / "fuzz_data_file" / std::to_string(number++),
                       dataFileSeed(choices, capacity, text, file));
+    for (unsigned type = 0; type <= 180; ++type)
+        write(root / "fuzz_data_file" / std::to_string(number++),
+              dataFileSeed(0, 255, text, facing(type).image()));
+    writeTextSeeds(root);
     number = 0;
     for (unsigned source = 0; source < 54; ++source)
         for (const unsigned target : {37U, 46U, 47U, 50U}) {
