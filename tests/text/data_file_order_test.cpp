@@ -2,6 +2,7 @@
 // sign of the keys' order over many words. Where the two differ, a rule says why.
 #include "harness/calls.hpp"
 #include "harness/checks.hpp"
+#include "harness/laws.hpp"
 #include "harness/real_file.hpp"
 
 #include <gtest/gtest.h>
@@ -80,7 +81,25 @@ kit::Script scriptOf(const model::Locale &twin) {
     return twin.collation->kind == 4 ? kit::Script::Thai : kit::Script::Latin;
 }
 
+kit::Kit kitOf(const RealCollation &collation, nlsLocale *locale) {
+    return {collation.page + " " + collation.name, scriptOf(collation.twin), locale, collation.twin};
+}
+
 } // namespace
+
+TEST(DataFileOrderLaws, EveryTextEqualsItselfAndOrderTurnsRound) {
+    RealFile file;
+    for (const RealCollation &collation : file.collations())
+        for (const std::int16_t mode : kit::kModes)
+            kit::checkThatOrderTurnsRound(kitOf(collation, file.locale(collation)), mode);
+}
+
+TEST(DataFileOrderLaws, OrderIsTransitive) {
+    RealFile file;
+    for (const RealCollation &collation : file.collations())
+        for (const std::int16_t mode : kit::kModes)
+            kit::checkThatOrderIsTransitive(kitOf(collation, file.locale(collation)), mode);
+}
 
 TEST(DataFileOrder, CallsAnswerLikeTheirTwins) {
     RealFile file;
@@ -88,8 +107,7 @@ TEST(DataFileOrder, CallsAnswerLikeTheirTwins) {
     for (const RealCollation &collation : file.collations()) {
         nlsLocale *const locale = file.locale(collation);
         ASSERT_NE(locale, nullptr) << collation.page << " " << collation.name;
-        const kit::Kit one{collation.page + " " + collation.name, scriptOf(collation.twin), locale,
-                           collation.twin};
+        const kit::Kit one = kitOf(collation, locale);
         kit::TextMaker maker(81);
         for (int round = 0; round < (VELNLS_SANITIZED ? 60 : 400) && !HasFatalFailure(); ++round) {
             SCOPED_TRACE(one.name + ", round " + std::to_string(round));
