@@ -37,6 +37,14 @@ bool liesIn(const Block &block, const void *address) {
 
 } // namespace
 
+bool liesInLentMemory(const nlsHandle &handle, const void *address) {
+    for (const Block *block = handle.block; block != nullptr; block = block->previousBlock) {
+        if (liesIn(*block, address))
+            return true;
+    }
+    return false;
+}
+
 void pushCollation(Collation &record) {
     const platform::SpinScope scope(listInUse);
     record.next = head;
@@ -44,13 +52,7 @@ void pushCollation(Collation &record) {
 }
 
 Collation *forgetCollationsOf(const nlsHandle &handle) {
-    return unlinkIf([&handle](const Collation *record) {
-        for (const Block *block = handle.block; block != nullptr; block = block->previousBlock) {
-            if (liesIn(*block, record))
-                return true;
-        }
-        return false;
-    });
+    return unlinkIf([&handle](const Collation *record) { return liesInLentMemory(handle, record); });
 }
 
 void forgetCollation(const Collation &record) {

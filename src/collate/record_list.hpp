@@ -7,6 +7,9 @@
 
 namespace velnls {
 
+// Whether an address lies in one of the handle's lent blocks.
+bool liesInLentMemory(const nlsHandle &handle, const void *address);
+
 void pushCollation(Collation &record);
 
 // Takes every record off the list that lies in the handle's lent blocks, and gives them, linked by `next`.

@@ -5,7 +5,7 @@
 #include "core/objects.hpp"
 #include "icu/collate.hpp"
 #include "icu/convert.hpp"
-#include "locale/locale.hpp"
+#include "icu/kept_collators.hpp"
 
 #include <cstring>
 
@@ -33,19 +33,13 @@ bool placeDescriptor(nlsHandle &handle, void *memory, std::int32_t size) {
     return true;
 }
 
-// Gives back what stands outside lent memory: the sort exit, ICU's collators and converters. Collations made
-// by this handle are on the process-wide list; those of rebuilt locales are their own.
+// Gives back what stands outside lent memory: the sort exit, ICU's collators and converters. Blocks of
+// rebuilt locales are not looked at: they may be gone.
 void closeOutside(nlsHandle &handle) {
     unloadSortExit(handle);
     for (Collation *record = forgetCollationsOf(handle); record != nullptr; record = record->next)
         icu::closeCollator(*record);
-    for (ObjectHeader *object = handle.newest; object != nullptr; object = object->next) {
-        if (object->type != kLocaleObject)
-            continue;
-        const auto &locale = *reinterpret_cast<const nlsLocale *>(object);
-        if (locale.blobSize != 0 && locale.collation != nullptr)
-            icu::closeCollator(*locale.collation);
-    }
+    icu::closeKeptCollatorsOf(handle);
     icu::closeConvertersOf(handle);
 }
 

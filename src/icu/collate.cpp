@@ -175,9 +175,17 @@ nlsStatus openCollator(Collation &record) {
 void closeCollator(Collation &record) {
     if (!isServed(record))
         return;
-    functions().collators.close(areaOf(record, true).collator);
+    closeCollator(collatorOf(record));
     record.kind = kUnusable;
     record.collatorOpen = 0;
+}
+
+void closeCollator(Collator *collator) {
+    functions().collators.close(collator);
+}
+
+Collator *collatorOf(const Collation &record) {
+    return areaOf(record, true).collator;
 }
 
 void clearAddresses(Collation &copy) {
@@ -199,7 +207,7 @@ nlsStatus compareTexts(const Collation &record, Text a, Text b, unsigned mode, i
     const std::int32_t strength = mode == kKeyOnlyMode ? kNoStrength : strengthOfMode(record, mode);
     if (strength == kNoStrength)
         return NLS_OK;
-    Collator *const collator = areaOf(record, true).collator;
+    Collator *const collator = collatorOf(record);
     functions().collators.setStrength(collator, strength);
     const Utf8Converter utf8;
     if (utf8.get() == nullptr)
@@ -228,7 +236,7 @@ nlsStatus writeKey(const Collation &record, Text text, unsigned mode, std::uint8
         key[0] = 0;
         return NLS_OK;
     }
-    Collator *const collator = areaOf(record, true).collator;
+    Collator *const collator = collatorOf(record);
     functions().collators.setStrength(collator, strength);
     const Utf8Converter utf8;
     Utf16Text units;

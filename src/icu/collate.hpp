@@ -4,6 +4,7 @@
 
 #include "collate/record.hpp"
 #include "core/file_layout.hpp"
+#include "icu/functions.hpp"
 #include "locale/text.hpp"
 #include "velnls.h"
 
@@ -22,6 +23,10 @@ nlsStatus openCollator(Collation &record);
 
 // Closes the record's collator, if it has one.
 void closeCollator(Collation &record);
+void closeCollator(Collator *collator);
+
+// The collator of a record that ICU serves.
+Collator *collatorOf(const Collation &record);
 
 // Takes out of a copied record what means something in this process only.
 void clearAddresses(Collation &copy);

@@ -1,7 +1,7 @@
 // nlsCreateLocale, nlsCloseDBLocale.
 #include "collate/record_list.hpp"
 #include "core/objects.hpp"
-#include "icu/collate.hpp"
+#include "icu/kept_collators.hpp"
 #include "locale/checks.hpp"
 #include "locale/create.hpp"
 
@@ -57,7 +57,7 @@ nlsStatus nlsCloseDBLocale(nlsLocale *locale, void **block, uint32_t *size) {
         unlinkConversionsOf(handle, *locale);
         if (locale->collation != nullptr) {
             forgetCollation(*locale->collation);
-            icu::closeCollator(*locale->collation);
+            icu::closeKeptCollator(handle, *locale->collation);
         }
         *size = locale->blobSize;
         *block = locale;

@@ -1,11 +1,12 @@
 #include "locale/rebuild.hpp"
 
+#include "collate/proofs.hpp"
 #include "collate/sort_data.hpp"
 #include "collate/sort_exit.hpp"
 #include "convert/create.hpp"
 #include "core/objects.hpp"
 #include "core/text.hpp"
-#include "icu/collate.hpp"
+#include "icu/kept_collators.hpp"
 #include "locale/create.hpp"
 #include "locale/page_facts.hpp"
 #include "locale/stored_record.hpp"
@@ -119,7 +120,7 @@ nlsStatus openCollation(nlsHandle &handle, Collation &collation) {
         return reads ? NLS_OK : NLS_E_NOSORT;
     }
     case file::kIcu:
-        return icu::openCollator(collation);
+        return icu::openKeptCollator(handle, collation);
     case file::kSortExit: {
         const nlsStatus status = loadSortExit(handle, collation.name);
         return status == NLS_E_NOSORT ? NLS_E_NOCOLLATION : status;
@@ -198,12 +199,14 @@ nlsStatus rebuildLocale(nlsHandle &handle, const nlsDbCollation &record, const c
     copyName(locale->caseTableName, record.caseTableName);
     locale->header.proofs = provePage(*locale->charTable);
     locale->header.proofs |= proveText(*locale);
+    locale->header.proofs |= proveOrder(*locale);
+    locale->header.proofs |= proveText(*locale);
     locale->handle = &handle;
     locale->blobSize = blockSize;
     locale->blobName = static_cast<char *>(block) + (blockSize - nameSize);
     std::memcpy(locale->blobName, name, nameSize);
     if (const nlsStatus status = finishLocale(handle, record, carver, *locale); status != NLS_OK) {
-        icu::closeCollator(*locale->collation);
+        icu::closeKeptCollator(handle, *locale->collation);
         return status;
     }
     pushObject(handle, locale->header, kLocaleObject);

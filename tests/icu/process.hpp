@@ -1,0 +1,49 @@
+// What ICU's binding does is done for the process, so each case runs in a process of its own; and what the
+// library asks of the system's loader on the way is seen here, and can be made to fail.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace process {
+
+// Runs a test's body in a child. Its failures fail the test; the statuses it saw (see seen) are counted here.
+void isolated(const std::function<void()> &body);
+
+// In a child: succeeds when a call gave a status, which then counts as covered.
+testing::AssertionResult seen(const char *exportName, std::int32_t expected, std::uint32_t actual);
+
+// The loader's calls since the process began, in order: "load PATH", "find NAME", "unload PATH".
+std::vector<std::string> loaderCalls();
+void forgetLoaderCalls();
+// Makes every look-up of this name fail.
+void hideSymbol(const std::string &name);
+
+// A folder with a folder "bin", both empty, which goes with this object.
+class Home {
+public:
+    Home();
+    ~Home();
+    Home(const Home &) = delete;
+    Home &operator=(const Home &) = delete;
+
+    [[nodiscard]] const std::string &path() const {
+        return path_;
+    }
+    [[nodiscard]] std::string bin() const {
+        return path_ + "/bin";
+    }
+    // Copies a library of the build below bin/ under the name that is looked for.
+    void put(const std::string &built, const std::string &name) const;
+    // All three of the fake ICU.
+    void putIcu() const;
+
+private:
+    std::string path_;
+};
+
+void setVariable(const char *name, const std::string &value);
+void clearVariable(const char *name);
+
+} // namespace process
