@@ -1,7 +1,10 @@
 // nlsCompare, nlsCompareN, nlsSortKey.
+#include "collate/basic.hpp"
 #include "collate/checks.hpp"
 #include "collate/compare.hpp"
 #include "collate/key.hpp"
+#include "collate/quick.hpp"
+#include "collate/weights.hpp"
 
 #include <cstring>
 
@@ -9,31 +12,95 @@ using namespace velnls;
 
 namespace {
 
-nlsStatus compare(const nlsLocale &locale, Text a, Text b, unsigned mode, std::int16_t &out) {
-    int result = out; // ICU leaves it as it is in the modes that it does not know
-    const nlsStatus status = compareTexts(locale, a, b, mode, result);
+// Checked in full, and by whatever order the locale has.
+[[gnu::noinline]] nlsStatus compareAny(const nlsLocale *locale, const char *a, const char *b,
+                                       std::int16_t mode, std::int16_t *out, std::int64_t lengthA,
+                                       std::int64_t lengthB) {
+    if (const nlsStatus status = checkOrder(locale, a != nullptr && b != nullptr && out != nullptr);
+        status != NLS_OK)
+        return status;
+    int result = *out; // ICU leaves it as it is in the modes that it does not know
+    const nlsStatus status = compareTexts(*locale, boundedText(a, lengthA), boundedText(b, lengthB),
+                                          static_cast<std::uint16_t>(mode), result);
     if (status == NLS_OK)
-        out = static_cast<std::int16_t>(result);
+        *out = static_cast<std::int16_t>(result);
     return status;
+}
+
+const std::uint8_t *bytesOf(const char *text) {
+    return reinterpret_cast<const std::uint8_t *>(text);
+}
+
+nlsStatus give(int order, std::int16_t *out) {
+    *out = static_cast<std::int16_t>(order);
+    return NLS_OK;
+}
+
+// ---- The ways of nlsCompare. Each has five arguments like the call itself, so that it can jump there.
+
+[[gnu::noinline]] nlsStatus compareWhole(const nlsLocale *locale, const char *a, const char *b,
+                                         std::int16_t mode, std::int16_t *out) {
+    return compareAny(locale, a, b, mode, out, -1, -1);
+}
+
+[[gnu::noinline]] nlsStatus compareAllBytes(const char *a, const char *b, std::int16_t *out) {
+    return give(compareBytes(boundedText(a, -1), boundedText(b, -1)), out);
+}
+
+nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out) {
+    const int order = orderOfBytesInBlock(bytesOf(a), bytesOf(b));
+    if (order == kUnsettled) [[unlikely]]
+        return compareAllBytes(a, b, out);
+    return give(order, out);
+}
+
+[[gnu::noinline]] nlsStatus compareAllWeights(const nlsLocale *locale, const char *a, const char *b,
+                                              const std::uint8_t *weights, std::int16_t *out) {
+    const WeightOrder order{weights, locale->charTable};
+    return give(compareByByteWeights(order, boundedText(a, -1), boundedText(b, -1)), out);
+}
+
+[[gnu::noinline]] nlsStatus compareFirstWeights(const nlsLocale *locale, const char *a, const char *b,
+                                                const std::uint8_t *weights, std::int16_t *out) {
+    const int order = orderInBlock<false>(weights, bytesOf(a), bytesOf(b));
+    if (order == kUnsettled) [[unlikely]]
+        return compareAllWeights(locale, a, b, weights, out);
+    return give(order, out);
+}
+
+[[gnu::noinline]] nlsStatus compareAllFolded(const nlsLocale *locale, const char *a, const char *b,
+                                             std::int16_t *out) {
+    return give(compareFolded(*locale, boundedText(a, -1), boundedText(b, -1)), out);
+}
+
+[[gnu::noinline]] nlsStatus compareFirstFolded(const nlsLocale *locale, const char *a, const char *b,
+                                               std::int16_t *out) {
+    const int order = orderInBlock<true>(kLowerCase.weights, bytesOf(a), bytesOf(b));
+    if (order == kUnsettled) [[unlikely]]
+        return compareAllFolded(locale, a, b, out);
+    return give(order, out);
 }
 
 } // namespace
 
 nlsStatus nlsCompare(nlsLocale *locale, const char *a, const char *b, int16_t mode, int16_t *result) {
-    if (const nlsStatus status = checkOrder(locale, a != nullptr && b != nullptr && result != nullptr);
-        status != NLS_OK)
-        return status;
-    return compare(*locale, boundedText(a, -1), boundedText(b, -1), static_cast<std::uint16_t>(mode),
-                   *result);
+    if (a == nullptr || b == nullptr || result == nullptr) [[unlikely]]
+        return compareWhole(locale, a, b, mode, result);
+    const std::uint32_t proofs = provedOrder(locale);
+    if ((proofs & kByteWeights) != 0 && (mode & ~1) == 0)
+        return compareFirstWeights(locale, a, b, provedWeights(*locale, static_cast<unsigned>(mode)), result);
+    if ((proofs & kBasicOrder) == 0)
+        return compareWhole(locale, a, b, mode, result);
+    if (mode != 0)
+        return compareFirstBytes(a, b, result);
+    return (proofs & kAsciiFolds) != 0 ? compareFirstFolded(locale, a, b, result)
+                                       : compareAllFolded(locale, a, b, result);
 }
 
 nlsStatus nlsCompareN(nlsLocale *locale, const char *a, const char *b, int32_t lengthA, uint32_t lengthB,
                       uint16_t mode, int16_t *result) {
-    if (const nlsStatus status = checkOrder(locale, a != nullptr && b != nullptr && result != nullptr);
-        status != NLS_OK)
-        return status;
-    const std::int64_t boundB = lengthB == 0xFFFFFFFF ? -1 : std::int64_t{lengthB};
-    return compare(*locale, boundedText(a, lengthA), boundedText(b, boundB), mode, *result);
+    return compareAny(locale, a, b, static_cast<std::int16_t>(mode), result, lengthA,
+                      lengthB == 0xFFFFFFFF ? -1 : std::int64_t{lengthB});
 }
 
 nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t mode, uint16_t trim,

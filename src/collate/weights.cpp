@@ -149,14 +149,24 @@ int compareByWeights(const WeightOrder &order, Text a, Text b) {
     return compareSteps(PageSteps(order, a), PageSteps(order, b));
 }
 
-int compareByByteWeights(const WeightOrder &order, Text a, Text b) {
-    // Equal bytes have equal weights, so the walk begins at the first difference. Where the strings differ, a
-    // pending step of either can only come from behind it.
-    while (a.at != a.end && b.at != b.end && *a.at == *b.at && *a.at != 0) {
+int compareByByteWeightsOn(const WeightOrder &order, Text a, Text b) {
+    while (!a.ended() && !b.ended()) {
+        if (*a.at == *b.at) {
+            const std::size_t alike = equalBytes(a, b);
+            a.at += alike;
+            b.at += alike;
+            continue;
+        }
+        const unsigned weightA = order.weights[*a.at];
+        const unsigned weightB = order.weights[*b.at];
+        if (weightA == 0 || weightB == 0)
+            return compareByWeights(order, a, b);
+        if (weightA != weightB)
+            return weightA < weightB ? -1 : 1;
         ++a.at;
         ++b.at;
     }
-    return compareSteps(PageSteps(order, a), PageSteps(order, b));
+    return compareRests(a, b);
 }
 
 int compareThroughShiftJis(const WeightOrder &order, const ShiftJisWay &way, Text a, Text b) {

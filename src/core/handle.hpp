@@ -32,6 +32,8 @@ static_assert(sizeof(ObjectHeader) == 24);
 // Proofs about a locale's page.
 inline constexpr std::uint32_t kSingleBytePage = 0x0001; // no byte begins a longer character
 inline constexpr std::uint32_t kUtf8Page = 0x0002;       // flag and trail counts are those of UTF-8
+inline constexpr std::uint32_t kLongestTrails = 0x0070;  // the most bytes that follow a first one
+inline constexpr unsigned kLongestTrailsShift = 4;
 
 // One lent block; the newest is the one being carved.
 struct [[gnu::packed]] Block {

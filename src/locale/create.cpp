@@ -1,6 +1,7 @@
 #include "locale/create.hpp"
 
 #include "collate/load.hpp"
+#include "collate/proofs.hpp"
 #include "convert/create.hpp"
 #include "core/arena.hpp"
 #include "core/file_layout.hpp"
@@ -8,6 +9,8 @@
 #include "core/text.hpp"
 #include "locale/load.hpp"
 #include "locale/page_facts.hpp"
+
+#include <algorithm>
 
 namespace velnls {
 
@@ -76,15 +79,15 @@ nlsStatus loadTables(nlsHandle &handle, nlsLocale &locale) {
 } // namespace
 
 std::uint32_t provePage(const CharTable &table) {
-    bool single = true;
+    unsigned longest = 0;
     bool utf8 = table.has(file::kUtf8);
     for (unsigned byte = 0; byte < 256; ++byte) {
         const unsigned trails = table.trailCount(static_cast<std::uint8_t>(byte));
         const unsigned expected = byte < 0xC0 || byte >= 0xF8 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
-        single = single && trails == 0;
+        longest = std::max(longest, trails);
         utf8 = utf8 && trails == expected;
     }
-    return (single ? kSingleBytePage : 0) | (utf8 ? kUtf8Page : 0);
+    return (longest == 0 ? kSingleBytePage : 0) | (utf8 ? kUtf8Page : 0) | longest << kLongestTrailsShift;
 }
 
 nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale) {
@@ -118,6 +121,7 @@ nlsStatus createLocale(nlsHandle &handle, const char *codePageName, const char *
     if (const nlsStatus status = loadTables(handle, *locale); status != NLS_OK)
         return status;
     locale->header.proofs |= proveText(*locale);
+    locale->header.proofs |= proveOrder(*locale);
     locale->handle = &handle;
     pushObject(handle, locale->header, kLocaleObject);
     out = locale;

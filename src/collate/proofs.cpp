@@ -1,0 +1,45 @@
+#include "collate/proofs.hpp"
+
+#include "collate/basic.hpp"
+#include "core/file_layout.hpp"
+
+namespace velnls {
+
+namespace {
+
+// Without a case table the C runtime decides, and its locale may change.
+bool asciiFolds(const nlsLocale &locale) {
+    constexpr std::uint32_t kMostTrails = 3;
+    if (locale.caseTable == nullptr ||
+        (locale.header.proofs & kLongestTrails) >> kLongestTrailsShift > kMostTrails)
+        return false;
+    for (std::uint8_t byte = 1; byte < 0x80; ++byte)
+        if (locale.charTable->trailCount(byte) != 0 || foldNumber(locale, byte) != asciiLower(byte))
+            return false;
+    return true;
+}
+
+} // namespace
+
+std::uint32_t proveOrder(const nlsLocale &locale) {
+    const std::uint32_t page = locale.header.proofs;
+    if (locale.collation == nullptr)
+        return 0;
+    const Collation &collation = *locale.collation;
+    switch (collation.kind) {
+    case file::kThai:
+    case file::kSortExit:
+    case file::kIcu:
+    case kUnusable:
+        return 0;
+    case file::kBasic:
+        return kBasicOrder | (asciiFolds(locale) ? kAsciiFolds : 0);
+    default:
+        break;
+    }
+    const bool decide = (page & kSingleBytePage) != 0 && !locale.charTable->has(file::kThroughShiftJis) &&
+                        collation.caseSensitive[0] == 0 && collation.caseInsensitive[0] == 0;
+    return decide ? kByteWeights : 0;
+}
+
+} // namespace velnls

@@ -1,0 +1,19 @@
+// What is proved of a locale's order once, when the locale is made, so that the fast kernels need not ask
+// again per string.
+#pragma once
+
+#include "locale/locale.hpp"
+
+namespace velnls {
+
+// Single bytes under weights, and both tables have a weight of 0 for NUL: the weight tables alone decide.
+inline constexpr std::uint32_t kByteWeights = 0x0100;
+inline constexpr std::uint32_t kBasicOrder = 0x0200;
+// No character is longer than four bytes, ASCII bytes are characters of their own, and their lower case by
+// the locale's case table is that of ASCII.
+inline constexpr std::uint32_t kAsciiFolds = 0x0400;
+
+// Bits for a locale's proofs, whose other fields are complete.
+std::uint32_t proveOrder(const nlsLocale &locale);
+
+} // namespace velnls
