@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -55,6 +56,18 @@ Result failed(const std::string &problem) {
     Result result;
     result.problem = problem;
     return result;
+}
+
+// A locale of the C library with its collation; null where it is not installed.
+locale_t collatingLocale(const char *name) {
+    static std::map<std::string, locale_t> locales;
+    const auto found = locales.find(name);
+    if (found != locales.end())
+        return found->second;
+    const locale_t locale = newlocale(LC_ALL_MASK, name, nullptr);
+    if (locale == nullptr)
+        std::fprintf(stderr, "velnls_bench: the C library has no locale %s\n", name);
+    return locales[name] = locale;
 }
 
 // The texts of a job. They are kept for the jobs that follow each other.
@@ -177,7 +190,7 @@ void withCompares(const Order &order, int mode, const Column &column, Use use) {
         use("ICU ucol_strcollUTF8", IcuCompareUtf8{column, collator});
         use("ICU ucol_strcoll", IcuCompareUtf16{column, collator});
     }
-    if (const locale_t locale = systemLocale(order.systemLocale); locale != nullptr) {
+    if (const locale_t locale = collatingLocale(order.systemLocale); locale != nullptr) {
         // Case-sensitive of BASIC is the order of bytes; strcoll of the C locale is strcmp.
         if (mode != 0 && !order.basic)
             use("strcoll_l", SystemCompare{column, locale, strcoll_l});
@@ -319,7 +332,7 @@ Result keyResult(const Order &order, int mode, Size size, int rounds) {
                 reinterpret_cast<std::uint8_t *>(room.data()), static_cast<std::int32_t>(room.size())));
         }));
     // The C locale's keys are the bytes.
-    const locale_t system = systemLocale(order.basic ? "C" : order.systemLocale);
+    const locale_t system = collatingLocale(order.basic ? "C" : order.systemLocale);
     if (mode != 0 && system != nullptr)
         contenders.push_back(keying(order.basic ? "strxfrm_l of the C locale" : "strxfrm_l", column.size(),
                                     [&, system](std::uint32_t i) {
