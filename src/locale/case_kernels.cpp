@@ -1,10 +1,17 @@
 #include "locale/case_kernels.hpp"
 
+#include "convert/kernels/fast.hpp"
+#include "convert/kernels/instruction_sets.hpp"
+#include "locale/case_fast.hpp"
+
 #include <algorithm>
 
 namespace velnls {
 
 namespace {
+
+constexpr std::size_t kReadAhead = 1 << 14; // bytes that are searched for a NUL at once
+constexpr std::ptrdiff_t kPlainBytes = 16;  // that the plain loop goes over where a fast one stopped
 
 class Output {
 public:
@@ -16,8 +23,21 @@ public:
         out_[written_++] = byte;
     }
     void copy(const std::uint8_t *bytes, std::size_t count) {
-        std::memcpy(out_ + written_, bytes, count);
+        for (std::size_t i = 0; i < count; ++i)
+            out_[written_ + i] = bytes[i];
         written_ += count;
+    }
+    // Lets `map` go over what it can of a stretch of text without a NUL. Where text and output overlap, only
+    // the plain loops keep the order of reading and writing.
+    template <typename Map>
+    void stretch(const std::uint8_t *&at, const std::uint8_t *end, Map map) {
+        std::uint8_t *const begin = out_ + written_;
+        if (begin < end && at < out_ + room_)
+            return;
+        fast::CaseStretch stretch{at, end, begin, room_ - written_};
+        map(stretch);
+        at = stretch.at;
+        written_ = static_cast<std::size_t>(stretch.out - out_);
     }
     [[nodiscard]] CaseResult complete() const {
         return {written_, true, false};
@@ -32,10 +52,28 @@ private:
     std::size_t written_ = 0;
 };
 
+// How far a text is known to go on without a NUL; asked for again where that is reached.
+class KnownText {
+public:
+    // The end of the stretch that `text` stands in.
+    const std::uint8_t *from(Text text) {
+        if (text.at >= end_) {
+            const auto left = static_cast<std::size_t>(text.end - text.at);
+            end_ = text.at + ::strnlen(reinterpret_cast<const char *>(text.at), std::min(left, kReadAhead));
+        }
+        return end_;
+    }
+
+private:
+    const std::uint8_t *end_ = nullptr;
+};
+
 // The number of the UTF-8 character at the text's place, which moves past it. The text's end inside a
 // character ends it early; characters of four bytes and more are skipped whole and read as "?".
 std::uint32_t takeUtf8Number(const CharTable &chars, Text &text) {
     const unsigned length = chars.trailCount(*text.at) + 1;
+    if (length == 1)
+        return *text.at++;
     const unsigned taken = text.available(length);
     std::uint32_t code = '?';
     if (length <= 3) {
@@ -48,20 +86,25 @@ std::uint32_t takeUtf8Number(const CharTable &chars, Text &text) {
 }
 
 // Ways A and B: multibyte characters are copied as they stand, `longest` bytes at most, single bytes mapped.
-template <typename MapByte>
+// `blocks(text, output)` goes over what it can before each few characters.
+template <typename MapByte, typename Blocks>
 CaseResult mapSingleBytes(const CharTable &chars, Text text, std::uint8_t *out, std::size_t room,
-                          unsigned longest, MapByte mapByte) {
+                          unsigned longest, MapByte mapByte, Blocks blocks) {
     Output output(out, room);
     while (!text.ended()) {
-        const unsigned trails = chars.trailCount(*text.at);
-        const unsigned bytes = trails == 0 ? 1 : text.available(std::min(trails + 1, longest));
-        if (!output.fits(bytes))
-            return output.full();
-        if (trails == 0)
-            output.put(mapByte(*text.at));
-        else
-            output.copy(text.at, bytes);
-        text.at += bytes;
+        blocks(text, output);
+        const std::uint8_t *const begin = text.at;
+        while (text.at - begin < kPlainBytes && !text.ended()) {
+            const unsigned trails = chars.trailCount(*text.at);
+            const unsigned bytes = trails == 0 ? 1 : text.available(std::min(trails + 1, longest));
+            if (!output.fits(bytes))
+                return output.full();
+            if (trails == 0)
+                output.put(mapByte(*text.at));
+            else
+                output.copy(text.at, bytes);
+            text.at += bytes;
+        }
     }
     return output.complete();
 }
@@ -70,41 +113,69 @@ CaseResult mapSingleBytes(const CharTable &chars, Text text, std::uint8_t *out, 
 
 template <Case kCase>
 CaseResult mapByRuntime(const CharTable &chars, Text text, std::uint8_t *out, std::size_t room) {
-    return mapSingleBytes(chars, text, out, room, 8,
-                          [](std::uint8_t byte) { return mapRuntimeCase<kCase>(byte); });
+    return mapSingleBytes(
+        chars, text, out, room, 8, [](std::uint8_t byte) { return mapRuntimeCase<kCase>(byte); },
+        [](Text &, Output &) {});
 }
 
 template <Case kCase>
-CaseResult mapByBytes(const CharTable &chars, const ByteCaseTable &table, Text text, std::uint8_t *out,
-                      std::size_t room) {
-    return mapSingleBytes(chars, text, out, room, 2,
-                          [&table](std::uint8_t byte) { return mapByteCase<kCase>(table, byte); });
+CaseResult mapByBytes(const CharTable &chars, const ByteCaseTable &table, std::uint32_t proofs, Text text,
+                      std::uint8_t *out, std::size_t room) {
+    const std::uint8_t *const map = kCase == Case::Upper ? table.upper : table.lower;
+    KnownText known;
+    return mapSingleBytes(
+        chars, text, out, room, 2, [map](std::uint8_t byte) { return map[byte]; },
+        [&](Text &rest, Output &output) {
+            if ((proofs & kSingleBytePage) != 0)
+                output.stretch(rest.at, known.from(rest), [&](fast::CaseStretch &stretch) {
+                    const std::size_t bytes =
+                        std::min(static_cast<std::size_t>(stretch.end - stretch.at), stretch.room);
+                    Source source{stretch.at, stretch.at + bytes};
+                    Target target{stretch.out, stretch.out + bytes};
+                    fast::mapBytes(map, proofs, source, target);
+                    stretch.at += bytes;
+                    stretch.out += bytes;
+                });
+            else if ((proofs & kAsciiCase) != 0)
+                output.stretch(rest.at, known.from(rest), fast::mapAscii<kCase>);
+        });
 }
 
 template <Case kCase>
-CaseResult mapByPages(const CharTable &chars, const UnicodeCaseTable &table, Text text, std::uint8_t *out,
-                      std::size_t room) {
+CaseResult mapByPages(const CharTable &chars, const UnicodeCaseTable &table, std::uint32_t proofs, Text text,
+                      std::uint8_t *out, std::size_t room) {
     Output output(out, room);
+    KnownText known;
     while (!text.ended()) {
-        const std::uint32_t code = mapUtf8Case<kCase>(table, takeUtf8Number(chars, text));
-        const unsigned bytes = code > 0xFFFF ? 3 : code < 0x100 ? 1 : 2;
-        if (!output.fits(bytes))
-            return output.full();
-        for (unsigned i = bytes; i > 0; --i)
-            output.put(static_cast<std::uint8_t>(code >> 8 * (i - 1)));
+        if ((proofs & kCommonCase) != 0)
+            output.stretch(text.at, known.from(text),
+                           (proofs & kWideVectors) != 0 ? avx512::mapCommonUtf8<kCase>
+                                                        : fast::mapCommonUtf8<kCase>);
+        const std::uint8_t *const begin = text.at;
+        while (text.at - begin < kPlainBytes && !text.ended()) {
+            const std::uint32_t code = mapUtf8Case<kCase>(table, takeUtf8Number(chars, text));
+            const unsigned bytes = code > 0xFFFF ? 3 : code < 0x100 ? 1 : 2;
+            if (!output.fits(bytes))
+                return output.full();
+            if (bytes == 3)
+                output.put(static_cast<std::uint8_t>(code >> 16));
+            if (bytes >= 2)
+                output.put(static_cast<std::uint8_t>(code >> 8));
+            output.put(static_cast<std::uint8_t>(code));
+        }
     }
     return output.complete();
 }
 
 template CaseResult mapByRuntime<Case::Upper>(const CharTable &, Text, std::uint8_t *, std::size_t);
 template CaseResult mapByRuntime<Case::Lower>(const CharTable &, Text, std::uint8_t *, std::size_t);
-template CaseResult mapByBytes<Case::Upper>(const CharTable &, const ByteCaseTable &, Text, std::uint8_t *,
-                                            std::size_t);
-template CaseResult mapByBytes<Case::Lower>(const CharTable &, const ByteCaseTable &, Text, std::uint8_t *,
-                                            std::size_t);
-template CaseResult mapByPages<Case::Upper>(const CharTable &, const UnicodeCaseTable &, Text, std::uint8_t *,
-                                            std::size_t);
-template CaseResult mapByPages<Case::Lower>(const CharTable &, const UnicodeCaseTable &, Text, std::uint8_t *,
-                                            std::size_t);
+template CaseResult mapByBytes<Case::Upper>(const CharTable &, const ByteCaseTable &, std::uint32_t, Text,
+                                            std::uint8_t *, std::size_t);
+template CaseResult mapByBytes<Case::Lower>(const CharTable &, const ByteCaseTable &, std::uint32_t, Text,
+                                            std::uint8_t *, std::size_t);
+template CaseResult mapByPages<Case::Upper>(const CharTable &, const UnicodeCaseTable &, std::uint32_t, Text,
+                                            std::uint8_t *, std::size_t);
+template CaseResult mapByPages<Case::Lower>(const CharTable &, const UnicodeCaseTable &, std::uint32_t, Text,
+                                            std::uint8_t *, std::size_t);
 
 } // namespace velnls

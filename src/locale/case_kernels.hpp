@@ -20,12 +20,13 @@ struct CaseResult {
 template <Case kCase>
 CaseResult mapByRuntime(const CharTable &chars, Text text, std::uint8_t *out, std::size_t room);
 
+// `proofs` are those of the locale; without any, the plain loops do all of the work.
 template <Case kCase>
-CaseResult mapByBytes(const CharTable &chars, const ByteCaseTable &table, Text text, std::uint8_t *out,
-                      std::size_t room);
+CaseResult mapByBytes(const CharTable &chars, const ByteCaseTable &table, std::uint32_t proofs, Text text,
+                      std::uint8_t *out, std::size_t room);
 
 template <Case kCase>
-CaseResult mapByPages(const CharTable &chars, const UnicodeCaseTable &table, Text text, std::uint8_t *out,
-                      std::size_t room);
+CaseResult mapByPages(const CharTable &chars, const UnicodeCaseTable &table, std::uint32_t proofs, Text text,
+                      std::uint8_t *out, std::size_t room);
 
 } // namespace velnls

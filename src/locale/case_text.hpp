@@ -11,10 +11,12 @@ CaseResult mapTextCase(const nlsLocale &locale, Text text, std::uint8_t *out, st
     const CharTable &chars = *locale.charTable;
     if (locale.caseTable == nullptr)
         return mapByRuntime<kCase>(chars, text, out, room);
+    const std::uint32_t proofs = locale.header.proofs;
     if (chars.has(file::kUtf8))
-        return mapByPages<kCase>(chars, *static_cast<const UnicodeCaseTable *>(locale.caseTable), text, out,
-                                 room);
-    return mapByBytes<kCase>(chars, *static_cast<const ByteCaseTable *>(locale.caseTable), text, out, room);
+        return mapByPages<kCase>(chars, *static_cast<const UnicodeCaseTable *>(locale.caseTable), proofs,
+                                 text, out, room);
+    return mapByBytes<kCase>(chars, *static_cast<const ByteCaseTable *>(locale.caseTable), proofs, text, out,
+                             room);
 }
 
 } // namespace velnls

@@ -1,6 +1,7 @@
 #include "locale/page_facts.hpp"
 
 #include "convert/kernels/instruction_sets.hpp"
+#include "locale/case_fast.hpp"
 
 #include <cstring>
 
@@ -92,6 +93,12 @@ std::uint32_t proveText(const nlsLocale &locale) {
         proofs |= proveUtf8Trails(table);
     else if ((locale.header.proofs & kSingleBytePage) == 0 && !table.has(file::kUtf8))
         proofs |= provePairs(table);
+    if (locale.caseTable == nullptr)
+        return proofs;
+    if ((locale.header.proofs & kUtf8Page) != 0)
+        proofs |= proveUtf8Case(*static_cast<const UnicodeCaseTable *>(locale.caseTable));
+    else if (!table.has(file::kUtf8))
+        proofs |= proveByteCase(table, *static_cast<const ByteCaseTable *>(locale.caseTable));
     return proofs;
 }
 

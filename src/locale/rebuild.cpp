@@ -198,6 +198,7 @@ nlsStatus rebuildLocale(nlsHandle &handle, const nlsDbCollation &record, const c
     copyName(locale->collationName, record.collationName);
     copyName(locale->caseTableName, record.caseTableName);
     locale->header.proofs = provePage(*locale->charTable);
+    locale->header.proofs |= proveText(*locale);
     locale->header.proofs |= proveOrder(*locale);
     locale->header.proofs |= proveText(*locale);
     locale->header.proofs |= proveOrder(*locale);

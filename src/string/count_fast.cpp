@@ -1,7 +1,7 @@
 #include "string/count_fast.hpp"
 
 #include "convert/kernels/instruction_sets.hpp"
-#include "string/masks_sse2.hpp"
+#include "locale/masks_sse2.hpp"
 
 namespace velnls::fast {
 

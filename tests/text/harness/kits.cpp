@@ -23,6 +23,7 @@ World::World(std::size_t misalignment) : library(worldFile(), 600000, misalignme
     add("EUCJIS BASIC", Script::Euc, "EUCJIS", "basic", "basic");
     add("UTF-8 weights", Script::Utf8, "UTF-8", "weights", "basic");
     add("UTF-8 BASIC", Script::Utf8, "UTF-8", "basic", "basic");
+    add("UTF-8 BASIC, common pairs of case", Script::Utf8, "UTF-8", "basic", "common");
     add("UTF-8 BASIC without case table", Script::Utf8, "UTF-8", "basic", nullptr);
     add("LONG weights", Script::Long, "LONG", "weights", nullptr);
     add("LONG BASIC", Script::Long, "LONG", "basic", "basic");
@@ -70,7 +71,7 @@ void World::add(const std::string &name, Script script, const char *page, const 
         break;
     }
     if (cased && script == Script::Utf8)
-        made.twin.casePages.emplace(unicodeCase());
+        made.twin.casePages.emplace(std::string_view(caseTable) == "common" ? commonCase() : unicodeCase());
     else if (cased)
         made.twin.byteCase = script == Script::Latin ? latinCase() : fixture::ByteCase::ascii();
     kits.push_back(made);
@@ -116,13 +117,13 @@ Bytes TextMaker::character(Script script) {
         if (dice == 15)
             return {one(0xF0, 0xF4), one(0x90, 0xBF), one(0x80, 0xBF), one(0x80, 0xBF)};
         if (dice < 10)
-            return {one(0xC3, 0xC4), one(0x80, 0xBF)};
+            return {one(0xC2, 0xC4), one(0x80, 0xBF)};
         if (dice < 12)
             return {one(0xCE, 0xD1), one(0x80, 0xBF)};
-        static constexpr unsigned char kStarts[][2] = {{0xE1, 0xB8}, {0xE2, 0x93}, {0xEF, 0xBC}, {0xEF, 0xBD},
-                                                       {0xE3, 0x81}, {0xE0, 0xB8}, {0xE0, 0xB9}, {0xEF, 0x80},
-                                                       {0xEF, 0xBB}, {0xEF, 0xBF}, {0xE9, 0x81}};
-        const auto &start = kStarts[random.below(11)];
+        static constexpr unsigned char kStarts[][2] = {
+            {0xE1, 0xB8}, {0xE2, 0x93}, {0xEF, 0xBC}, {0xEF, 0xBD}, {0xE3, 0x81}, {0xE0, 0xB8},
+            {0xE0, 0xB9}, {0xEF, 0x80}, {0xEF, 0xBB}, {0xEF, 0xBF}, {0xE9, 0x81}, {0xE2, 0x80}};
+        const auto &start = kStarts[random.below(12)];
         return {start[0], start[1], one(0x80, 0xBF)};
     }
     case Script::Long: {

@@ -75,6 +75,32 @@ fixture::UnicodeCase unicodeCase() {
     return table;
 }
 
+fixture::UnicodeCase commonCase() {
+    fixture::UnicodeCase table;
+    const auto row = [&table](unsigned firstUpper, unsigned firstLower, unsigned count) {
+        for (unsigned i = 0; i < count; ++i) {
+            const auto upper = static_cast<std::uint16_t>(firstUpper + i);
+            const auto lower = static_cast<std::uint16_t>(firstLower + i);
+            table.upper.emplace_back(lower, upper);
+            table.lower.emplace_back(upper, lower);
+        }
+    };
+    row('A', 'a', 26);
+    row(0xC0, 0xE0, 23);
+    row(0xD8, 0xF8, 7);
+    row(0x178, 0xFF, 1);
+    table.upper.emplace_back(0xB5, 0x39C);
+    row(0x391, 0x3B1, 17);
+    row(0x400, 0x450, 16);
+    row(0x410, 0x430, 32);
+    row(0x460, 0x461, 1);
+    row(0x490, 0x491, 1);
+    row(0x24B6, 0x24D0, 26);
+    table.upper.emplace_back(0x131, 'I');    // shrinks
+    table.upper.emplace_back(0x250, 0x2C6F); // would grow, and loses its lead byte
+    return table;
+}
+
 fixture::CollationTable germanWeights(unsigned char kind, unsigned char variant) {
     CollationTable table;
     table.kind = kind;
@@ -183,6 +209,7 @@ fixture::DataFile worldFile() {
     for (const char *const page : {"620-2533", "SHIFT-JIS", "EUCJIS", "LONG"})
         file.caseTable(page, "basic", fixture::ByteCase::ascii());
     file.caseTable("UTF-8", "basic", unicodeCase());
+    file.caseTable("UTF-8", "common", commonCase());
     for (const char *const page : {"1252", "SHIFT-JIS", "EUCJIS", "UTF-8", "LONG"})
         file.collation(page, "basic", basic);
     file.collation("620-2533", "basic", thaiWeights());

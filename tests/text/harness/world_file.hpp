@@ -14,6 +14,7 @@ fixture::CharacterTable eucPage();
 fixture::CharacterTable longPage();
 fixture::ByteCase latinCase();
 fixture::UnicodeCase unicodeCase();
+fixture::UnicodeCase commonCase(); // all that the fast kernels are for
 fixture::CollationTable germanWeights(unsigned char kind = 1, unsigned char variant = 1);
 fixture::CollationTable literalWeights(); // identity, so that S is 53 and the blank 20; DF expands to "SS"
 fixture::CollationTable thaiWeights();

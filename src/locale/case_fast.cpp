@@ -1,0 +1,279 @@
+#include "locale/case_fast.hpp"
+
+#include "core/file_layout.hpp"
+#include "locale/masks_sse2.hpp"
+
+#include <initializer_list>
+
+namespace velnls {
+
+namespace {
+
+constexpr std::uint8_t asciiCase(Case direction, std::uint8_t byte) {
+    const unsigned first = direction == Case::Upper ? 'a' : 'A';
+    return byte - first < 26 ? static_cast<std::uint8_t>(byte ^ 0x20) : byte;
+}
+
+// What the kernel makes of a two-byte character behind one of its lead bytes; 0: it leaves it to the table.
+constexpr std::uint32_t commonCase(Case direction, std::uint32_t code) {
+    const std::uint32_t lead = code >> 8;
+    const std::uint32_t trail = code & 0xFF;
+    const bool upper = direction == Case::Upper;
+    switch (lead) {
+    case 0xC2:
+        return upper && trail == 0xB5 ? 0 : code; // micro sign
+    case 0xC3:
+        if (upper && trail == 0xBF)
+            return 0; // y with diaeresis
+        if (upper)
+            return trail >= 0xA0 && trail != 0xB7 ? code - 0x20 : code;
+        return trail <= 0x9E && trail != 0x97 ? code + 0x20 : code;
+    case 0xD0:
+        if (upper)
+            return trail >= 0xB0 ? code - 0x20 : code;
+        return trail <= 0x8F   ? code + 0x110
+               : trail <= 0x9F ? code + 0x20
+               : trail <= 0xAF ? code + 0xE0
+                               : code;
+    default:
+        if (trail >= 0xA0)
+            return 0; // historic letters, in pairs that follow each other
+        return upper ? trail <= 0x8F ? code - 0xE0 : code - 0x110 : code;
+    }
+}
+
+template <Case kCase>
+bool isCommon(const UnicodeCaseTable &table) {
+    for (const std::uint32_t lead : {0xC2u, 0xC3u, 0xD0u, 0xD1u})
+        for (std::uint32_t code = lead << 8 | 0x80; code <= (lead << 8 | 0xBF); ++code)
+            if (const std::uint32_t mapped = commonCase(kCase, code);
+                mapped != 0 && mapUtf8Case<kCase>(table, code) != mapped)
+                return false;
+    for (std::uint32_t code = 0xE28080; code <= 0xE280BF; ++code)
+        if (mapUtf8Case<kCase>(table, code) != code)
+            return false;
+    return true;
+}
+
+template <Case kCase, typename Map>
+bool isAsciiCase(Map map) {
+    for (unsigned byte = 0; byte < 0x80; ++byte)
+        if (map(byte) != asciiCase(kCase, static_cast<std::uint8_t>(byte)))
+            return false;
+    return true;
+}
+
+} // namespace
+
+std::uint32_t proveUtf8Case(const UnicodeCaseTable &table) {
+    if (!isAsciiCase<Case::Upper>([&](unsigned byte) { return mapUtf8Case<Case::Upper>(table, byte); }) ||
+        !isAsciiCase<Case::Lower>([&](unsigned byte) { return mapUtf8Case<Case::Lower>(table, byte); }))
+        return 0;
+    return kAsciiCase | (isCommon<Case::Upper>(table) && isCommon<Case::Lower>(table) ? kCommonCase : 0);
+}
+
+std::uint32_t proveByteCase(const CharTable &chars, const ByteCaseTable &table) {
+    for (unsigned byte = 0; byte < 0x80; ++byte)
+        if (chars.trailCount(static_cast<std::uint8_t>(byte)) != 0)
+            return 0;
+    const bool ascii = isAsciiCase<Case::Upper>([&](unsigned byte) { return table.upper[byte]; }) &&
+                       isAsciiCase<Case::Lower>([&](unsigned byte) { return table.lower[byte]; });
+    return ascii ? kAsciiCase : 0;
+}
+
+namespace fast {
+
+#if defined(VELNLS_TEXT_VECTORS)
+
+namespace {
+
+constexpr std::size_t kBlock = 16;
+
+[[gnu::always_inline]] inline __m128i all(unsigned value) {
+    return _mm_set1_epi8(static_cast<char>(value));
+}
+[[gnu::always_inline]] inline __m128i isEqual(__m128i bytes, unsigned value) {
+    return _mm_cmpeq_epi8(bytes, all(value));
+}
+[[gnu::always_inline]] inline __m128i isAtLeast(__m128i bytes, unsigned value) {
+    return _mm_cmpeq_epi8(_mm_max_epu8(bytes, all(value)), bytes);
+}
+[[gnu::always_inline]] inline __m128i isInRange(__m128i bytes, unsigned first, unsigned last) {
+    const __m128i place = _mm_sub_epi8(bytes, all(first));
+    return _mm_cmpeq_epi8(_mm_min_epu8(place, all(last - first)), place);
+}
+[[gnu::always_inline]] inline unsigned bitsOf(__m128i bytes) {
+    return static_cast<unsigned>(_mm_movemask_epi8(bytes));
+}
+
+template <Case kCase>
+[[gnu::always_inline]] inline __m128i mapAsciiBlock(__m128i bytes) {
+    constexpr unsigned kFirst = kCase == Case::Upper ? 'a' : 'A';
+    return _mm_xor_si128(bytes, _mm_and_si128(isInRange(bytes, kFirst, kFirst + 25), all(0x20)));
+}
+
+// `bytes` begin with a character. False where they hold anything that the kernel is not for; `incomplete` is
+// how many bytes at the end are a character's first ones.
+template <Case kCase>
+[[gnu::always_inline]] inline bool mapCommonBlock(__m128i bytes, __m128i &mapped, unsigned &incomplete) {
+    const __m128i before = _mm_slli_si128(bytes, 1);
+    const __m128i behindC2 = isEqual(before, 0xC2);
+    const __m128i behindC3 = isEqual(before, 0xC3);
+    const __m128i behindD0 = isEqual(before, 0xD0);
+    const __m128i behindD1 = isEqual(before, 0xD1);
+    const __m128i behindE2 = isEqual(before, 0xE2);
+    const __m128i allowed = _mm_or_si128(_mm_or_si128(behindC2, behindC3),
+                                         _mm_or_si128(_mm_or_si128(behindD0, behindD1), behindE2));
+    const __m128i announced = _mm_or_si128(allowed, _mm_slli_si128(behindE2, 1));
+    const __m128i trails = _mm_cmplt_epi8(bytes, all(0xC0));
+    const __m128i leads = isAtLeast(bytes, 0xC0);
+    // Every trail byte is announced, and every lead byte is allowed; the last byte's turn comes later.
+    __m128i wrong =
+        _mm_or_si128(_mm_xor_si128(announced, trails), _mm_xor_si128(allowed, _mm_slli_si128(leads, 1)));
+    wrong = _mm_or_si128(wrong, _mm_andnot_si128(isEqual(bytes, 0x80), behindE2));
+    wrong = _mm_or_si128(wrong, _mm_and_si128(behindD1, isAtLeast(bytes, 0xA0)));
+    __m128i change;
+    if constexpr (kCase == Case::Upper) {
+        wrong = _mm_or_si128(wrong, _mm_and_si128(behindC2, isEqual(bytes, 0xB5)));
+        wrong = _mm_or_si128(wrong, _mm_and_si128(behindC3, isEqual(bytes, 0xBF)));
+        const __m128i latin =
+            _mm_andnot_si128(isEqual(bytes, 0xB7), _mm_and_si128(behindC3, isAtLeast(bytes, 0xA0)));
+        const __m128i basic = _mm_and_si128(behindD0, isAtLeast(bytes, 0xB0));
+        const __m128i toLast = _mm_andnot_si128(isAtLeast(bytes, 0x90), behindD1);
+        const __m128i toFirst = _mm_and_si128(isAtLeast(bytes, 0x90), behindD1);
+        change = _mm_and_si128(_mm_or_si128(latin, basic), all(0xE0));
+        change = _mm_or_si128(change, _mm_and_si128(toLast, all(0x20)));
+        change = _mm_or_si128(change, _mm_and_si128(toFirst, all(0xF0)));
+        // The lead byte D1 becomes D0.
+        change = _mm_add_epi8(change, _mm_srli_si128(behindD1, 1));
+    } else {
+        const __m128i latin =
+            _mm_andnot_si128(_mm_or_si128(isEqual(bytes, 0x97), isAtLeast(bytes, 0x9F)), behindC3);
+        const __m128i first = _mm_andnot_si128(isAtLeast(bytes, 0x90), behindD0);
+        const __m128i basic = _mm_and_si128(behindD0, isInRange(bytes, 0x90, 0x9F));
+        const __m128i last = _mm_and_si128(behindD0, isInRange(bytes, 0xA0, 0xAF));
+        change = _mm_and_si128(_mm_or_si128(latin, basic), all(0x20));
+        change = _mm_or_si128(change, _mm_and_si128(first, all(0x10)));
+        change = _mm_or_si128(change, _mm_and_si128(last, all(0xE0)));
+        // The lead byte D0 becomes D1.
+        change = _mm_sub_epi8(change, _mm_srli_si128(_mm_or_si128(first, last), 1));
+    }
+    mapped = _mm_add_epi8(mapAsciiBlock<kCase>(bytes), change);
+    incomplete = (bitsOf(leads) >> 15) + 2 * (bitsOf(behindE2) >> 15);
+    return bitsOf(wrong) == 0;
+}
+
+// Stores the first `count` bytes, 1 to 16, and nothing else.
+[[gnu::always_inline]] inline void storeFirst(std::uint8_t *out, __m128i bytes, std::size_t count) {
+    if (count == kBlock) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), bytes);
+        return;
+    }
+    const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(bytes));
+    const auto put = [](std::uint8_t *at, auto number) { std::memcpy(at, &number, sizeof number); };
+    if (count >= 8) {
+        put(out, low);
+        const auto high = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_srli_si128(bytes, 8)));
+        if (count > 8) {
+            const std::size_t shift = (count - 8) * 8;
+            put(out + count - 8, low >> shift | high << (64 - shift));
+        }
+    } else if (count >= 4) {
+        put(out, static_cast<std::uint32_t>(low));
+        put(out + count - 4, static_cast<std::uint32_t>(low >> (count - 4) * 8));
+    } else {
+        out[0] = static_cast<std::uint8_t>(low);
+        out[count / 2] = static_cast<std::uint8_t>(low >> count / 2 * 8);
+        out[count - 1] = static_cast<std::uint8_t>(low >> (count - 1) * 8);
+    }
+}
+
+void advance(CaseStretch &stretch, std::size_t bytes) {
+    stretch.at += bytes;
+    stretch.out += bytes;
+    stretch.room -= bytes;
+}
+
+__m128i load(const std::uint8_t *at) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+}
+
+// Whole blocks of ASCII.
+template <Case kCase>
+[[gnu::always_inline]] inline void mapAsciiBlocks(CaseStretch &stretch) {
+    constexpr std::size_t kStride = 4 * kBlock;
+    while (static_cast<std::size_t>(stretch.end - stretch.at) >= kStride && stretch.room >= kStride) {
+        __m128i blocks[4];
+        for (std::size_t i = 0; i < 4; ++i)
+            blocks[i] = load(stretch.at + i * kBlock);
+        if (bitsOf(_mm_or_si128(_mm_or_si128(blocks[0], blocks[1]), _mm_or_si128(blocks[2], blocks[3]))) != 0)
+            return;
+        for (std::size_t i = 0; i < 4; ++i)
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out + i * kBlock),
+                             mapAsciiBlock<kCase>(blocks[i]));
+        advance(stretch, kStride);
+    }
+}
+
+} // namespace
+
+template <Case kCase>
+void mapCommonUtf8(CaseStretch &stretch) {
+    // A character that a block leaves incomplete is written over by its own bytes, three at most.
+    constexpr std::size_t kBehind = 3;
+    while (static_cast<std::size_t>(stretch.end - stretch.at) >= kBlock) {
+        const __m128i bytes = load(stretch.at);
+        __m128i mapped;
+        unsigned incomplete = 0;
+        const bool ascii = bitsOf(bytes) == 0;
+        if (ascii)
+            mapped = mapAsciiBlock<kCase>(bytes);
+        else if (!mapCommonBlock<kCase>(bytes, mapped, incomplete))
+            return;
+        if (stretch.room < kBlock + (incomplete != 0 ? kBehind : 0))
+            break;
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapped);
+        advance(stretch, kBlock - incomplete);
+        if (ascii)
+            mapAsciiBlocks<kCase>(stretch);
+    }
+    const auto left = static_cast<std::size_t>(stretch.end - stretch.at);
+    if (left == 0 || left >= kBlock || stretch.room < left)
+        return;
+    // Behind the text stand zeros, so that a character that it cuts is wrong there.
+    __m128i mapped;
+    unsigned incomplete = 0;
+    if (!mapCommonBlock<kCase>(loadFirst(stretch.at, left), mapped, incomplete))
+        return;
+    storeFirst(stretch.out, mapped, left);
+    advance(stretch, left);
+}
+
+template <Case kCase>
+void mapAscii(CaseStretch &stretch) {
+    mapAsciiBlocks<kCase>(stretch);
+    while (static_cast<std::size_t>(stretch.end - stretch.at) >= kBlock && stretch.room >= kBlock) {
+        const __m128i bytes = load(stretch.at);
+        if (bitsOf(bytes) != 0)
+            return;
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapAsciiBlock<kCase>(bytes));
+        advance(stretch, kBlock);
+    }
+}
+
+#else
+
+template <Case>
+void mapCommonUtf8(CaseStretch &) {}
+template <Case>
+void mapAscii(CaseStretch &) {}
+
+#endif
+
+template void mapCommonUtf8<Case::Upper>(CaseStretch &);
+template void mapCommonUtf8<Case::Lower>(CaseStretch &);
+template void mapAscii<Case::Upper>(CaseStretch &);
+template void mapAscii<Case::Lower>(CaseStretch &);
+
+} // namespace fast
+} // namespace velnls
