@@ -200,9 +200,6 @@ nlsStatus rebuildLocale(nlsHandle &handle, const nlsDbCollation &record, const c
     locale->header.proofs = provePage(*locale->charTable);
     locale->header.proofs |= proveText(*locale);
     locale->header.proofs |= proveOrder(*locale);
-    locale->header.proofs |= proveText(*locale);
-    locale->header.proofs |= proveOrder(*locale);
-    locale->header.proofs |= proveText(*locale);
     locale->handle = &handle;
     locale->blobSize = blockSize;
     locale->blobName = static_cast<char *>(block) + (blockSize - nameSize);
