@@ -1,12 +1,16 @@
 // velnls_bench: the library beside glibc and ICU, in one run, as a markdown table.
 //
 //   velnls_bench [--data=FILE] [--rounds=N] [--check] [ROW ...] [Google Benchmark options]
+//   velnls_bench [--data=FILE] --plot[=FILE]
 //
 // A ROW is a regular expression over "row/language/size"; without one every row runs. With
-// --check the exit status is 1 when a row is below its floor or when outputs differ.
+// --check the exit status is 1 when a row is below its floor or when outputs differ. --plot measures time per
+// byte of texts from 1 kB to 64 MB instead, prints it as a table and draws it to an SVG file.
 #include "contestants.hpp"
+#include "growth.hpp"
 #include "measure.hpp"
 #include "order_rows.hpp"
+#include "plot.hpp"
 #include "reporter.hpp"
 #include "string_rows.hpp"
 
@@ -15,13 +19,33 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <string>
+
+namespace {
+
+int growth(const std::string &picture) {
+    const std::vector<bench::Curve> curves = bench::measureGrowth();
+    bench::printGrowth(curves);
+    if (picture.empty())
+        return 0;
+    std::ofstream file(picture);
+    file << bench::plotGrowth(curves);
+    file.close();
+    if (!file)
+        std::fprintf(stderr, "velnls_bench: cannot write %s\n", picture.c_str());
+    return file ? 0 : 2;
+}
+
+} // namespace
 
 int main(int argc, char **argv) {
     std::string dataFile = VELNLS_BENCH_DATA;
     std::string filter;
     int rounds = 21;
     bool check = false;
+    bool plot = false;
+    std::string picture;
     std::vector<char *> passedOn{argv[0]};
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
@@ -31,7 +55,10 @@ int main(int argc, char **argv) {
             rounds = std::max(1, std::atoi(argument.c_str() + 9));
         else if (argument == "--check")
             check = true;
-        else if (argument[0] == '-')
+        else if (argument == "--plot" || argument.rfind("--plot=", 0) == 0) {
+            plot = true;
+            picture = argument.size() > 7 ? argument.substr(7) : "";
+        } else if (argument[0] == '-')
             passedOn.push_back(argv[i]);
         else
             filter += (filter.empty() ? "" : "|") + argument;
@@ -44,6 +71,9 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "velnls_bench: cannot open the data file %s\n", dataFile.c_str());
         return 2;
     }
+
+    if (plot)
+        return growth(picture);
 
     bench::Jobs jobs = bench::conversionJobs();
     for (const bench::Job &job : bench::orderJobs())
