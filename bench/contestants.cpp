@@ -362,6 +362,17 @@ bool openDataFile(const std::string &dataFile) {
            NLS_OK;
 }
 
+nlsHandle *openHandle(std::vector<unsigned char> &memory) {
+    nlsHandle *opened = nullptr;
+    const nlsStatus status =
+        nlsInit(0, memory.data(), static_cast<std::int32_t>(memory.size()), readData, &opened);
+    if (status != NLS_OK) {
+        std::fprintf(stderr, "velnls_bench: opening the data file gives status %u\n", status);
+        std::exit(2);
+    }
+    return opened;
+}
+
 nlsHandle *dataHandle() {
     return handle;
 }

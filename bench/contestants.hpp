@@ -51,6 +51,8 @@ inline std::size_t roomFor(std::size_t sourceBytes) {
 // Opens `dataFile` for the whole run; call once before openVelnls.
 bool openDataFile(const std::string &dataFile);
 nlsHandle *dataHandle(); // what it was opened with
+// Opens the same data file once more in this memory; ends the program when that fails.
+nlsHandle *openHandle(std::vector<unsigned char> &memory);
 
 std::unique_ptr<Contestant> openVelnls(const Page &source, const Page &target);
 std::unique_ptr<Contestant> openIconv(const Page &source, const Page &target);

@@ -10,6 +10,7 @@
 #include "growth.hpp"
 #include "measure.hpp"
 #include "order_rows.hpp"
+#include "parallel_rows.hpp"
 #include "plot.hpp"
 #include "reporter.hpp"
 #include "string_rows.hpp"
@@ -79,6 +80,8 @@ int main(int argc, char **argv) {
     for (const bench::Job &job : bench::orderJobs())
         jobs.push_back(job);
     for (const bench::Job &job : bench::stringJobs())
+        jobs.push_back(job);
+    for (const bench::Job &job : bench::parallelJobs())
         jobs.push_back(job);
     for (const bench::Job &job : jobs) {
         const auto run = [&job, rounds](benchmark::State &state) {
