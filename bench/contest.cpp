@@ -31,6 +31,22 @@ std::string compareAnswers(const std::vector<Contender> &contenders, std::size_t
 
 } // namespace
 
+void setOutcome(Result &result, const std::vector<std::vector<double>> &seconds,
+                const std::vector<std::string> &names) {
+    result.seconds = medianOf(seconds[0]);
+    std::size_t best = 1;
+    for (std::size_t i = 2; i < seconds.size(); ++i)
+        if (medianOf(seconds[i]) < medianOf(seconds[best]))
+            best = i;
+    result.peer = names[best];
+    result.peerSeconds = medianOf(seconds[best]);
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < seconds[0].size(); ++round)
+        ratios.push_back(seconds[best][round] / seconds[0][round]);
+    result.ratio = {medianOf(ratios), *std::min_element(ratios.begin(), ratios.end()),
+                    *std::max_element(ratios.begin(), ratios.end())};
+}
+
 Result contest(const std::vector<Contender> &contenders, std::size_t strings, std::size_t bytes, int rounds) {
     Result result;
     result.strings = strings;
@@ -49,18 +65,10 @@ Result contest(const std::vector<Contender> &contenders, std::size_t strings, st
             sum = sum + contenders[turn].run();
             seconds[turn].push_back(processorSeconds() - start);
         }
-    result.seconds = medianOf(seconds[0]);
-    std::size_t best = 1;
-    for (std::size_t i = 2; i < contenders.size(); ++i)
-        if (medianOf(seconds[i]) < medianOf(seconds[best]))
-            best = i;
-    result.peer = contenders[best].name;
-    result.peerSeconds = medianOf(seconds[best]);
-    std::vector<double> ratios;
-    for (std::size_t round = 0; round < seconds[0].size(); ++round)
-        ratios.push_back(seconds[best][round] / seconds[0][round]);
-    result.ratio = {medianOf(ratios), *std::min_element(ratios.begin(), ratios.end()),
-                    *std::max_element(ratios.begin(), ratios.end())};
+    std::vector<std::string> names;
+    for (const Contender &contender : contenders)
+        names.push_back(contender.name);
+    setOutcome(result, seconds, names);
     return result;
 }
 

@@ -25,4 +25,8 @@ struct Contender {
 // The first contender is ours; `strings` of together `bytes` are what each one runs over.
 Result contest(const std::vector<Contender> &contenders, std::size_t strings, std::size_t bytes, int rounds);
 
+// Fills in medians, the best peer and the ratios from the seconds that each contender took in each round.
+void setOutcome(Result &result, const std::vector<std::vector<double>> &seconds,
+                const std::vector<std::string> &names);
+
 } // namespace bench

@@ -13,6 +13,7 @@
 #include "parallel_rows.hpp"
 #include "plot.hpp"
 #include "reporter.hpp"
+#include "start_rows.hpp"
 #include "string_rows.hpp"
 
 #include <benchmark/benchmark.h>
@@ -80,6 +81,8 @@ int main(int argc, char **argv) {
     for (const bench::Job &job : bench::orderJobs())
         jobs.push_back(job);
     for (const bench::Job &job : bench::stringJobs())
+        jobs.push_back(job);
+    for (const bench::Job &job : bench::startJobs())
         jobs.push_back(job);
     for (const bench::Job &job : bench::parallelJobs())
         jobs.push_back(job);

@@ -83,7 +83,6 @@ Result scaling(nlsConversion *const (&conversions)[2], nlsLocale *const (&locale
     };
     std::vector<double> together;
     std::vector<double> oneByOne;
-    std::vector<double> ratios;
     work(0);
     for (int round = 0; round < rounds; ++round) {
         oneByOne.push_back(wallSeconds([&] {
@@ -95,20 +94,11 @@ Result scaling(nlsConversion *const (&conversions)[2], nlsLocale *const (&locale
             work(0);
             other.join();
         }));
-        ratios.push_back(oneByOne.back() / together.back());
     }
     Result result;
     result.strings = column.size() * kRepeats * 2;
     result.bytes = column.page.sourceBytes() * kRepeats * 2;
-    const auto median = [](std::vector<double> values) {
-        std::sort(values.begin(), values.end());
-        return values[values.size() / 2];
-    };
-    result.seconds = median(together);
-    result.peer = "the same on one thread";
-    result.peerSeconds = median(oneByOne);
-    result.ratio = {median(ratios), *std::min_element(ratios.begin(), ratios.end()),
-                    *std::max_element(ratios.begin(), ratios.end())};
+    setOutcome(result, {together, oneByOne}, {"two threads", "the same on one thread"});
     if (sums[0] == 0 || sums[1] == 0)
         result.problem = "nothing was converted";
     return result;
