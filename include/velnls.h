@@ -21,7 +21,8 @@
  *
  *   Memory      All objects live in memory lent by the caller (section Memory). Nothing is freed one by
  *               one. Buffers for results are the caller's. The library takes no heap memory, with one
- *               exception: comparing strings of more than 2000 bytes through an ICU collation.
+ *               exception: strings of more than 2000 bytes that are compared or keyed through an ICU
+ *               collation.
  *
  *   Text        is bytes of a code page, ended by a NUL byte unless a length is taken. Calls on locales
  *               walk bytes: text in UTF-16 and UTF-32, whose units may hold zero bytes, is converted and
@@ -44,10 +45,10 @@
  *               read (characters, conversion, counting, text) may run at the same time on shared locales
  *               and conversions; calls that change the handle (nlsAddBuffer, nlsClose, nlsCreateLocale,
  *               nlsCloseDBLocale, nlsDbCollationToLocale, nlsCreateConversion) must have the handle to
- *               themselves. So must calls that compare or make keys through an ICU collation, through the
- *               user sort exit, or in a code page that collates through Shift-JIS (locale property 12). The
- *               busy flag that gives 23 catches re-entry, such as a call from the read callback; it is no
- *               lock.
+ *               themselves. So must calls that convert through ICU, that compare or make keys through an ICU
+ *               collation, through the user sort exit (there, of all handles that load it), or in a code
+ *               page that collates through Shift-JIS (locale property 12). The busy flag that gives 23
+ *               catches re-entry, such as a call from the read callback; it is no lock.
  */
 #ifndef VELNLS_H
 #define VELNLS_H
@@ -445,7 +446,7 @@ NLS_API nlsStatus nlsCreateLocale(nlsHandle *handle, const char *codePageName, c
  * '*block' receives the block (the locale's own address) and '*size' the size that was given with it; the
  * locale is refused with 24 from then on and the caller may free the block. For any other locale nothing
  * changes: '*block' becomes null, '*size' 0, and the call returns 0. Conversions made with the locale must
- * not be used any more.
+ * not be used any more. The locale's ICU collator is closed.
  *
  * Returns:
  *   13  'locale' is null or its handle closed
@@ -868,9 +869,19 @@ NLS_API nlsStatus nlsGetStrConversionProperty(nlsConversion *conversion, int32_t
  *   Byte order    is that of the machine for UTF-16, UTF-32 and UCS2, high byte first for UTF-16BE and
  *                 UTF-32BE. No byte-order mark is read, skipped or written.
  *   Buffers       'source' and 'destination' must not overlap.
+ *   ICU           converters (kinds 5 and 6) end the text at its first NUL too. Between UTF-8 and such a
+ *                 page the destination must have room for the UTF-16 form beside a first byte, twice the
+ *                 source's bytes and 3 more: else the call gives 2 and nothing is converted; so it does
+ *                 for texts of more than 2000 bytes whose output would run over that form, which cannot
+ *                 be where four times the source's bytes are there. Whatever ICU calls an error is 16, too
+ *                 small a destination among it, and then nothing is counted. What ICU substitutes is not
+ *                 reported. A UTF-16 SOURCE AT AN ODD ADDRESS OR OF THE OTHER BYTE ORDER IS CHANGED IN
+ *                 PLACE AND CHANGED BACK; AT AN ODD ADDRESS SO IS THE BYTE BEHIND ITS TERMINATOR (BEHIND
+ *                 ITS LENGTH WHERE IT HAS NONE): IT MUST BE WRITABLE.
  *
  * ONE BYTE BEHIND THE SOURCE IS READ BY CONVERSIONS FROM UTF-8 WHEN ITS LAST CHARACTER IS SHORT BY EXACTLY
- * ONE BYTE, AND TAKEN AS ITS LAST BYTE: IT MUST BE THE TEXT'S TERMINATING NUL, OR AT LEAST READABLE. The
+ * ONE BYTE, AND TAKEN AS ITS LAST BYTE: IT MUST BE THE TEXT'S TERMINATING NUL, OR AT LEAST READABLE. SO IS
+ * THE BYTE BEHIND A SOURCE OF BYTES THAT ICU CONVERTS, TO SEE WHETHER IT IS THE NUL. The
  * calls that convert the terminator too (nlsConvertNLSCheck, nlsConvertToUCS2) read nothing behind it.
  */
 
@@ -894,7 +905,7 @@ NLS_API nlsStatus nlsGetStrConversionProperty(nlsConversion *conversion, int32_t
  *   16  a chain without intermediate buffer, or with one of size 0
  *   16  malformed input, see above
  *   33  surrogates out of pair in UTF-32
- *   8   ICU could not convert
+ *   8   ICU has no UTF-8 converter
  *   -3  complete, with substitutions
  *   0   complete
  */
@@ -986,7 +997,10 @@ NLS_API nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *sour
  *   Blanks        at the end of a string do not count: "abc" equals "abc  " in every collation.
  *   Names         "basic" exists for every page of the data file. A name that begins with "ICU-" (in this
  *                 spelling) asks ICU, loaded at run time from the directory bin below BINPATHX, else by
- *                 bare file name.
+ *                 bare file name; text is then taken as UTF-8, whatever the page. Each locale with such a
+ *                 name opens a collator of its own. Collations that the data file hands to the user sort
+ *                 exit load the library usortwin (.so, .dll, .dylib) from the first directory of PATH
+ *                 that has a file of that name, once for each handle.
  *   Expansion     A character of weight 0 in a weight table ("german": U+00DF) equals "ss". A second step
  *                 that stands last is dropped, so it also equals a single "s".
  */
@@ -1030,7 +1044,7 @@ NLS_API nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, 
  *   16  'a', 'b' or 'result' is null
  *   27  the locale has no character table
  *   25  the locale has no collation
- *   16  a mode that a weight table does not know; ICU is missing
+ *   16  a mode that a weight table does not know; ICU has no UTF-8 converter
  *   7   the page collates through Shift-JIS and the handle has no such locale
  *   8   the same, and there is no conversion to it
  *   2   no memory for a long string (ICU collations)
