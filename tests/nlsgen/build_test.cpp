@@ -241,6 +241,44 @@ TEST_F(BrokenSource, APageOfTheUsersOwnIsCompiledIn) {
     EXPECT_NE(readText(folder_.path() / "dump").find("U+0621 to U+063A, direct"), std::string::npos);
 }
 
+TEST_F(BrokenSource, CollationsOfTheUserSortExitAreCompiledIn) {
+    (void)folder_.write("site/exits.txt",
+                        "# what the exit serves\n1252 house\n\nSHIFT-JIS house # both\neucjis house\n");
+    EXPECT_EQ(run("--site " + (folder_.path() / "site").string()).first, 0);
+    const Bytes file = bytesOfFile(folder_.path() / "out/velnls.dat");
+    EXPECT_FALSE(firstFault(file).has_value());
+    for (const char *page : {"1252", "SHIFT-JIS", "EUCJIS"})
+        EXPECT_NO_THROW(entryNumber(file, '4', page, "house"));
+    const std::string dump = std::string(NLSGEN_PROGRAM " dump ") +
+                             (folder_.path() / "out/velnls.dat").string() + " --entry 1252/house >" +
+                             (folder_.path() / "dump").string();
+    EXPECT_EQ(std::system(dump.c_str()), 0);
+    EXPECT_NE(readText(folder_.path() / "dump").find("kind 2"), std::string::npos)
+        << readText(folder_.path() / "dump");
+}
+
+TEST_F(BrokenSource, AnExitCollationThatCannotBeUsedIsRefused) {
+    const struct {
+        const char *line;
+        const char *message;
+    } cases[] = {
+        {"1252", "expected a page and a collation"},
+        {"1252 a b", "expected a page and a collation"},
+        {"4711 house", "expected the name of a page, found 4711"},
+        {"1252 ICU-house", "expected a name that does not ask for ICU"},
+        {"1252 german", "expected names of its own"},
+        {"UTF-8 house", "expected one collation of UTF-8"},
+        {"EUCJIS house", "for SHIFT-JIS too"},
+        {"1252 a-name-of-twenty-byte", "expected names of at most 19 bytes"},
+    };
+    for (const auto &wrong : cases) {
+        const std::string path = folder_.write("site/exits.txt", std::string("# one\n") + wrong.line + "\n");
+        const auto [code, message] = run("--site " + (folder_.path() / "site").string());
+        EXPECT_EQ(code, 1) << wrong.line;
+        EXPECT_NE(message.find(wrong.message), std::string::npos) << message;
+    }
+}
+
 TEST_F(BrokenSource, ASiteNameThatIsTakenIsRefused) {
     (void)folder_.write("site/koi8-r.map", "00..7F 0000\n");
     const auto [code, message] = run("--site " + (folder_.path() / "site").string());

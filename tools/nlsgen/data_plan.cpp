@@ -3,7 +3,9 @@
 #include "case_table.hpp"
 #include "collation_table.hpp"
 #include "language_plan.hpp"
+#include "name_compare.hpp"
 #include "number_field.hpp"
+#include "site_exits.hpp"
 #include "site_page.hpp"
 
 #include <algorithm>
@@ -28,10 +30,13 @@ public:
 
     DataPlan make() {
         readPages();
+        if (!sources_.site.empty())
+            exits_ = readSiteExits(sources_.site + "/exits.txt");
         addCharSets();
         addCaseTables();
         addCollations();
         addConversions();
+        checkSiteExits(exits_, plan_.entries);
         return std::move(plan_);
     }
 
@@ -189,10 +194,19 @@ private:
         }
     }
 
+    // Collations that the user sort exit serves; `basic` is the page's own, added last.
+    void addExits(const Page &page) {
+        const Bytes record = makeExitCollation(plan_.entries.back().record);
+        for (const SiteExit &exit : exits_)
+            if (foldedName(exit.page) == foldedName(page.name))
+                add(file::kCollation, page.name, exit.collation, exit.place).record = record;
+    }
+
     void addCollations() {
         const Bytes basic = bytesOf(makeBasicCollation());
         const auto addBasic = [&](const Page &page) {
             add(file::kCollation, page.name, std::string(kBasicName), placeOf(page)).record = basic;
+            addExits(page);
         };
         for (const BytePage &page : bytePages_) {
             if (page.page->isMultibyte()) {
@@ -200,6 +214,7 @@ private:
                 continue;
             }
             addWeights(page.page, kBasicName, page.order, {});
+            addExits(*page.page);
             addLanguages(page.page);
         }
         for (const auto &page : rulePages_)
@@ -290,6 +305,7 @@ private:
     UnicodeData unicode_;
     std::vector<BytePage> bytePages_;
     std::vector<std::shared_ptr<const Page>> rulePages_;
+    std::vector<SiteExit> exits_;
     std::map<std::string, std::shared_ptr<const CharacterOrder>> orders_; // by the list's name
     DataPlan plan_;
 };
