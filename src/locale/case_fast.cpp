@@ -2,6 +2,7 @@
 
 #include "core/file_layout.hpp"
 #include "locale/masks_sse2.hpp"
+#include "locale/unicode_case.hpp"
 
 #include <initializer_list>
 
@@ -63,13 +64,30 @@ bool isAsciiCase(Map map) {
     return true;
 }
 
+// Three-byte characters keep their lead byte, so only those of two bytes and single bytes could fold to
+// ASCII.
+bool foldsApart(const UnicodeCaseTable &table) {
+    for (std::uint32_t code = 0x80; code < 0x100; ++code)
+        if ((code < 0xC0 || code >= 0xF8) && mapUtf8Case<Case::Lower>(table, code) < 0x80)
+            return false;
+    for (unsigned page = 0xC0; page < 0xE0; ++page) {
+        if (table.pages[page] == kZeroCasePage)
+            continue;
+        for (std::uint32_t code = page << 8 | 0x80; code <= (page << 8 | 0xBF); ++code)
+            if (mapUtf8Case<Case::Lower>(table, code) < 0x80)
+                return false;
+    }
+    return true;
+}
+
 } // namespace
 
 std::uint32_t proveUtf8Case(const UnicodeCaseTable &table) {
     if (!isAsciiCase<Case::Upper>([&](unsigned byte) { return mapUtf8Case<Case::Upper>(table, byte); }) ||
         !isAsciiCase<Case::Lower>([&](unsigned byte) { return mapUtf8Case<Case::Lower>(table, byte); }))
         return 0;
-    return kAsciiCase | (isCommon<Case::Upper>(table) && isCommon<Case::Lower>(table) ? kCommonCase : 0);
+    return kAsciiCase | (isCommon<Case::Upper>(table) && isCommon<Case::Lower>(table) ? kCommonCase : 0) |
+           (foldsApart(table) ? kAsciiFolds : 0);
 }
 
 std::uint32_t proveByteCase(const CharTable &chars, const ByteCaseTable &table) {
@@ -78,7 +96,12 @@ std::uint32_t proveByteCase(const CharTable &chars, const ByteCaseTable &table) 
             return 0;
     const bool ascii = isAsciiCase<Case::Upper>([&](unsigned byte) { return table.upper[byte]; }) &&
                        isAsciiCase<Case::Lower>([&](unsigned byte) { return table.lower[byte]; });
-    return ascii ? kAsciiCase : 0;
+    if (!ascii)
+        return 0;
+    for (unsigned byte = 0x80; byte < 0x100; ++byte)
+        if (table.lower[byte] < 0x80 && chars.trailCount(static_cast<std::uint8_t>(byte)) == 0)
+            return kAsciiCase;
+    return kAsciiCase | kAsciiFolds;
 }
 
 namespace fast {

@@ -68,6 +68,49 @@ std::uint32_t proveUtf8Trails(const CharTable &table) {
     return std::memchr(table.trailValid + 0x80, 0, 0x40) == nullptr ? kUtf8Trails : 0;
 }
 
+// How many bytes have each weight; those of weight 0 count as "s" does.
+void countWeights(const std::uint8_t (&weights)[256], std::uint16_t (&counts)[256]) {
+    std::memset(counts, 0, sizeof counts);
+    for (unsigned byte = 1; byte < 256; ++byte)
+        ++counts[weights[byte] != 0 ? weights[byte] : weights[unsigned{'s'}]];
+}
+
+std::uint32_t proveWeights(const Collation &collation) {
+    std::uint32_t proofs = 0;
+    std::uint16_t counts[256];
+    countWeights(collation.caseSensitive, counts);
+    const auto isShared = [&](unsigned byte) { return counts[collation.caseSensitive[byte]] != 1; };
+    unsigned byte = 1;
+    while (byte < 256 && collation.caseSensitive[byte] != 0 && !isShared(byte))
+        ++byte;
+    if (byte == 256)
+        proofs |= kOwnWeights;
+    const auto &weights = collation.caseInsensitive;
+    countWeights(weights, counts);
+    for (byte = 1; byte < 0x80; ++byte) {
+        const bool letter = (byte | 0x20) - unsigned{'a'} < 26;
+        if (weights[byte] == 0 || counts[weights[byte]] != (letter ? 2 : 1) ||
+            (letter && weights[byte] != weights[byte ^ 0x20]))
+            return proofs;
+    }
+    return proofs | kAsciiWeights;
+}
+
+bool hasByteWeights(const nlsLocale &locale) {
+    if (locale.collation == nullptr || (locale.header.proofs & kSingleBytePage) == 0)
+        return false;
+    switch (locale.collation->kind) {
+    case file::kBasic:
+    case file::kThai:
+    case file::kSortExit:
+    case file::kIcu:
+    case kUnusable:
+        return false;
+    default:
+        return true;
+    }
+}
+
 } // namespace
 
 void findFacts(CharTable &table) {
@@ -93,6 +136,8 @@ std::uint32_t proveText(const nlsLocale &locale) {
         proofs |= proveUtf8Trails(table);
     else if ((locale.header.proofs & kSingleBytePage) == 0 && !table.has(file::kUtf8))
         proofs |= provePairs(table);
+    if (hasByteWeights(locale))
+        proofs |= proveWeights(*locale.collation);
     if (locale.caseTable == nullptr)
         return proofs;
     if ((locale.header.proofs & kUtf8Page) != 0)

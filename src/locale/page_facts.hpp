@@ -17,6 +17,13 @@ inline constexpr std::uint32_t kNarrowLeads = 0x0002'0000;
 // With kUtf8Page: every byte from 80 to BF may follow a first one.
 inline constexpr std::uint32_t kUtf8Trails = 0x0004'0000;
 
+// With kSingleBytePage and a table of weights: under mode 1, no two bytes but NUL have the same weight, and
+// none the weight 0.
+inline constexpr std::uint32_t kOwnWeights = 0x0040'0000;
+// The same under mode 0 for ASCII: a letter shares its weight with its other case alone, any other character
+// with none.
+inline constexpr std::uint32_t kAsciiWeights = 0x0080'0000;
+
 struct [[gnu::packed]] ByteRange {
     std::uint8_t first;
     std::uint8_t span; // of the last byte from the first

@@ -15,10 +15,14 @@ class BytePage {
 public:
     static constexpr bool kQuick = true;
     static constexpr bool kFirstByteDecides = false;
-    static constexpr std::ptrdiff_t kFilterWorth = 160; // bytes of text that repay the making of a filter
-    static constexpr std::ptrdiff_t kUnfiltered = 0;    // bytes at the text's end that no filter may judge
+    static constexpr std::ptrdiff_t kFilterWorth = 20; // bytes of text that repay the making of a filter
+    static constexpr std::ptrdiff_t kSearchWorth =
+        160; // the same where the bytes of a weight must be looked for
+    static constexpr std::ptrdiff_t kUnfiltered = 0; // bytes at the text's end that no filter may judge
 
-    explicit BytePage(const std::uint8_t *weights) : weights_(weights), zeroWeight_(weights[unsigned{'s'}]) {}
+    // asciiPairs: kAsciiWeights is proved of the weights.
+    explicit BytePage(const std::uint8_t *weights, bool asciiPairs = false)
+        : weights_(weights), zeroWeight_(weights[unsigned{'s'}]), asciiPairs_(asciiPairs) {}
     [[nodiscard]] const SingleBytes &characters() const {
         return characters_;
     }
@@ -55,12 +59,13 @@ public:
         return Standing::Yes;
     }
     // A sieve for the places where the characters from `run` to its end, at least one, may stand.
-    [[gnu::noinline]] bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd,
-                                      PlaceFilter &filter) const {
-        if (!formsOf(weightOf(*run), filter.near))
+    bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, std::ptrdiff_t length,
+                    PlaceFilter &filter) const {
+        const bool searches = length >= kSearchWorth;
+        if (!formsOf(*run, searches, filter.near))
             return false;
         filter.farDistance = static_cast<std::size_t>(runEnd - run) - 1;
-        if (filter.farDistance == 0 || !formsOf(weightOf(runEnd[-1]), filter.far))
+        if (filter.farDistance == 0 || !formsOf(runEnd[-1], searches, filter.far))
             filter.far.count = 0;
         return true;
     }
@@ -70,8 +75,15 @@ private:
         const std::uint8_t weight = weights_[byte];
         return weight != 0 ? weight : zeroWeight_;
     }
-    // The bytes of a weight.
-    bool formsOf(std::uint8_t weight, ByteForms &forms) const {
+    // The bytes that equal one; false where there are many, or where they are not known and not searched for.
+    bool formsOf(std::uint8_t byte, bool searches, ByteForms &forms) const {
+        if (asciiPairs_ && byte < 0x80) {
+            forms.addAscii(byte);
+            return true;
+        }
+        return searches && searchForms(weightOf(byte), forms);
+    }
+    [[gnu::noinline]] bool searchForms(std::uint8_t weight, ByteForms &forms) const {
         return addBytesOf(weight, forms) && (weight != zeroWeight_ || addBytesOf(0, forms));
     }
     bool addBytesOf(std::uint8_t weight, ByteForms &forms) const {
@@ -92,6 +104,7 @@ private:
     SingleBytes characters_;
     const std::uint8_t *weights_;
     std::uint8_t zeroWeight_;
+    bool asciiPairs_;
 };
 
 } // namespace velnls

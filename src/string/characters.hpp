@@ -32,6 +32,9 @@ inline Text textOf(Character character) {
 
 // Each byte is a character.
 struct SingleBytes {
+    SingleBytes() = default;
+    explicit SingleBytes(const CharTable &) {}
+
     static constexpr unsigned kReach = 0; // bytes before a place that may belong to a character across it
 
     [[nodiscard]] static unsigned announced(std::uint8_t) {

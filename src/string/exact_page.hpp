@@ -12,8 +12,8 @@ namespace velnls {
 
 struct ExactPageTraits {
     static constexpr bool kQuick = true;
-    static constexpr bool kFirstByteDecides = true; // equal characters begin alike
-    static constexpr std::ptrdiff_t kFilterWorth = 24;
+    static constexpr bool kFirstByteDecides = true;    // equal characters begin alike
+    static constexpr std::ptrdiff_t kFilterWorth = 20; // bytes of text that repay the making of a filter
     static constexpr std::ptrdiff_t kUnfiltered = 0;
 };
 
@@ -49,7 +49,8 @@ public:
         return Standing::Yes;
     }
     // By the last bytes of the first and of the last character: those of one script begin alike.
-    bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, PlaceFilter &filter) const {
+    bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, std::ptrdiff_t,
+                    PlaceFilter &filter) const {
         const Character first = characters_.characterAt(run);
         filter.near.add(first.end()[-1]);
         filter.nearDistance = first.length - 1;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "collate/basic.hpp"
-#include "locale/case_map.hpp"
+#include "locale/case_fast.hpp"
 #include "locale/unicode_case.hpp"
 #include "string/characters.hpp"
 #include "string/place_filter.hpp"
@@ -14,7 +14,9 @@ namespace velnls {
 struct FoldedPageTraits {
     static constexpr bool kQuick = true;
     static constexpr bool kFirstByteDecides = false;
-    static constexpr std::ptrdiff_t kFilterWorth = 512;
+    static constexpr std::ptrdiff_t kFilterWorth = 20; // bytes of text that repay the making of a filter
+    static constexpr std::ptrdiff_t kSearchWorth =
+        512;                                         // the same where the forms of a character are looked for
     static constexpr std::ptrdiff_t kUnfiltered = 3; // a character that is cut there may fold to any other
     static constexpr std::ptrdiff_t kAsciiSkipWorth = 48; // bytes of text
     static constexpr unsigned kMostLooked = 4; // characters behind the first that a filter looks at
@@ -28,7 +30,8 @@ public:
         : characters_{*locale.charTable}, locale_(locale),
           paged_(locale.charTable->has(file::kUtf8) ? static_cast<const UnicodeCaseTable *>(locale.caseTable)
                                                     : nullptr),
-          asciiFolds_(paged_ == nullptr || !Characters::kAsciiIsSingle ? nullptr : lowerHalf(0)) {}
+          asciiFolds_(paged_ == nullptr || !Characters::kAsciiIsSingle ? nullptr : lowerHalf(0)),
+          asciiKnown_((locale.header.proofs & kAsciiFolds) != 0) {}
     [[nodiscard]] const Characters &characters() const {
         return characters_;
     }
@@ -47,7 +50,11 @@ public:
     // For texts of `length` bytes.
     [[nodiscard]] Sought soughtFor(Character character, std::ptrdiff_t length) const {
         Sought sought{foldOf(character), {}};
-        if (asciiFolds_ != nullptr && length >= kAsciiSkipWorth && sought.fold < 0x80 && !asciiForms(sought))
+        if (sought.fold >= 0x80)
+            return sought;
+        if (asciiKnown_)
+            sought.ascii.addAscii(static_cast<std::uint8_t>(sought.fold));
+        else if (asciiFolds_ != nullptr && length >= kAsciiSkipWorth && !asciiForms(sought))
             sought.ascii.count = 0;
         return sought;
     }
@@ -96,12 +103,13 @@ public:
         return Standing::Yes;
     }
     // By the first character, and by the furthest one that always stands at the same distance.
-    [[gnu::noinline]] bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd,
-                                      PlaceFilter &filter) const {
+    bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, std::ptrdiff_t length,
+                    PlaceFilter &filter) const {
         if (paged_ != nullptr && !Characters::kAsciiIsSingle)
             return false;
+        const bool searches = length >= kSearchWorth;
         FoldForms forms;
-        if (!formsOf(characters_.characterAt(run), forms) || forms.first.count == 0)
+        if (!formsOf(characters_.characterAt(run), searches, forms) || forms.first.count == 0)
             return false;
         filter.near = forms.first;
         if (forms.hasOneLength() && !forms.manyLasts) {
@@ -114,7 +122,7 @@ public:
             distance += forms.longest;
             run = characters_.characterAt(run).end();
             forms = {};
-            if (run == runEnd || !formsOf(characters_.characterAt(run), forms))
+            if (run == runEnd || !formsOf(characters_.characterAt(run), searches, forms))
                 break;
             if (!forms.hasOneLength()) {
                 filter.far = forms.first;
@@ -139,6 +147,11 @@ private:
         [[nodiscard]] bool hasOneLength() const {
             return shortest == longest;
         }
+        void addAscii(std::uint8_t byte) {
+            first.addAscii(byte);
+            last = first;
+            shortest = longest = 1;
+        }
         bool add(std::uint8_t firstByte, std::uint8_t lastByte, unsigned length) {
             manyLasts = manyLasts || !last.add(lastByte);
             shortest = std::min(shortest, length);
@@ -149,9 +162,11 @@ private:
 
     // Whether a byte is a character of its own that folds by the first page.
     [[nodiscard]] bool foldsAsAscii(std::uint8_t byte) const {
-        return byte < 0x80 && asciiFolds_ != nullptr;
+        return byte < 0x80 && (asciiKnown_ || asciiFolds_ != nullptr);
     }
     [[nodiscard]] std::uint32_t foldOfAscii(std::uint8_t byte) const {
+        if (asciiKnown_)
+            return byte - unsigned{'A'} < 26 ? byte | 0x20u : byte;
         const std::uint32_t folded = valueAt(asciiFolds_, byte);
         return folded != 0 ? folded : byte;
     }
@@ -189,9 +204,14 @@ private:
     }
 
     // Characters of three bytes and more fold within their first byte, and outside the pages of UTF-8 those
-    // of two bytes do not fold at all. False when there are too many, or when some read as "?".
-    bool formsOf(Character character, FoldForms &forms) const {
+    // of two bytes do not fold at all. False when there are too many, when some read as "?", or where they
+    // are not known and not searched for.
+    bool formsOf(Character character, bool searches, FoldForms &forms) const {
         const unsigned length = character.length;
+        if (asciiKnown_ && *character.at < 0x80) {
+            forms.addAscii(*character.at);
+            return true;
+        }
         if (length > 4 || length != characters_.announced(*character.at))
             return false;
         if (length > 2 || (length == 2 && paged_ == nullptr)) {
@@ -199,9 +219,11 @@ private:
             forms.manyLasts = paged_ != nullptr && (lead == 0xE1 || lead == 0xE2 || lead == 0xEF);
             return forms.add(lead, character.end()[-1], length);
         }
+        if (!searches)
+            return false;
         return paged_ != nullptr ? pagedForms(foldOf(character), forms) : byteForms(foldOf(character), forms);
     }
-    bool byteForms(std::uint32_t folded, FoldForms &forms) const {
+    [[gnu::noinline]] bool byteForms(std::uint32_t folded, FoldForms &forms) const {
         for (unsigned byte = 1; byte < 256; ++byte) {
             const auto first = static_cast<std::uint8_t>(byte);
             const unsigned length = characters_.announced(first);
@@ -213,7 +235,7 @@ private:
         return forms.longest != 0;
     }
     // A page's index leaves out the high bit of the last byte, so either value of it is a form.
-    bool pagedForms(std::uint32_t folded, FoldForms &forms) const {
+    [[gnu::noinline]] bool pagedForms(std::uint32_t folded, FoldForms &forms) const {
         if (mapUtf8Case<Case::Lower>(*paged_, folded) == folded && !addNumber(folded, forms))
             return false;
         const auto fold = static_cast<std::uint16_t>(folded); // of one or two bytes
@@ -242,6 +264,7 @@ private:
     const nlsLocale &locale_;
     const UnicodeCaseTable *paged_;  // null: no pages of UTF-8
     const std::uint8_t *asciiFolds_; // its values for ASCII; null: not for single bytes by themselves
+    bool asciiKnown_; // ASCII characters are single bytes and fold among themselves, as they do in C
 };
 
 } // namespace velnls

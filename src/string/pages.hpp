@@ -6,6 +6,7 @@
 #pragma once
 
 #include "collate/compare.hpp"
+#include "locale/page_facts.hpp"
 #include "string/byte_page.hpp"
 #include "string/exact_page.hpp"
 #include "string/folded_page.hpp"
@@ -61,7 +62,10 @@ nlsStatus withPage(const nlsLocale &locale, unsigned mode, Use use) {
         if (mode > 1 || (locale.header.proofs & kSingleBytePage) == 0 ||
             locale.charTable->has(file::kThroughShiftJis))
             break;
-        return use(BytePage(weightsOf(*collation, mode)));
+        if (mode == 1 && (locale.header.proofs & kOwnWeights) != 0)
+            return use(ExactPage<SingleBytes>(locale));
+        return use(
+            BytePage(weightsOf(*collation, mode), mode == 0 && (locale.header.proofs & kAsciiWeights) != 0));
     }
     return use(AnyPage(locale, mode));
 }

@@ -16,6 +16,12 @@ struct ByteForms {
 
     // False when there is no room for one more.
     bool add(std::uint8_t byte);
+    // An ASCII character, and its other case if it is a letter, where there are none yet.
+    void addAscii(std::uint8_t byte) {
+        bytes[count++] = byte;
+        if ((byte | 0x20) - unsigned{'a'} < 26)
+            bytes[count++] = byte ^ 0x20;
+    }
 };
 
 struct PlaceFilter {

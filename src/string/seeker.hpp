@@ -16,7 +16,7 @@ public:
         : page_(page), boundaries_(page.characters(), start),
           sought_(page.soughtFor(page.characters().characterAt(run), end - start)), text_(start), end_(end) {
         if (end - start >= Page::kFilterWorth + (runEnd - run))
-            filters_ = page.makeFilter(run, runEnd, filter_);
+            filters_ = page.makeFilter(run, runEnd, end - start, filter_);
     }
 
     // The first place from `at` on, where a character begins, that may be one; the text's end when there is
