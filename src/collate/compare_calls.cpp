@@ -1,10 +1,13 @@
 // nlsCompare, nlsCompareN, nlsSortKey.
 #include "collate/basic.hpp"
+#include "collate/byte_key.hpp"
 #include "collate/checks.hpp"
 #include "collate/compare.hpp"
 #include "collate/key.hpp"
 #include "collate/quick.hpp"
 #include "collate/weights.hpp"
+#include "icu/collate.hpp"
+#include "locale/case_text.hpp"
 
 #include <cstring>
 
@@ -103,8 +106,12 @@ nlsStatus nlsCompareN(nlsLocale *locale, const char *a, const char *b, int32_t l
                       lengthB == 0xFFFFFFFF ? -1 : std::int64_t{lengthB});
 }
 
-nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t mode, uint16_t trim,
-                     unsigned char *key, uint16_t *keyLength) {
+namespace {
+
+// The general way, whose key may hold a NUL: its length is measured.
+[[gnu::noinline]] nlsStatus writeAnyKey(const nlsLocale *locale, char *source, std::uint16_t keySize,
+                                        std::uint16_t mode, std::uint16_t trim, unsigned char *key,
+                                        std::uint16_t *keyLength) {
     if (const nlsStatus status =
             checkOrder(locale, source != nullptr && key != nullptr && keyLength != nullptr);
         status != NLS_OK)
@@ -126,4 +133,56 @@ nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t
         end == nullptr ? keySize : static_cast<std::uint16_t>(static_cast<const unsigned char *>(end) - key);
     *keyLength = length;
     return length < keySize ? status : NLS_E_BUFFER;
+}
+
+// Text without the blanks at its end.
+std::size_t trimmed(const std::uint8_t *text, std::size_t length) {
+    while (length > 0 && text[length - 1] == ' ')
+        --length;
+    return length;
+}
+
+} // namespace
+
+nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t mode, uint16_t trim,
+                     unsigned char *key, uint16_t *keyLength) {
+    const std::uint32_t proofs = provedOrder(locale);
+    const unsigned table = mode & ~(icu::kKeyIgnored | icu::kKeyPrimary);
+    if (source == nullptr || key == nullptr || keyLength == nullptr || keySize == 0 || table > 1 ||
+        (proofs & (kByteWeights | kBasicKeys)) == 0) [[unlikely]]
+        return writeAnyKey(locale, source, keySize, mode, trim, key, keyLength);
+    const auto *const text = reinterpret_cast<const std::uint8_t *>(source);
+    std::size_t length = lengthOf(boundedText(source, -1));
+    const std::size_t room = keySize - 1;
+    if ((proofs & kByteWeights) != 0) {
+        // A key that spells "SS" is trimmed itself, since its blanks are weights that read 0x20.
+        const bool literal = spellsLiteralSs(*locale->collation);
+        if (trim != 0 && !literal)
+            length = trimmed(text, length);
+        const std::uint8_t *const weights = provedWeights(*locale, table);
+        const std::uint8_t expanded = literal ? std::uint8_t{'S'} : weights[unsigned{'s'}];
+        if (expanded == 0) [[unlikely]]
+            return writeAnyKey(locale, source, keySize, mode, trim, key, keyLength);
+        std::size_t written = writeByteKey({weights, expanded, proofs}, text, length, key, room);
+        if (trim != 0 && literal)
+            written = trimmed(key, written);
+        key[written] = 0;
+        *keyLength = static_cast<std::uint16_t>(written);
+        return NLS_OK;
+    }
+    if (trim != 0)
+        length = trimmed(text, length);
+    if (length > room) // the buffer stays as it is, and what stands there is measured
+        return writeAnyKey(locale, source, keySize, mode, trim, key, keyLength);
+    if (table != 0) {
+        std::memmove(key, text, length);
+        key[length] = 0;
+        *keyLength = static_cast<std::uint16_t>(length);
+        return NLS_OK;
+    }
+    const CaseResult lower = mapTextCase<Case::Lower>(*locale, {text, text + length}, key, room);
+    key[lower.written] = 0;
+    // A case table may map to NUL.
+    *keyLength = static_cast<std::uint16_t>(std::strlen(reinterpret_cast<const char *>(key)));
+    return NLS_OK;
 }

@@ -2,6 +2,7 @@
 
 #include "collate/basic.hpp"
 #include "collate/compare.hpp"
+#include "collate/prefix.hpp"
 #include "collate/shift_jis.hpp"
 #include "collate/sort_exit.hpp"
 #include "collate/thai.hpp"
@@ -15,19 +16,11 @@ namespace velnls {
 
 namespace {
 
-// The length of a text that must stay below `limit`; `limit` when it does not.
-std::size_t boundedLength(Text text, std::size_t limit) {
-    std::size_t length = 0;
-    while (length < limit && text.at + length != text.end && text.at[length] != 0)
-        ++length;
-    return length;
-}
-
 // The BASIC key: the text itself, or in lower case. Nothing is written when it does not fit.
 void writeBasicKey(const nlsLocale &locale, Text text, unsigned mode, std::uint8_t *key, std::size_t size) {
     if (mode > 1)
         return;
-    const std::size_t length = boundedLength(text, size);
+    const std::size_t length = lengthOf(text);
     if (length >= size)
         return;
     if (mode == 1) {

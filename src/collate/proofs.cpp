@@ -1,6 +1,7 @@
 #include "collate/proofs.hpp"
 
 #include "collate/basic.hpp"
+#include "convert/kernels/instruction_sets.hpp"
 #include "core/file_layout.hpp"
 
 namespace velnls {
@@ -33,13 +34,14 @@ std::uint32_t proveOrder(const nlsLocale &locale) {
     case kUnusable:
         return 0;
     case file::kBasic:
-        return kBasicOrder | (asciiFolds(locale) ? kAsciiFolds : 0);
+        return kBasicOrder | (asciiFolds(locale) ? kAsciiFolds : 0) |
+               (locale.charTable->has(file::kThroughShiftJis) ? 0 : kBasicKeys);
     default:
         break;
     }
     const bool decide = (page & kSingleBytePage) != 0 && !locale.charTable->has(file::kThroughShiftJis) &&
                         collation.caseSensitive[0] == 0 && collation.caseInsensitive[0] == 0;
-    return decide ? kByteWeights : 0;
+    return decide ? kByteWeights | instructionSets() : 0;
 }
 
 } // namespace velnls

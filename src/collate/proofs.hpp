@@ -9,6 +9,8 @@ namespace velnls {
 // Single bytes under weights, and both tables have a weight of 0 for NUL: the weight tables alone decide.
 inline constexpr std::uint32_t kByteWeights = 0x0100;
 inline constexpr std::uint32_t kBasicOrder = 0x0200;
+// BASIC, and keys are not of the Shift-JIS form of a text.
+inline constexpr std::uint32_t kBasicKeys = 0x0800;
 // No character is longer than four bytes, ASCII bytes are characters of their own, and their lower case by
 // the locale's case table is that of ASCII.
 inline constexpr std::uint32_t kAsciiFolds = 0x0400;
