@@ -13,5 +13,7 @@ file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/velnls.def CONTENT "${velnls_def}" @
 configure_file(cmake/velnls.rc.in ${PROJECT_BINARY_DIR}/velnls.rc @ONLY)
 
 target_sources(velnls PRIVATE ${PROJECT_BINARY_DIR}/velnls.def ${PROJECT_BINARY_DIR}/velnls.rc)
-set_target_properties(velnls PROPERTIES PREFIX "")
+# Programs find the library beside themselves, so all go to one folder.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set_target_properties(velnls PROPERTIES PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 target_link_options(velnls PRIVATE -static)

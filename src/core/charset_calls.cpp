@@ -120,6 +120,6 @@ nlsStatus nlsGetVelCharset(nlsHandle *handle, nlsLocale *locale, const char *osN
         if (status != NLS_OK)
             return status;
     }
-    std::strcpy(out, found);
+    std::memcpy(out, found, std::strlen(found) + 1);
     return NLS_OK;
 }

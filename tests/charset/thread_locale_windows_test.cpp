@@ -79,15 +79,17 @@ BOOL CALLBACK collect(wchar_t *locale, DWORD, LPARAM answers) {
     return TRUE;
 }
 
-// The POSIX name of a locale of Windows; empty for those that have none.
+// The POSIX name of a locale of Windows; empty for those that have none: languages without a territory, other
+// orders of a locale, scripts that POSIX names do not tell.
 std::string posixName(const Answer &answer) {
-    const bool neutral = answer.name.find('-') == std::string::npos;
-    if (neutral || answer.name.find('_') != std::string::npos || answer.territory.size() != 2)
+    const auto has = [&](const char *part) { return answer.name.find(part) != std::string::npos; };
+    if (!has("-") || has("_") || has("-Adlm") || has("-Hans-") || has("-Mong-") ||
+        answer.territory.size() != 2)
         return {};
     std::string script;
     for (const auto &[part, modifier] :
          {std::pair("-Latn", "@latin"), {"-Cyrl", "@cyrillic"}, {"-Deva", "@devanagari"}})
-        if (answer.name.find(part) != std::string::npos)
+        if (has(part))
             script = modifier;
     return answer.language + "_" + answer.territory + script;
 }
@@ -103,6 +105,7 @@ TEST(PagesOfPosixBuilds, AreThoseOfWindows) {
         if (answer.page != 0)
             withPage.insert(answer.language);
     int compared = 0;
+    int kept = 0;
     for (const Answer &answer : answers) {
         const std::string name = posixName(answer);
         velnls::platform::LocaleName parts;
@@ -111,10 +114,14 @@ TEST(PagesOfPosixBuilds, AreThoseOfWindows) {
         ASSERT_TRUE(velnls::platform::parseLocaleName(name.c_str(), parts)) << name;
         const int ours = velnls::platform::ansiCodePage(parts);
         ++compared;
-        if (ours != answer.page)
-            ADD_FAILURE() << answer.name << " is " << answer.page << ", " << name << " is " << ours;
+        if (answer.page == 0 && ours != 0 && withPage.count(answer.language) != 0)
+            ++kept;
+        else
+            EXPECT_EQ(ours, answer.page) << answer.name << ", " << name;
     }
-    std::printf("%d locales compared\n", compared);
+    std::printf("%d locales compared, %d of them keep to the page of their language\n", compared, kept);
+    EXPECT_GT(compared, 400);
+    EXPECT_LT(kept, compared / 10);
 }
 
 } // namespace

@@ -27,6 +27,7 @@ TEST(OutputFile, MayBeTheInputFile) {
 }
 
 TEST(OutputFile, KeepsItsModeWhenReplaced) {
+    NEEDS_POSIX("access rights in three digits");
     const Folder folder;
     const std::string file = folder.write("text", "old");
     ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
@@ -37,6 +38,7 @@ TEST(OutputFile, KeepsItsModeWhenReplaced) {
 }
 
 TEST(OutputFile, NewOneHasTheModeOfTheMask) {
+    NEEDS_POSIX("access rights in three digits");
     const Folder folder;
     const std::string file = folder.path("out");
     EXPECT_EQ(runShell("umask 027; \"$VELNLS\" convert -o '" + file + "' </dev/null").exitCode, 0);
@@ -75,11 +77,13 @@ TEST(OutputFile, IsKeptWhenCharactersWereSubstituted) {
 }
 
 TEST(OutputFile, MayBeADevice) {
+    NEEDS_POSIX("/dev");
     EXPECT_EQ(runTool({"convert", "-o", "/dev/null"}, "text").exitCode, 0);
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
 TEST(OutputFile, MayBeAPipe) {
+    NEEDS_POSIX("named pipes among the files");
     const Folder folder;
     const Result result =
         runShell("mkfifo '" + folder.path("pipe") + "'; cat '" + folder.path("pipe") +
@@ -104,12 +108,14 @@ TEST(OutputFile, ThatIsAFolderHasExitCode2) {
 }
 
 TEST(OutputFile, OnAFullDeviceHasExitCode2) {
+    NEEDS_POSIX("/dev");
     const Result result = runTool({"convert", "-o", "/dev/full"}, "text");
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_EQ(result.err, "velnls: /dev/full: No space left on device\n");
 }
 
 TEST(OutputFile, IsRemovedWhenTheProgramIsInterrupted) {
+    NEEDS_POSIX("signals");
     const Folder folder;
     const Result result = runShell("(printf text; sleep 5) | \"$VELNLS\" convert -o '" + folder.path("out") +
                                    "' & sleep 0.5; ls '" + folder.path("") +
@@ -163,6 +169,7 @@ TEST(InputFile, MissingHasExitCode2AndNothingIsWritten) {
 }
 
 TEST(InputFile, ThatIsANamedPipeIsOpenedOnce) {
+    NEEDS_POSIX("named pipes among the files");
     const Folder folder;
     const std::string pipe = folder.path("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
@@ -182,6 +189,7 @@ TEST(InputFile, ThatIsAFolderHasExitCode2) {
 
 // Constant memory: the address space allowed is far smaller than the input.
 TEST(Memory, DoesNotGrowWithTheInput) {
+    NEEDS_POSIX("limits of address space");
 #if defined(VELNLS_SANITIZED)
     GTEST_SKIP() << "sanitizers take address space of their own";
 #endif

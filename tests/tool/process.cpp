@@ -1,12 +1,8 @@
 // Starts processes with their streams in files, so that no pipe can fill up.
 #include "process.hpp"
 
-#include <algorithm>
 #include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +10,12 @@
 namespace velnls::tool {
 
 namespace {
+
+// The one of this build, unless the environment names another, such as a Windows build under Wine.
+const char *tool() {
+    const char *const other = std::getenv("VELNLS_TOOL");
+    return other != nullptr ? other : VELNLS_TOOL;
+}
 
 Result run(const std::string &program, const std::vector<std::string> &arguments, std::string_view input) {
     const Folder folder;
@@ -36,7 +38,7 @@ Result run(const std::string &program, const std::vector<std::string> &arguments
         ::dup2(::open(in.c_str(), O_RDONLY), STDIN_FILENO);
         ::dup2(::open(out.c_str(), O_WRONLY), STDOUT_FILENO);
         ::dup2(::open(err.c_str(), O_WRONLY), STDERR_FILENO);
-        ::setenv("VELNLS", VELNLS_TOOL, 1);
+        ::setenv("VELNLS", tool(), 1);
         ::execv(program.c_str(), words.data());
         ::_exit(127);
     }
@@ -48,51 +50,16 @@ Result run(const std::string &program, const std::vector<std::string> &arguments
 } // namespace
 
 Result runTool(const std::vector<std::string> &arguments, std::string_view input) {
-    return run(VELNLS_TOOL, arguments, input);
+    return run(tool(), arguments, input);
 }
 
 Result runShell(const std::string &command) {
     return run("/bin/sh", {"-c", command}, {});
 }
 
-Folder::Folder() {
-    std::string name = std::filesystem::temp_directory_path() / "velnls-test.XXXXXX";
-    if (::mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("cannot make a folder");
-    }
-    path_ = name;
-}
-
-Folder::~Folder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::string Folder::write(const std::string &name, std::string_view content) const {
-    std::ofstream(path(name), std::ios::binary) << content;
-    return path(name);
-}
-
-std::vector<std::string> Folder::names() const {
-    std::vector<std::string> found;
-    for (const auto &entry : std::filesystem::directory_iterator(path_)) {
-        found.push_back(entry.path().filename());
-    }
-    std::sort(found.begin(), found.end());
-    return found;
-}
-
-std::string readFile(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-std::string repeat(std::string_view text, std::size_t count) {
-    std::string result;
-    for (std::size_t i = 0; i < count; ++i) {
-        result += text;
-    }
-    return result;
+bool toolIsForWindows() {
+    const char *const system = std::getenv("VELNLS_TOOL_SYSTEM");
+    return system != nullptr && std::string_view(system) == "windows";
 }
 
 } // namespace velnls::tool

@@ -19,6 +19,14 @@ Result runTool(const std::vector<std::string> &arguments, std::string_view input
 // The same through the shell, where "$VELNLS" is the program.
 Result runShell(const std::string &command);
 
+// Whether the program is a Windows build that runs here under Wine. Leave out what Windows does not have:
+// access rights in three digits, devices and pipes with a place among the files, signals, arguments of any
+// bytes.
+bool toolIsForWindows();
+#define NEEDS_POSIX(what)                                                                                    \
+    if (toolIsForWindows())                                                                                  \
+    GTEST_SKIP() << what
+
 // A folder that is there for one test.
 class Folder {
 public:

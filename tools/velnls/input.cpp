@@ -53,7 +53,7 @@ bool Input::isFileOf(int descriptor) const {
     platform::FileFacts mine;
     platform::FileFacts other;
     return platform::factsOf(descriptor_, mine) && platform::factsOf(descriptor, other) && mine.regular &&
-           mine.size != 0 && mine.device == other.device && mine.number == other.number;
+           mine.size != 0 && mine.identity == other.identity;
 }
 
 } // namespace velnls::tool

@@ -3,6 +3,7 @@
 // negative result or false and by errno.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -32,10 +33,8 @@ std::string temporaryFolder();
 struct FileFacts {
     bool regular = false;
     std::uint64_t size = 0;
-    // Both together name the file, whatever its path.
-    std::uint64_t device = 0;
-    std::uint64_t number = 0;
-    unsigned mode = 0; // access rights; 0 where the system has others
+    std::array<std::uint64_t, 3> identity{}; // of an open file, whatever its path
+    unsigned mode = 0;                       // access rights; 0 where the system has others
 };
 
 bool factsOf(const std::string &path, FileFacts &facts);

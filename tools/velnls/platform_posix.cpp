@@ -31,8 +31,7 @@ extern "C" void removeTemporary(int signal) {
 void fill(FileFacts &facts, const struct stat &from) {
     facts.regular = S_ISREG(from.st_mode);
     facts.size = static_cast<std::uint64_t>(from.st_size);
-    facts.device = from.st_dev;
-    facts.number = from.st_ino;
+    facts.identity = {from.st_dev, from.st_ino, 0};
     facts.mode = from.st_mode & 07777;
 }
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <cwchar>
 #include <fcntl.h>
 #include <io.h>
@@ -45,6 +46,51 @@ int descriptorOf(HANDLE handle, int flags) {
 
 HANDLE handleOf(int file) {
     return reinterpret_cast<HANDLE>(_get_osfhandle(file));
+}
+
+bool isFolder(const std::wstring &name) {
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool isPipe(const std::wstring &name) {
+    return name.rfind(L"\\\\.\\pipe\\", 0) == 0;
+}
+
+// A file, folder or device.
+HANDLE openExisting(const std::wstring &name, DWORD access) {
+    const HANDLE handle =
+        CreateFileW(name.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        setErrno();
+    }
+    return handle;
+}
+
+bool handleFacts(HANDLE handle, FileFacts &facts) {
+    facts = {};
+    if (handle == INVALID_HANDLE_VALUE) {
+        errno = EBADF;
+        return false;
+    }
+    if (GetFileType(handle) != FILE_TYPE_DISK) {
+        return true;
+    }
+    FILE_STANDARD_INFO found = {};
+    if (GetFileInformationByHandleEx(handle, FileStandardInfo, &found, sizeof found) == 0) {
+        setErrno();
+        return false;
+    }
+    facts.regular = found.Directory == 0;
+    facts.size = static_cast<std::uint64_t>(found.EndOfFile.QuadPart);
+    FILE_ID_INFO id = {};
+    if (GetFileInformationByHandleEx(handle, FileIdInfo, &id, sizeof id) != 0) {
+        static_assert(sizeof id.FileId == 2 * sizeof(std::uint64_t));
+        facts.identity[0] = id.VolumeSerialNumber;
+        std::memcpy(&facts.identity[1], &id.FileId, sizeof id.FileId);
+    }
+    return true;
 }
 
 // A new file `stem` + "." + six characters; `name` receives its name.
@@ -119,6 +165,7 @@ void setErrno() {
         break;
     case ERROR_BROKEN_PIPE:
     case ERROR_NO_DATA:
+    case ERROR_PIPE_NOT_CONNECTED:
         errno = EPIPE;
         break;
     case ERROR_DISK_FULL:
@@ -139,8 +186,7 @@ void setErrno() {
 
 HANDLE openHandleToRead(const std::string &path, DWORD flags) {
     const std::wstring name = widePath(path);
-    const DWORD attributes = GetFileAttributesW(name.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    if (isFolder(name)) {
         errno = EISDIR;
         return INVALID_HANDLE_VALUE;
     }
@@ -193,44 +239,35 @@ std::string temporaryFolder() {
 // -------------------------------------------------------------------------------------------------
 
 bool factsOf(int file, FileFacts &facts) {
-    const HANDLE handle = handleOf(file);
-    BY_HANDLE_FILE_INFORMATION found = {};
-    if (handle == INVALID_HANDLE_VALUE) {
-        return false;
-    }
-    facts = {};
-    if (GetFileType(handle) != FILE_TYPE_DISK) {
-        return true;
-    }
-    if (GetFileInformationByHandle(handle, &found) == 0) {
-        setErrno();
-        return false;
-    }
-    facts.regular = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-    facts.size = std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow;
-    facts.device = found.dwVolumeSerialNumber;
-    facts.number = std::uint64_t{found.nFileIndexHigh} << 32 | found.nFileIndexLow;
-    return true;
+    return handleFacts(handleOf(file), facts);
 }
 
 bool factsOf(const std::string &path, FileFacts &facts) {
-    // Asks for no access, which is granted for folders too. Named pipes are not opened: that would use them
-    // up.
-    const std::wstring name = widePath(path);
-    WIN32_FILE_ATTRIBUTE_DATA found = {};
-    if (GetFileAttributesExW(name.c_str(), GetFileExInfoStandard, &found) == 0) {
-        setErrno();
-        return false;
-    }
     facts = {};
-    constexpr DWORD kOther = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE;
-    facts.regular = (found.dwFileAttributes & kOther) == 0 && name.rfind(L"\\\\.\\", 0) != 0;
-    facts.size = std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow;
-    return true;
+    const std::wstring name = widePath(path);
+    if (isPipe(name)) {
+        return true;
+    }
+    // Without access, which is granted for every file and folder.
+    const HANDLE handle = openExisting(name, 0);
+    const bool found = handle != INVALID_HANDLE_VALUE && handleFacts(handle, facts);
+    if (handle != INVALID_HANDLE_VALUE) {
+        CloseHandle(handle);
+    }
+    return found;
 }
 
 bool isReadable(const std::string &path) {
-    return _waccess(widePath(path).c_str(), 4) == 0;
+    const std::wstring name = widePath(path);
+    if (isPipe(name)) {
+        return true; // opening it would use it up
+    }
+    const HANDLE handle = openExisting(name, GENERIC_READ);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    CloseHandle(handle);
+    return true;
 }
 
 bool isWritable(const std::string &path) {
@@ -243,8 +280,13 @@ int openToRead(const std::string &path) {
 }
 
 int openToWrite(const std::string &path) {
-    return descriptorOf(CreateFileW(widePath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                    nullptr, OPEN_EXISTING, 0, nullptr),
+    const std::wstring name = widePath(path);
+    if (isFolder(name)) {
+        errno = EISDIR;
+        return -1;
+    }
+    return descriptorOf(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr),
                         _O_WRONLY);
 }
 
@@ -274,10 +316,12 @@ long long readFile(int file, void *buffer, std::size_t size) {
 }
 
 long long writeFile(int file, const void *bytes, std::size_t size) {
-    const int count = _write(file, bytes, static_cast<unsigned>(std::min<std::size_t>(size, INT_MAX)));
-    // A pipe whose reader has gone is an invalid argument to some run times.
-    if (count < 0 && errno == EINVAL && GetFileType(handleOf(file)) == FILE_TYPE_PIPE) {
-        errno = EPIPE;
+    // The run time would take a pipe whose reader has gone for a bad argument.
+    constexpr std::size_t kMost = 1u << 30;
+    DWORD count = 0;
+    if (WriteFile(handleOf(file), bytes, static_cast<DWORD>(std::min(size, kMost)), &count, nullptr) == 0) {
+        setErrno();
+        return -1;
     }
     return count;
 }
@@ -291,9 +335,7 @@ void setRights(int, const FileFacts *) {
 }
 
 std::string followLinks(const std::string &path) {
-    const HANDLE handle =
-        CreateFileW(widePath(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE handle = openExisting(widePath(path), 0);
     if (handle == INVALID_HANDLE_VALUE) {
         return path;
     }
