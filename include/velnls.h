@@ -716,7 +716,8 @@ NLS_API nlsStatus nlsFindCharForw(nlsLocale *locale, const uint32_t *lchar, cons
 /*
  * nlsFindCharBack() is nlsFindCharForw() from the other end: the last character within the first 'length'
  * bytes that equals '*lchar'. With 'length' 0 nothing is found. A '*lchar' of 0 finds the terminating NUL
- * of the whole string, whatever 'length'.
+ * of the whole string, whatever 'length'. 'str' ends with a NUL behind the 'length' bytes in any case: the
+ * last character is looked at whole.
  *
  * Returns: as nlsFindCharForw; also 16 for a negative 'length', unless '*lchar' is 0.
  */
@@ -1028,8 +1029,15 @@ NLS_API nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *sour
  * A key of a weight table that does not fit is cut to 'keySize' - 1 bytes, and the call returns 0. A
  * mode that selects no table gives an empty key under weights. A source that is too long for a BASIC
  * key, and a mode that BASIC does not know, leave 'key' as it was, and the length of what stands there
- * is returned. In two cases keys and compares differ on purpose: an expanding character at the end of a
- * string, and collations whose variant writes "SS" for it.
+ * is returned.
+ *
+ * Keys and compares order alike but for these cases, each by the rules of both:
+ *   - an expanding character at the end of a string, and collations whose variant writes "SS" for it in keys;
+ *   - where one string is the beginning of the other: what follows there and ranks with or below the blank;
+ *   - BASIC with mode 0: characters of more than three bytes are "?" in keys, and in double-byte pages a
+ *     compare puts every single byte below every character of two;
+ *   - BASIC in a page that collates through Shift-JIS: the key is made of the Shift-JIS text, a compare looks
+ *     at the text as it stands.
  */
 NLS_API nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t mode, uint16_t trim,
                              unsigned char *key, uint16_t *keyLength);
@@ -1094,13 +1102,15 @@ NLS_API nlsStatus nlsIsSortNeeded(nlsLocale *locale, uint32_t *flag);
  *   16  'string', '*string', 'word' or 'length' is null
  *   32  the locale carries no sort data
  *   20  no further word; '*string' has not moved
- *   2   the word does not fit; '*string' has not moved, and 'word' holds what fits
- *   25  a key is asked for and the locale has no collation
+ *   2   the word does not fit; '*string' has not moved. 'word' holds what fits of a word that is returned as
+ *       it stands, and is not written where keys are
+ *   7   a key is asked for, the page collates through Shift-JIS and the handle has no such locale
+ *   8   the same, and there is no conversion to it
  *   29  a word of more than 184 bytes was cut to 184; '*string' is behind the whole word
  *   0   a word
  *
- * Keys are made from weights alone, whatever the collation's kind: under BASIC, which has none, the key is
- * empty.
+ * Keys are ICU's under an ICU collation, and under any other made from weights alone: under BASIC, which has
+ * none, the key is empty.
  */
 NLS_API nlsStatus nlsGetNextWord(nlsLocale *locale, char **string, int16_t mode, char *word, int32_t size,
                                  uint32_t *length);
@@ -1202,8 +1212,8 @@ NLS_API nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const ch
 /*
  * nlsSearchBack() finds the last place where 'pattern' stands in the first 'textLength' bytes of 'text'.
  *
- * '*position' and '*found' as in nlsSearchForw. An empty pattern is found at text + textLength (or at the
- * NUL, when that comes earlier), with the position there.
+ * '*position' and '*found' as in nlsSearchForw. An empty pattern is found at text + textLength, with the
+ * position there, wherever the text's NUL is.
  *
  * Returns:
  *   13  'locale' is null or its handle closed
@@ -1291,7 +1301,7 @@ NLS_API nlsStatus nlsCountChars(nlsLocale *locale, const char *str, int32_t byte
 
 /*
  * nlsCountColumns() counts the display columns of the characters that begin in the first 'bytes' bytes of
- * 'str'.
+ * 'str'. A NUL ends 'str' within or behind them: the last character is looked at whole.
  *
  * A single-byte character takes one column, a multibyte one two, or one where its lead byte is marked so
  * (half-width katakana behind 8E in EUC-JP, the accented letters of ISO 6937). UTF-8: 0 for the byte-order

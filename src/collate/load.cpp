@@ -18,13 +18,6 @@ namespace velnls {
 
 namespace {
 
-constexpr char kBasicText[] = "BASIC"; // with its NUL, at the start of both table areas
-
-bool readsBasic(const file::Collation &record) {
-    return std::memcmp(record.caseSensitive, kBasicText, sizeof kBasicText) == 0 &&
-           std::memcmp(record.caseInsensitive, kBasicText, sizeof kBasicText) == 0;
-}
-
 // The record of an "ICU-" collation, which has a collator of its own. Where that does not open, the record is
 // listed as unusable and the load fails.
 nlsStatus loadIcuCollation(nlsHandle &handle, const char *charSetName, const char *collationName,
@@ -50,7 +43,7 @@ nlsStatus loadEntry(nlsHandle &handle, Entry &entry, const char *charSetName, co
     file::Collation raw;
     if (!readAt(handle, entry.offset, &raw, sizeof raw))
         return NLS_E_TABLE;
-    if (raw.kind == file::kBasic && !readsBasic(raw))
+    if (raw.kind == file::kBasic && !readsBasic(raw.caseSensitive, raw.caseInsensitive))
         return NLS_E_NOSORT;
     if (raw.kind == file::kSortExit) {
         if (const nlsStatus status = loadSortExit(handle, entry.name2); status != NLS_OK)
@@ -71,14 +64,6 @@ nlsStatus loadEntry(nlsHandle &handle, Entry &entry, const char *charSetName, co
     pushCollation(*record);
     out = record;
     return NLS_OK;
-}
-
-// Moves each weight of a page to the byte that the character has in another page.
-void moveWeights(std::uint8_t (&weights)[256], const std::uint8_t *map) {
-    std::uint8_t old[256];
-    std::memcpy(old, weights, sizeof old);
-    for (unsigned byte = 0; byte < 256; ++byte)
-        weights[map[byte]] = old[byte];
 }
 
 // The first collation of that name whose page has a single-byte conversion, marked for it, into this page.
@@ -119,8 +104,8 @@ nlsStatus borrowCollation(nlsHandle &handle, const char *charSetName, const char
     if (buildConverter(handle, lender->name, charSetName, 0, converter) != NLS_OK)
         return NLS_E_NOCOLLATION;
     if (const std::uint8_t *const map = byteMapOf(converter); map != nullptr) {
-        moveWeights(record->caseSensitive, map);
-        moveWeights(record->caseInsensitive, map);
+        moveByMap(record->caseSensitive, map);
+        moveByMap(record->caseInsensitive, map);
     }
     pushCollation(*record);
     out = record;

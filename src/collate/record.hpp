@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace velnls {
 
@@ -21,5 +22,20 @@ static_assert(sizeof(Collation) == 576);
 static_assert(offsetof(Collation, next) == 512);
 
 inline constexpr std::int32_t kUnusable = -2; // a collator that could not be opened
+
+// Whether both weight areas begin with "BASIC" and its NUL, as those of kind 3 must.
+inline bool readsBasic(const std::uint8_t *caseSensitive, const std::uint8_t *caseInsensitive) {
+    constexpr char kText[] = "BASIC";
+    return std::memcmp(caseSensitive, kText, sizeof kText) == 0 &&
+           std::memcmp(caseInsensitive, kText, sizeof kText) == 0;
+}
+
+// Moves what a table says of each byte of a page to the byte that the character has in another page.
+inline void moveByMap(std::uint8_t *table, const std::uint8_t *map) {
+    std::uint8_t old[256];
+    std::memcpy(old, table, sizeof old);
+    for (unsigned byte = 0; byte < 256; ++byte)
+        table[map[byte]] = old[byte];
+}
 
 } // namespace velnls

@@ -5,22 +5,18 @@
 
 namespace velnls {
 
-namespace {
-constexpr char kShiftJis[] = "shift-jis";
-}
-
 nlsStatus findShiftJisWay(const nlsLocale &locale, ShiftJisWay &way) {
     way = {nullptr, nullptr};
     bool hasConversion = false;
     for (const ObjectHeader *object = locale.handle->newest; object != nullptr; object = object->next) {
         if (object->type == kLocaleObject && way.chars == nullptr) {
             const auto &found = *reinterpret_cast<const nlsLocale *>(object);
-            if (sameName(found.codePageName, kShiftJis))
+            if (sameName(found.codePageName, kShiftJisName))
                 way.chars = found.charTable;
         } else if (object->type == kConversionObject && !hasConversion) {
             const auto &found = *reinterpret_cast<const nlsConversion *>(object);
             if (sameName(found.source->codePageName, locale.codePageName) &&
-                sameName(found.target->codePageName, kShiftJis)) {
+                sameName(found.target->codePageName, kShiftJisName)) {
                 way.converter = found.converter;
                 hasConversion = true;
             }

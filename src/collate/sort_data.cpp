@@ -1,5 +1,6 @@
 #include "collate/sort_data.hpp"
 
+#include "collate/record.hpp"
 #include "core/text.hpp"
 
 #include <cstring>
@@ -30,25 +31,22 @@ void classByTrails(const CharTable &chars, std::uint8_t (&map)[256]) {
     }
 }
 
-void reindex(const std::uint8_t *byteMap, std::uint8_t *map) {
-    std::uint8_t old[256];
-    std::memcpy(old, map, sizeof old);
-    for (unsigned byte = 0; byte < 256; ++byte)
-        map[byteMap[byte]] = old[byte];
-}
-
 } // namespace
 
 nlsStatus buildSortData(const nlsLocale &locale, const std::uint16_t *sortData, const nlsLocale *target,
                         const void *converter, std::uint8_t *block, std::uint64_t room) {
     const std::uint32_t length = sortDataLength(sortData);
-    if (length < sizeof(SortDataHead) || length > room)
+    if (length < sizeof(SortDataHead))
         return NLS_E_TABLE;
+    if (length > room)
+        return NLS_E_NOMEM;
     std::memset(block, 0, static_cast<std::size_t>(room)); // the class map may reach behind the data
     std::memcpy(block, sortData, length);
     auto &head = *reinterpret_cast<SortDataHead *>(block);
-    if (head.classMap < sizeof head || head.classMap + 256u > room)
+    if (head.classMap < sizeof head)
         return NLS_E_TABLE;
+    if (head.classMap + 256u > room) // the data is to blame when it does not fit the size asked for either
+        return head.classMap + 256u > length + kBesideSortData ? NLS_E_TABLE : NLS_E_NOMEM;
 
     const CharTable &chars = *locale.charTable;
     const bool utf8 = chars.has(file::kUtf8);
@@ -72,7 +70,7 @@ nlsStatus buildSortData(const nlsLocale &locale, const std::uint16_t *sortData, 
         head.flags |= kToUtf8;
     else if (const std::uint8_t *const byteMap = byteMapOf(converter);
              head.format == kTwoByteFormat && byteMap != nullptr)
-        reindex(byteMap, map);
+        moveByMap(map, byteMap);
     return NLS_OK;
 }
 

@@ -31,12 +31,16 @@ inline constexpr std::uint8_t kUtf8Locale = 0x02;
 inline constexpr std::uint8_t kFromUtf8 = 0x04;
 inline constexpr std::uint8_t kToUtf8 = 0x08;
 
+// Bytes of the block behind the caller's sort data.
+inline constexpr std::uint32_t kBesideSortData = 62;
+
 inline std::uint32_t sortDataLength(const std::uint16_t *sortData) {
     return sortData[1];
 }
 
 // Copies the caller's sort data to `block`, which has `room` bytes, and completes its class map. `target` may
-// be null; `converter` is that from the locale to the target. 0, or 21 where the data does not hold together.
+// be null; `converter` is that from the locale to the target. 0, 1 where the room is too small, or 21 where
+// the data does not hold together.
 nlsStatus buildSortData(const nlsLocale &locale, const std::uint16_t *sortData, const nlsLocale *target,
                         const void *converter, std::uint8_t *block, std::uint64_t room);
 

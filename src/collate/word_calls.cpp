@@ -61,24 +61,28 @@ nlsStatus nlsGetNextWord(nlsLocale *locale, char **string, int16_t mode, char *w
     if (found.length == 0)
         return NLS_E_END;
     const auto room = static_cast<std::size_t>(std::max(size, 0));
+    const bool asItStands = data->format < kFirstKeyedFormat && !locale->charTable->has(file::kUtf8);
     if (found.length >= room) {
-        // What fits stands in the buffer all the same.
-        if (room != 0) {
+        // What fits of a word stands in the buffer all the same.
+        if (asItStands && room != 0) {
             std::memcpy(word, found.bytes, room - 1);
             word[room - 1] = '\0';
         }
         return NLS_E_BUFFER;
     }
-    if (data->format < kFirstKeyedFormat && !locale->charTable->has(file::kUtf8)) {
+    if (asItStands) {
         std::memcpy(word, found.bytes, found.length + 1);
         *length = static_cast<std::uint32_t>(found.length);
     } else {
         if (locale->collation == nullptr)
             return NLS_E_NOSORT;
-        // Under ICU there is no table to make a key from.
-        const auto write = icu::isServed(*locale->collation) ? writeSortKey : writeTableKey;
-        const nlsStatus status = write(*locale, terminatedText(found.bytes), static_cast<std::uint16_t>(mode),
-                                       false, reinterpret_cast<std::uint8_t *>(word), room);
+        // Under ICU there is no table to make a key from, and the mode's high bits say something.
+        const bool icu = icu::isServed(*locale->collation);
+        const unsigned keyMode =
+            static_cast<std::uint16_t>(mode) & (icu ? 0xFFFFu : ~(icu::kKeyIgnored | icu::kKeyPrimary));
+        const nlsStatus status =
+            (icu ? writeSortKey : writeTableKey)(*locale, terminatedText(found.bytes), keyMode, false,
+                                                 reinterpret_cast<std::uint8_t *>(word), room);
         if (status != NLS_OK)
             return status;
         *length = static_cast<std::uint32_t>(std::strlen(word));

@@ -44,4 +44,20 @@ private:
     bool held_;
 };
 
+// Lets go of a busy flag that the caller holds, for a scope in which nested operations take it themselves.
+class BusyPause {
+public:
+    explicit BusyPause(nlsHandle &handle) : handle_(handle) {
+        handle.busy = 0;
+    }
+    ~BusyPause() {
+        handle_.busy = 1;
+    }
+    BusyPause(const BusyPause &) = delete;
+    BusyPause &operator=(const BusyPause &) = delete;
+
+private:
+    nlsHandle &handle_;
+};
+
 } // namespace velnls

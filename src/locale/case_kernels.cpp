@@ -85,8 +85,8 @@ std::uint32_t takeUtf8Number(const CharTable &chars, Text &text) {
     return code;
 }
 
-// Ways A and B: multibyte characters are copied as they stand, `longest` bytes at most, single bytes mapped.
-// `blocks(text, output)` goes over what it can before each few characters.
+// Without a case table, and with one of bytes: multibyte characters are copied as they stand, `longest` bytes
+// at most, single bytes mapped. `blocks(text, output)` goes over what it can before each few characters.
 template <typename MapByte, typename Blocks>
 CaseResult mapSingleBytes(const CharTable &chars, Text text, std::uint8_t *out, std::size_t room,
                           unsigned longest, MapByte mapByte, Blocks blocks) {

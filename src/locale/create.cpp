@@ -17,7 +17,6 @@ namespace velnls {
 namespace {
 
 constexpr char kDefaultCollation[] = "basic";
-constexpr char kShiftJis[] = "shift-jis";
 
 // The collation name that an existing locale must carry to be shared; empty for none.
 const char *collationLookedFor(const char *collationName) {
@@ -92,9 +91,9 @@ std::uint32_t provePage(const CharTable &table) {
 
 nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale) {
     nlsLocale *companion = &locale;
-    if (!sameName(locale.codePageName, kShiftJis)) {
-        const nlsStatus status = createLocale(handle, kShiftJis, locale.collationName, locale.caseTableName,
-                                              Serve::Lasting, companion);
+    if (!sameName(locale.codePageName, kShiftJisName)) {
+        const nlsStatus status = createLocale(handle, kShiftJisName, locale.collationName,
+                                              locale.caseTableName, Serve::Lasting, companion);
         if (status != NLS_OK)
             return status;
     }

@@ -19,3 +19,10 @@ struct [[gnu::packed]] nlsLocale {
     void *blobExtra;
 };
 static_assert(sizeof(nlsLocale) == 136);
+
+namespace velnls {
+
+// The page that others collate through.
+inline constexpr char kShiftJisName[] = "shift-jis";
+
+} // namespace velnls

@@ -1,6 +1,7 @@
 #include "locale/rebuild.hpp"
 
 #include "collate/proofs.hpp"
+#include "collate/record.hpp"
 #include "collate/sort_data.hpp"
 #include "collate/sort_exit.hpp"
 #include "convert/create.hpp"
@@ -17,8 +18,6 @@
 namespace velnls {
 
 namespace {
-
-constexpr char kBasicText[] = "BASIC"; // with its NUL, at the start of both weight areas
 
 // Hands out the block from front to back; its end is kept for the name.
 class BlockCarver {
@@ -84,12 +83,18 @@ nlsStatus takeRecordTables(const nlsDbCollation &record, BlockCarver &carver, nl
     });
 }
 
+// A locale in the arena, which takes the busy flag for itself.
+nlsStatus createLasting(nlsHandle &handle, const char *codePageName, const char *collationName,
+                        const char *caseTableName, nlsLocale *&out) {
+    const BusyPause pause(handle);
+    return createLocale(handle, codePageName, collationName, caseTableName, Serve::Lasting, out);
+}
+
 // The old form holds weights alone: characters and case come from the data file of today.
 nlsStatus takeOldTables(nlsHandle &handle, const nlsDbCollation &record, BlockCarver &carver,
                         nlsLocale &locale) {
     nlsLocale *page = nullptr;
-    if (const nlsStatus status =
-            createLocale(handle, record.codePageName, NLS_NO_COLLATION, "basic", Serve::Lasting, page);
+    if (const nlsStatus status = createLasting(handle, record.codePageName, NLS_NO_COLLATION, "basic", page);
         status != NLS_OK)
         return status;
     locale.charTable = page->charTable;
@@ -114,11 +119,8 @@ nlsStatus takeOldTables(nlsHandle &handle, const nlsDbCollation &record, BlockCa
 // Makes the collation ready for use: ICU's collator and the user sort exit are of this process.
 nlsStatus openCollation(nlsHandle &handle, Collation &collation) {
     switch (collation.kind) {
-    case file::kBasic: {
-        const bool reads = std::memcmp(collation.caseSensitive, kBasicText, sizeof kBasicText) == 0 &&
-                           std::memcmp(collation.caseInsensitive, kBasicText, sizeof kBasicText) == 0;
-        return reads ? NLS_OK : NLS_E_NOSORT;
-    }
+    case file::kBasic:
+        return readsBasic(collation.caseSensitive, collation.caseInsensitive) ? NLS_OK : NLS_E_NOSORT;
     case file::kIcu:
         return icu::openKeptCollator(handle, collation);
     case file::kSortExit: {
@@ -135,10 +137,10 @@ nlsStatus openCollation(nlsHandle &handle, Collation &collation) {
 nlsStatus createConversionOf(nlsHandle &handle, const nlsLocale &locale, nlsLocale &target,
                              const void *&converter) {
     nlsLocale *page = nullptr;
-    if (const nlsStatus status =
-            createLocale(handle, locale.codePageName, NLS_NO_COLLATION, nullptr, Serve::Lasting, page);
+    if (const nlsStatus status = createLasting(handle, locale.codePageName, NLS_NO_COLLATION, nullptr, page);
         status != NLS_OK)
         return status;
+    const BusyPause pause(handle);
     nlsConversion *conversion = nullptr;
     const nlsStatus status = createConversion(handle, *page, target, conversion);
     if (status == NLS_OK)
@@ -146,12 +148,14 @@ nlsStatus createConversionOf(nlsHandle &handle, const nlsLocale &locale, nlsLoca
     return status;
 }
 
-// The Shift-JIS locale with this one's names, and the conversion to it.
+// The Shift-JIS locale with this one's names, and the conversion to it. In Shift-JIS itself the page takes
+// the place of both.
 nlsStatus createCompanionOf(nlsHandle &handle, const nlsLocale &locale) {
-    constexpr char kShiftJis[] = "shift-jis";
+    const bool itself = sameName(locale.codePageName, kShiftJisName);
     nlsLocale *companion = nullptr;
-    if (const nlsStatus status = createLocale(handle, kShiftJis, locale.collationName, locale.caseTableName,
-                                              Serve::Lasting, companion);
+    if (const nlsStatus status =
+            createLasting(handle, kShiftJisName, itself ? NLS_NO_COLLATION : locale.collationName,
+                          itself ? nullptr : locale.caseTableName, companion);
         status != NLS_OK)
         return status;
     const void *converter = nullptr;

@@ -38,11 +38,9 @@ nlsStatus nlsDbCollationToLocale(nlsHandle *handle, const nlsDbCollation *record
     if (record == nullptr || record->data == nullptr || name == nullptr || blockSize == nullptr ||
         locale == nullptr)
         return NLS_E_NULLARG;
-    {
-        const BusyScope busy(*handle);
-        if (!busy.held())
-            return NLS_E_BUSY;
-    }
+    const BusyScope busy(*handle);
+    if (!busy.held())
+        return NLS_E_BUSY;
     const std::uint64_t needed = blockSizeNeeded(*record, std::strlen(name));
     if (needed > *blockSize) {
         *blockSize = static_cast<std::uint32_t>(needed);

@@ -55,7 +55,6 @@ void writeRecord(const nlsLocale &locale, bool newForm, std::uint8_t *data) {
 
 std::uint64_t blockSizeNeeded(const nlsDbCollation &record, std::uint64_t nameLength) {
     constexpr std::uint32_t kWithoutSortData = 318;
-    constexpr std::uint32_t kBesideSortData = 62;
     constexpr std::uint32_t kFlagsPlace = 1500;
     constexpr std::uint32_t kWordsPlace = 1504;
     std::uint64_t size = nameLength + 1 + sizeof(nlsLocale) + sizeof(Collation);

@@ -14,9 +14,9 @@ struct [[gnu::packed]] CharTable {
     std::uint8_t classes[256];
     std::uint8_t attributes[256]; // bits 0-2 trail count, bit 3 one display column; by first byte
     std::uint8_t trailValid[256];
-    std::uint32_t count; // as the data file states it
+    std::uint32_t count;       // as the data file states it
     std::uint8_t reserved[16]; // facts about the page while it is in use; zeros in records
-    std::uint32_t flags; // file::CodePageFlag
+    std::uint32_t flags;       // file::CodePageFlag
 
     [[nodiscard]] unsigned trailCount(std::uint8_t first) const {
         return attributes[first] & file::kTrailCountMask;

@@ -27,11 +27,14 @@ unsigned utf8Columns(unsigned b0, unsigned b1, unsigned b2) {
     return wide ? 2 : 1;
 }
 
-unsigned columnsOf(const CharTable &table, const std::uint8_t *at, unsigned available) {
+// Looks behind the character's first byte in UTF-8 alone, and never past the NUL.
+unsigned columnsOf(const CharTable &table, const std::uint8_t *at) {
     if (table.trailCount(*at) == 0)
         return 1;
-    if (table.has(file::kUtf8))
+    if (table.has(file::kUtf8)) {
+        const unsigned available = terminatedText(at).available(3);
         return utf8Columns(at[0], available > 1 ? at[1] : 0, available > 2 ? at[2] : 0);
+    }
     return (table.attributes[*at] & file::kOneColumn) != 0 ? 1 : 2;
 }
 
@@ -137,7 +140,7 @@ bool countColumns(const nlsLocale &locale, const std::uint8_t *text, std::uint32
             return passed.bytes;
         },
         [&](const std::uint8_t *at, std::size_t) -> std::size_t {
-            sum += columnsOf(table, at, terminatedText(at).available(3));
+            sum += columnsOf(table, at);
             return table.trailCount(*at) + 1;
         });
     if (end < limit)

@@ -53,7 +53,7 @@ private:
     Seeker<Page> seeker_;
 };
 
-// The search as it is stated, for any page: places are tried as long as enough characters are left.
+// The search for any page, one place after the other: places are tried as long as enough characters are left.
 template <typename Page>
 class CountedSearch {
 public:

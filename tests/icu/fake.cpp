@@ -294,6 +294,8 @@ std::int32_t fake_init(const char *collation, void **user) {
     const std::scoped_lock lock(inUse);
     *user = reinterpret_cast<void *>(sortExit.nextUser++);
     sortExit.calls.push_back({"init", collation, "", 0, 0, reinterpret_cast<std::uintptr_t>(*user), {}, {}});
+    if (sortExit.init)
+        sortExit.init();
     return sortExit.ready;
 }
 

@@ -58,6 +58,7 @@ struct Exit {
     std::int32_t ready = 0;
     std::int32_t result = 0;
     std::uintptr_t nextUser = 0x1001; // each init hands out the next one
+    std::function<void()> init;       // what init does besides
     std::function<void(unsigned char *key, const char *source, std::uint32_t size)> copy;
     std::vector<ExitCall> calls;
 

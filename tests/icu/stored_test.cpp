@@ -198,6 +198,28 @@ TEST(StoredExit, ARebuiltLocaleLoadsTheExitWithItsName) {
     });
 }
 
+TEST(StoredExit, TheHandleIsBusyWhileTheExitIsLoaded) {
+    withBoth([](world::Open &open) {
+        for (const std::int32_t level : {stored::kOld, stored::kNew}) {
+            stored::Record record(open.locale("P", "Site"), level);
+            world::Open other;
+            std::vector<unsigned char> more(80000);
+            nlsStatus adding = 0;
+            nlsStatus closing = 0;
+            fake::sortExit.init = [&] {
+                adding = nlsAddBuffer(other.handle, more.data(), static_cast<std::int32_t>(more.size()));
+                closing = nlsClose(other.handle);
+            };
+            EXPECT_TRUE(seen("nlsDbCollationToLocale", 0, record.rebuild(other.handle)));
+            EXPECT_EQ(adding, NLS_E_BUSY);
+            EXPECT_EQ(closing, NLS_E_BUSY);
+            fake::sortExit.init = nullptr;
+            EXPECT_EQ(nlsAddBuffer(other.handle, more.data(), static_cast<std::int32_t>(more.size())), NLS_OK)
+                << "not busy any more";
+        }
+    });
+}
+
 TEST(StoredExit, AnExitThatIsNotReadyGives10) {
     withBoth([](world::Open &open) {
         stored::Record record(open.locale("P", "Site"), stored::kNew);

@@ -265,6 +265,19 @@ TEST(CountColumns, MoreBytesThanTheTextHasGive16) {
     EXPECT_EQ(count(nlsCountColumns, world["UTF-8 BASIC"].locale, "abc"_b, 3).count, 3U);
 }
 
+TEST(CountColumns, SingleBytesUpToTheLimitNeedNoNulBehindThem) {
+    World world;
+    for (const kit::Kit &one : world.kits)
+        for (const Bytes &source : {"A"_b, "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"_b}) {
+            Counted out{0, 77};
+            const char *const bytes = text().bytes(source); // a forbidden page stands behind
+            out.status =
+                nlsCountColumns(one.locale, bytes, static_cast<std::int32_t>(source.size()), &out.count);
+            EXPECT_EQ(out.status, NLS_OK) << one.name;
+            EXPECT_EQ(out.count, source.size()) << one.name;
+        }
+}
+
 TEST(Substr, TakesTheCharactersWhollyInsideTheRange) {
     World world;
     nlsLocale *const sjis = world["SHIFT-JIS weights"].locale;

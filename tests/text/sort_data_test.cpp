@@ -371,10 +371,29 @@ TEST(NextWord, ABufferThatTheWordFillsGives2AndThePointerStays) {
             const Word word = nextWord(rebuilt->locale, " abc d"_b, size);
             EXPECT_TRUE(gives("nlsGetNextWord", 2, word.status)) << size;
             EXPECT_EQ(word.moved, 0U);
+            // What fits of a word as it stands, nothing of one that is collected for its key.
+            const Bytes begin = size == 3 ? "ab"_b + Bytes{0} : size == 2 ? "a"_b + Bytes{0} : Bytes{0};
+            const auto room = static_cast<std::size_t>(std::max(size, 0));
+            EXPECT_EQ(word.buffer,
+                      format < 8 ? Bytes(begin.begin(), begin.begin() + std::min<long>(size, 3) * (size > 0))
+                                 : Bytes(room, 0xEE));
         }
         const Word word = nextWord(rebuilt->locale, " abc d"_b, 4);
         EXPECT_TRUE(gives("nlsGetNextWord", 0, word.status));
         EXPECT_EQ(word.length, 3U);
+    }
+}
+
+TEST(NextWord, TheTwoBitsOfTheModeThatOnlyIcuReadsSelectNoOtherTable) {
+    World world;
+    for (const unsigned char format : Bytes{8, 9, 128}) {
+        const auto rebuilt = rebuild(world, world["1252 german"], format, classes({{0xDF, 2}}));
+        for (const std::int16_t mode : kit::kModes)
+            for (const int bits : {0x2000, 0x4000, 0x6000})
+                EXPECT_EQ(textOf(nextWord(rebuilt->locale, {'a', 0xDF, ' '}, 16,
+                                          static_cast<std::int16_t>(mode | bits))),
+                          textOf(nextWord(rebuilt->locale, {'a', 0xDF, ' '}, 16, mode)))
+                    << bits;
     }
 }
 

@@ -299,6 +299,28 @@ TEST(RebuiltLocale, ABlockWithoutRoomForTheCasePagesGives1) {
     EXPECT_TRUE(gives("nlsDbCollationToLocale", 0, Rebuilt(world.library.handle, stored).status));
 }
 
+TEST(RebuiltLocale, ABlockWithoutRoomForTheSortDataGives1) {
+    World world;
+    const Stored stored = store(world["UTF-8 BASIC"].locale);
+    const std::vector<std::uint16_t> data = kit::sortData(7, {});
+    const std::uint32_t enough = kit::sizeNeeded(stored, "copy", &data);
+    const auto status = [&](const std::vector<std::uint16_t> *sortData, std::uint32_t size) {
+        return Rebuilt(world.library.handle, stored, "copy", sortData, nullptr, size).status;
+    };
+    // The estimate is too small for UTF-8, so blocks that pass it can still lack room.
+    int onlySortDataLacked = 0;
+    bool fits = false;
+    for (std::uint32_t size = enough - 8000; size <= enough; ++size) {
+        const nlsStatus now = status(&data, size);
+        ASSERT_TRUE(now == NLS_E_NOMEM || now == NLS_OK) << size << " gives " << now;
+        ASSERT_TRUE(!fits || now == NLS_OK) << size;
+        fits = now == NLS_OK;
+        onlySortDataLacked += now == NLS_E_NOMEM && status(nullptr, size) == NLS_OK;
+    }
+    EXPECT_TRUE(fits);
+    EXPECT_EQ(onlySortDataLacked, 264);
+}
+
 TEST(RebuiltLocale, TheLocaleLiesInItsBlockWithItsNameAtTheEnd) {
     World world;
     const Stored stored = store(world["1252 BASIC"].locale);

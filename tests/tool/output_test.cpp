@@ -187,6 +187,45 @@ TEST(InputFile, ThatIsAFolderHasExitCode2) {
     EXPECT_EQ(result.err, "velnls: /: Is a directory\n");
 }
 
+TEST(InputFile, InBracketsIsAFileAndNoListOfFiles) {
+    const Folder folder;
+    folder.write("[a,b]", "both\n");
+    folder.write("a", "a\n");
+    folder.write("b", "b\n");
+    for (const char *command : {"convert", "sort", "words", "like %", "case lower"}) {
+        const Result result = runShell("cd '" + folder.path("") + "' && \"$VELNLS\" " + command + " '[a,b]'");
+        EXPECT_EQ(result.err, "") << command;
+        EXPECT_EQ(result.out, "both\n") << command;
+    }
+}
+
+TEST(StandardOutput, ThatIsTheInputFileIsRefusedByEveryCommandThatWritesAsItReads) {
+    for (const char *command : {"case upper", "replace a b", "like %", "key", "words", "count"}) {
+        const Folder folder;
+        const std::string file = folder.write("file", "a\n");
+        const Result result =
+            runShell("\"$VELNLS\" " + std::string(command) + " '" + file + "' >> '" + file + "'");
+        EXPECT_EQ(result.exitCode, 2) << command;
+        EXPECT_EQ(result.err, "velnls: " + file + ": is the output file too\n") << command;
+        EXPECT_EQ(readFile(file), "a\n") << command;
+    }
+}
+
+TEST(StandardOutput, GetsWhatWasFinishedBeforeAFailure) {
+    const Folder folder;
+    const std::string good = folder.write("good", "a\nb\n");
+    for (const char *command : {"like %", "case lower", "words", "replace x y"}) {
+        const Result result = runShell("\"$VELNLS\" " + std::string(command) + " '" + good + "' /");
+        EXPECT_EQ(result.exitCode, 2) << command;
+        EXPECT_EQ(result.out, "a\nb\n") << command;
+        EXPECT_EQ(result.err, "velnls: /: Is a directory\n") << command;
+    }
+}
+
+TEST(Help, ThatCannotBeWrittenHasExitCode2) {
+    EXPECT_EQ(runShell("\"$VELNLS\" --help > /dev/full").exitCode, 2);
+}
+
 // Constant memory: the address space allowed is far smaller than the input.
 TEST(Memory, DoesNotGrowWithTheInput) {
     NEEDS_POSIX("limits of address space");

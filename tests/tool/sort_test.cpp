@@ -230,5 +230,17 @@ TEST(SortFields, AreCutAtRunsOfBlanks) {
     EXPECT_EQ(cutter.cut("a  ", {2, 0}), "");
 }
 
+TEST(Sort, MoreMemoryThanThereIsIsRefused) {
+    const Result result = runTool({"sort", "--memory", "900000G"}, "a\n");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err, "velnls: there is no memory of 966367641600000 bytes to sort in\n");
+}
+
+TEST(Sort, AnIcuCollationIsNoneOfAPageThatIsNotUtf8) {
+    const Result result = runTool({"sort", "-p", "1252", "--collation", "ICU-de"}, "a\n");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.err.rfind("velnls: 1252 has no collation 'ICU-de'; it has ", 0), 0U) << result.err;
+}
+
 } // namespace
 } // namespace velnls::tool

@@ -86,6 +86,7 @@ int runCase(const CaseOptions &options) {
     Gathered out(output);
     for (const std::string &file : files) {
         CheckedInput input(file, page);
+        output.refuse(input.input());
         for (auto stretch = input.next(); !stretch.empty(); stretch = input.next()) {
             mapper.map(stretch, out);
         }

@@ -19,6 +19,9 @@ class CheckedInput {
 public:
     CheckedInput(const std::string &path, const Page &page, std::size_t blockSize = 64 * 1024);
 
+    const Input &input() const {
+        return input_;
+    }
     // The next stretch; empty at the end of the file, and at a malformed place.
     std::span<const unsigned char> next();
     // "FILE:LINE:COLUMN: byte 0xE2: what is wrong", once the file has turned out to be malformed.

@@ -94,9 +94,7 @@ int runConvert(const ConvertOptions &options) {
     bool going = true;
     for (const std::string &file : files) {
         Input input(file);
-        if (input.isFileOf(output.descriptor())) {
-            throw std::runtime_error(input.name() + ": is the output file too");
-        }
+        output.refuse(input);
         stream.begin(input.name());
         std::size_t count = 0;
         while (going && (count = input.read(buffer.get(), kInputBuffer)) != 0) {

@@ -84,6 +84,7 @@ int runCount(const CountOptions &options) {
     int exitCode = kExitDone;
     for (const std::string &file : files) {
         CheckedInput input(file, page);
+        output.refuse(input.input());
         Counts counts;
         for (auto stretch = input.next(); !stretch.empty(); stretch = input.next()) {
             counts += countStretch(page, stretch, copy);

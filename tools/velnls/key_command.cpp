@@ -1,6 +1,8 @@
 // velnls key: the sort keys of lines.
 #include "commands.hpp"
 
+#include <stdexcept>
+
 #include "key_maker.hpp"
 #include "line_reader.hpp"
 #include "output.hpp"
@@ -22,9 +24,14 @@ int runKey(const KeyOptions &options) {
     std::string key;
     for (const std::string &file : files) {
         LineReader reader(file, page.page().lineFeed);
+        output.refuse(reader.input());
         while (const auto line = reader.next()) {
             key.clear();
-            keys.append(*line, key);
+            try {
+                keys.append(*line, key);
+            } catch (const StatusError &error) {
+                throw std::runtime_error(reader.place() + ": " + error.what());
+            }
             if (options.raw) {
                 KeyMaker::end(key);
                 out.write(key);

@@ -37,6 +37,10 @@ void KeyMaker::append(std::string_view text, std::string &key) {
 }
 
 void KeyMaker::appendPart(std::string_view part, std::string &key) {
+    if (page_.isIcu()) { // keys of pieces do not make the key of the whole
+        appendKey(part, page_.mode(), key);
+        return;
+    }
     while (part.size() > pieceSize_) {
         const std::size_t size = cut(part);
         appendPiece(part.substr(0, size), key);

@@ -58,6 +58,7 @@ int runLike(const LikeOptions &options) {
     bool refused = false;
     for (const std::string &file : files) {
         LineReader reader(file, page.page().lineFeed);
+        output.refuse(reader.input());
         while (const auto line = reader.next()) {
             if (line->find('\0') != std::string_view::npos) {
                 std::fprintf(stderr, "%s:%" PRIu64 ": the line holds a NUL byte, not matched\n",

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "input.hpp"
+#include "platform.hpp"
 
 namespace velnls::tool {
 
@@ -27,6 +28,13 @@ public:
     // Of the last line, from 1.
     std::uint64_t number() const {
         return number_;
+    }
+    // "FILE:LINE" of the last line.
+    std::string place() const {
+        return name() + ":" + std::to_string(number_);
+    }
+    const Input &input() const {
+        return input_;
     }
     const std::string &name() const {
         return input_.name();
@@ -49,10 +57,21 @@ private:
 template <typename Output>
 class Gathered {
 public:
-    explicit Gathered(Output &output) : output_(output) {}
+    explicit Gathered(Output &output)
+        : output_(output), writeSize_(platform::isTerminal(output.descriptor()) ? 1 : kWriteSize) {}
+    // What was finished before something failed is still written.
+    ~Gathered() {
+        try {
+            flush();
+        } catch (...) { // the first failure is the one to tell
+        }
+    }
+    Gathered(const Gathered &) = delete;
+    Gathered &operator=(const Gathered &) = delete;
+
     void write(std::string_view text) {
         text_ += text;
-        if (text_.size() >= kWriteSize) {
+        if (text_.size() >= writeSize_) {
             flush();
         }
     }
@@ -60,13 +79,17 @@ public:
         write(std::string_view(&byte, 1));
     }
     void flush() {
-        output_.write(text_.data(), text_.size());
-        text_.clear();
+        std::string text;
+        text.swap(text_);
+        output_.write(text.data(), text.size());
+        text.clear();
+        text_.swap(text); // keeps the memory
     }
 
 private:
     static constexpr std::size_t kWriteSize = 256 * 1024;
     Output &output_;
+    std::size_t writeSize_; // a terminal gets everything at once
     std::string text_;
 };
 

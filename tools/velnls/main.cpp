@@ -1,9 +1,12 @@
 // The command line: options, help, and the last place where failures are caught.
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <functional>
+#include <iostream>
+#include <iterator>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -55,6 +58,26 @@ constexpr char kMainFooter[] = "Examples:\n"
                                "  velnls sort -p 1252 -i names.txt\n"
                                "  velnls convert --help\n";
 
+// CLI11 takes a word in brackets for a list, "[a,b]" for the two files a and b. A byte behind such words
+// hides them from it until they have been sorted into options.
+constexpr char kBehindBrackets = '\1';
+
+bool isBracketed(const std::string &word) {
+    const std::size_t last = word.find_last_not_of(kBehindBrackets);
+    return word.front() == '[' && word[last] == ']';
+}
+
+std::string hidden(const std::string &word) {
+    return !word.empty() && isBracketed(word) ? word + kBehindBrackets : word;
+}
+
+std::string revealed(std::string word) {
+    if (!word.empty() && isBracketed(word)) {
+        word.pop_back();
+    }
+    return word;
+}
+
 int run(const std::vector<std::string> &words) {
     CLI::App app("Converts, orders, matches and changes text in code pages.", "velnls");
     app.allow_windows_style_options(false); // the same letters everywhere, and a path may begin with a slash
@@ -104,15 +127,23 @@ int run(const std::vector<std::string> &words) {
     std::function<int()> runText;
     addTextCommands(app, runText);
 
+    for (CLI::App *command : app.get_subcommands({})) {
+        for (CLI::Option *option : command->get_options()) {
+            option->transform(revealed);
+        }
+    }
     try {
+        std::vector<std::string> hiddenWords;
+        std::transform(words.begin(), words.end(), std::back_inserter(hiddenWords), hidden);
         std::vector<const char *> arguments;
-        for (const std::string &word : words) {
+        for (const std::string &word : hiddenWords) {
             arguments.push_back(word.c_str());
         }
         app.parse(static_cast<int>(arguments.size()), arguments.data());
     } catch (const CLI::ParseError &error) {
-        // Asking for help or the version is no error.
-        return app.exit(error) == 0 ? kExitDone : kExitFailed;
+        // Asking for help or the version is no error, unless it cannot be told.
+        const bool asked = app.exit(error) == 0;
+        return asked && std::cout.flush() ? kExitDone : kExitFailed;
     }
     if (runText) {
         return runText();

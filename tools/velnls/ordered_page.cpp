@@ -48,7 +48,8 @@ Page describeWalkedPage(Library &library, const std::string &name) {
 
 OrderedPage::OrderedPage(const OrderOptions &options)
     : data_(options.data), library_(data_), page_(describeWalkedPage(library_, options.page)),
-      mode_(options.ignoreCase ? 0 : 1), isIcu_(options.collation.rfind(kIcuPrefix, 0) == 0) {
+      mode_(options.ignoreCase ? 0 : 1),
+      isIcu_(page_.form == Form::Utf8 && options.collation.rfind(kIcuPrefix, 0) == 0) {
     const std::string collation = isIcu_ ? options.collation
                                          : resolveName(Library::list(page_.locale, NameList::Collations),
                                                        options.collation, page_.name, "collation");

@@ -3,6 +3,7 @@
 #include "platform.hpp"
 
 #include <cerrno>
+#include <stdexcept>
 #include <system_error>
 
 namespace velnls::tool {
@@ -67,6 +68,12 @@ void Output::write(const char *text, std::size_t size) {
         }
         text += count;
         size -= static_cast<std::size_t>(count);
+    }
+}
+
+void Output::refuse(const Input &input) const {
+    if (input.isFileOf(descriptor_)) {
+        throw std::runtime_error(input.name() + ": is the output file too");
     }
 }
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 
+#include "input.hpp"
+
 namespace velnls::tool {
 
 // The reader of our output has gone; nothing is left to say.
@@ -28,6 +30,9 @@ public:
     int descriptor() const {
         return descriptor_;
     }
+    // Refuses an input that is the file which is written to: it would grow for ever. Throws
+    // std::runtime_error.
+    void refuse(const Input &input) const;
 
 private:
     std::string name_;      // for messages

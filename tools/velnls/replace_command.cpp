@@ -49,6 +49,7 @@ int runReplace(const ReplaceOptions &options) {
     std::string result;
     for (const std::string &file : files) {
         LineReader reader(file, page.page().lineFeed);
+        output.refuse(reader.input());
         while (const auto line = reader.next()) {
             const std::string fault = lineFault(page.page(), *line, reader);
             if (!fault.empty()) {

@@ -73,12 +73,16 @@ int runSort(const SortOptions &options) {
         LineReader reader(file, page.page().lineFeed);
         while (const auto line = reader.next()) {
             key.clear();
-            if (ranges.empty()) {
-                keys.append(*line, key);
-            }
-            for (const FieldRange &range : ranges) {
-                keys.append(cutter.cut(*line, range), key);
-                KeyMaker::end(key);
+            try {
+                if (ranges.empty()) {
+                    keys.append(*line, key);
+                }
+                for (const FieldRange &range : ranges) {
+                    keys.append(cutter.cut(*line, range), key);
+                    KeyMaker::end(key);
+                }
+            } catch (const StatusError &error) {
+                throw std::runtime_error(reader.place() + ": " + error.what());
             }
             sorter.add(key, *line);
         }

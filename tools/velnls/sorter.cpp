@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
+#include <stdexcept>
 #include <utility>
 
 namespace velnls::tool {
@@ -29,9 +31,12 @@ std::uint64_t prefixOf(std::string_view key) {
 
 } // namespace
 
-Sorter::Sorter(const SorterOptions &options)
+Sorter::Sorter(const SorterOptions &options) try
     : options_(options), words_(options.memory / kWord),
-      memory_(std::make_unique_for_overwrite<std::uint64_t[]>(words_)) {}
+      memory_(std::make_unique_for_overwrite<std::uint64_t[]>(words_)) {
+} catch (const std::bad_alloc &) {
+    throw std::runtime_error("there is no memory of " + std::to_string(options.memory) + " bytes to sort in");
+}
 
 Sorter::Entry *Sorter::entries() const {
     return reinterpret_cast<Entry *>(memory_.get() + words_) - count_;

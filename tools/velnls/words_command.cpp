@@ -19,6 +19,7 @@ int runWords(const WordsOptions &options) {
     const char lineFeed = static_cast<char>(page.lineFeed);
     for (const std::string &file : files) {
         LineReader reader(file, page.lineFeed);
+        output.refuse(reader.input());
         while (const auto line = reader.next()) {
             walker.start(*line);
             while (const auto word = walker.next()) {

@@ -143,7 +143,7 @@ private:
     Signs signs_;
 };
 
-// Steps 3 of both searches for one candidate.
+// Whether the pattern stands at one candidate.
 nlsStatus matchesAt(const Page &page, const std::string &pattern, const std::string &text, std::size_t at,
                     std::uint16_t mode, std::size_t &end, bool &equal) {
     equal = true;

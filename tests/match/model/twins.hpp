@@ -1,4 +1,4 @@
-// Plain twins of the calls that match, written down step by step as the calls are described, without a
+// Plain twins of the calls that match, one step after the other as the manual of each call has it, without a
 // thought for speed. They walk characters by themselves; whether two are equal they ask nlsCompareN, and
 // counts nlsCountChars.
 #pragma once

@@ -41,7 +41,7 @@ struct Locale {
     [[nodiscard]] unsigned trails(unsigned char first) const {
         return characters.attributes[first] & 7U;
     }
-    // Way C of case mapping.
+    // Whether case is mapped by pages of Unicode characters.
     [[nodiscard]] bool pagedCase() const {
         return casePages.has_value() && has(fixture::kUtf8);
     }
