@@ -1038,6 +1038,8 @@ NLS_API nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *sour
  *     compare puts every single byte below every character of two;
  *   - BASIC in a page that collates through Shift-JIS: the key is made of the Shift-JIS text, a compare looks
  *     at the text as it stands.
+ *
+ * Behind the NUL, what 'key' holds up to 'keySize' bytes is not specified.
  */
 NLS_API nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t mode, uint16_t trim,
                              unsigned char *key, uint16_t *keyLength);
