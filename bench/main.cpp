@@ -8,6 +8,7 @@
 // byte of texts from 1 kB to 64 MB instead, prints it as a table and draws it to an SVG file.
 #include "contestants.hpp"
 #include "growth.hpp"
+#include "icu_rows.hpp"
 #include "measure.hpp"
 #include "order_rows.hpp"
 #include "parallel_rows.hpp"
@@ -79,6 +80,8 @@ int main(int argc, char **argv) {
 
     bench::Jobs jobs = bench::conversionJobs();
     for (const bench::Job &job : bench::orderJobs())
+        jobs.push_back(job);
+    for (const bench::Job &job : bench::icuJobs())
         jobs.push_back(job);
     for (const bench::Job &job : bench::stringJobs())
         jobs.push_back(job);
