@@ -21,7 +21,7 @@ Result runShell(const std::string &command);
 
 // Whether the program is a Windows build that runs here under Wine. Leave out what Windows does not have:
 // access rights in three digits, devices and pipes with a place among the files, signals, arguments of any
-// bytes.
+// bytes, terminals of this system.
 bool toolIsForWindows();
 #define NEEDS_POSIX(what)                                                                                    \
     if (toolIsForWindows())                                                                                  \

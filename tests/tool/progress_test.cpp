@@ -85,6 +85,7 @@ Result runInTerminal(const std::string &command) {
 constexpr char kSlowInput[] = "(printf a; sleep 2.2; printf b) | ";
 
 TEST(ProgressOnTheTerminal, AppearsAndIsWipedAwayWhenInputTakesLong) {
+    NEEDS_POSIX("terminals of this system");
     if (runShell("command -v script").exitCode != 0) {
         GTEST_SKIP() << "no program 'script' to make a terminal";
     }
@@ -94,6 +95,7 @@ TEST(ProgressOnTheTerminal, AppearsAndIsWipedAwayWhenInputTakesLong) {
 }
 
 TEST(ProgressOnTheTerminal, StaysAwayWhenTheTextItselfGoesThere) {
+    NEEDS_POSIX("terminals of this system");
     if (runShell("command -v script").exitCode != 0) {
         GTEST_SKIP() << "no program 'script' to make a terminal";
     }
