@@ -74,7 +74,8 @@ bool foldsApart(const UnicodeCaseTable &table) {
         if (table.pages[page] == kZeroCasePage)
             continue;
         for (std::uint32_t code = page << 8 | 0x80; code <= (page << 8 | 0xBF); ++code)
-            if (mapUtf8Case<Case::Lower>(table, code) < 0x80)
+            if (const std::uint32_t mapped = mapUtf8Case<Case::Lower>(table, code);
+                mapped < 0x80 && (code != kDottedI || mapped != 'i'))
                 return false;
     }
     return true;

@@ -15,9 +15,10 @@ inline constexpr std::uint32_t kAsciiCase = 0x0008'0000;
 // ISO 8859-1 and Unicode's Cyrillic block pair them, and leaves U+2000 to U+203F alone.
 inline constexpr std::uint32_t kCommonCase = 0x0010'0000;
 
-// With kAsciiCase: in lower case, no character but an ASCII letter becomes an ASCII character. One that the
-// text's end cuts may.
+// With kAsciiCase: in lower case, no character but an ASCII letter becomes an ASCII character; in UTF-8,
+// capital I with dot may become "i". Characters that the text's end cuts may become anything.
 inline constexpr std::uint32_t kAsciiFolds = 0x0020'0000;
+inline constexpr std::uint32_t kDottedI = 0xC4B0;
 
 std::uint32_t proveUtf8Case(const UnicodeCaseTable &table);
 std::uint32_t proveByteCase(const CharTable &chars, const ByteCaseTable &table);

@@ -21,6 +21,8 @@ inline const nlsHandle *ownerOf(const ObjectHeader &object) {
 
 // 0, 13 (null, or of a closed handle) or 24.
 inline nlsStatus checkLocale(const nlsLocale *locale) {
+    if (locale != nullptr && locale->header.type == kLocaleObject && isLive(locale->handle))
+        return NLS_OK;
     if (locale == nullptr || !isLive(ownerOf(locale->header)))
         return NLS_E_HANDLE;
     return locale->header.type == kLocaleObject ? NLS_OK : NLS_E_NOTLOCALE;

@@ -14,11 +14,26 @@ inline constexpr unsigned kCheckedTrails = 3;
 // The character after the one at `p`, which is not NUL. A NUL among the first three trail bytes ends the walk
 // there.
 inline const std::uint8_t *nextCharacter(const CharTable &table, const std::uint8_t *p) {
+    // One jump for each length, so that a walk need not wait for one character's length to look at the next.
     const unsigned trails = table.trailCount(*p);
-    if (trails > kCheckedTrails)
+    switch (trails) {
+    case 0:
+        return p + 1;
+    case 1:
+        return p[1] != 0 ? p + 2 : p + 1;
+    case 2:
+        if (p[1] != 0 && p[2] != 0)
+            return p + 3;
+        break;
+    case kCheckedTrails:
+        if (p[1] != 0 && p[2] != 0 && p[3] != 0)
+            return p + 4;
+        break;
+    default:
         return p + trails + 1;
+    }
     ++p;
-    for (unsigned i = 0; i < trails && *p != 0; ++i)
+    while (*p != 0)
         ++p;
     return p;
 }

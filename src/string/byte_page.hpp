@@ -5,8 +5,6 @@
 #include "string/place_filter.hpp"
 #include "velnls.h"
 
-#include <cstring>
-
 namespace velnls {
 
 // Single bytes under weights: those of one weight are equal. A weight of 0 counts as that of "s"; the end of
@@ -15,7 +13,7 @@ class BytePage {
 public:
     static constexpr bool kQuick = true;
     static constexpr bool kFirstByteDecides = false;
-    static constexpr std::ptrdiff_t kFilterWorth = 20; // bytes of text that repay the making of a filter
+    static constexpr std::ptrdiff_t kFilterWorth = 8; // bytes of text that repay the making of a filter
     static constexpr std::ptrdiff_t kSearchWorth =
         160; // the same where the bytes of a weight must be looked for
     static constexpr std::ptrdiff_t kUnfiltered = 0; // bytes at the text's end that no filter may judge
@@ -83,19 +81,9 @@ private:
         }
         return searches && searchForms(weightOf(byte), forms);
     }
-    [[gnu::noinline]] bool searchForms(std::uint8_t weight, ByteForms &forms) const {
-        return addBytesOf(weight, forms) && (weight != zeroWeight_ || addBytesOf(0, forms));
-    }
-    bool addBytesOf(std::uint8_t weight, ByteForms &forms) const {
-        const std::uint8_t *const end = weights_ + 256;
-        for (const std::uint8_t *at = weights_ + 1;; ++at) { // no text holds a NUL
-            at = static_cast<const std::uint8_t *>(
-                std::memchr(at, weight, static_cast<std::size_t>(end - at)));
-            if (at == nullptr)
-                return true;
-            if (!forms.add(static_cast<std::uint8_t>(at - weights_)))
-                return false;
-        }
+    bool searchForms(std::uint8_t weight, ByteForms &forms) const {
+        return addIndexesOf(weights_, weight, forms) &&
+               (weight != zeroWeight_ || addIndexesOf(weights_, 0, forms));
     }
     static bool isBlankOrEnd(Character character) {
         return character.length == 0 || *character.at == ' ';

@@ -114,4 +114,10 @@ private:
     const std::uint8_t *known_; // the last boundary found
 };
 
+// Whether the end of a text falls inside a character. One begins at `start`.
+template <typename Characters>
+bool cutsCharacter(const Characters &characters, const std::uint8_t *start, const std::uint8_t *end) {
+    return Characters::kReach != 0 && Boundaries(characters, start).from(end) != end;
+}
+
 } // namespace velnls

@@ -12,8 +12,8 @@ namespace velnls {
 
 struct ExactPageTraits {
     static constexpr bool kQuick = true;
-    static constexpr bool kFirstByteDecides = true;    // equal characters begin alike
-    static constexpr std::ptrdiff_t kFilterWorth = 20; // bytes of text that repay the making of a filter
+    static constexpr bool kFirstByteDecides = true;   // equal characters begin alike
+    static constexpr std::ptrdiff_t kFilterWorth = 8; // bytes of text that repay the making of a filter
     static constexpr std::ptrdiff_t kUnfiltered = 0;
 };
 

@@ -14,7 +14,7 @@ namespace velnls {
 struct FoldedPageTraits {
     static constexpr bool kQuick = true;
     static constexpr bool kFirstByteDecides = false;
-    static constexpr std::ptrdiff_t kFilterWorth = 20; // bytes of text that repay the making of a filter
+    static constexpr std::ptrdiff_t kFilterWorth = 8; // bytes of text that repay the making of a filter
     static constexpr std::ptrdiff_t kSearchWorth =
         512;                                         // the same where the forms of a character are looked for
     static constexpr std::ptrdiff_t kUnfiltered = 3; // a character that is cut there may fold to any other
@@ -107,6 +107,8 @@ public:
                     PlaceFilter &filter) const {
         if (paged_ != nullptr && !Characters::kAsciiIsSingle)
             return false;
+        if (makeSimpleFilter(run, runEnd, filter))
+            return true;
         const bool searches = length >= kSearchWorth;
         FoldForms forms;
         if (!formsOf(characters_.characterAt(run), searches, forms) || forms.first.count == 0)
@@ -160,6 +162,40 @@ private:
         }
     };
 
+    // Whether the character is ASCII and equals its other case alone.
+    [[nodiscard]] bool isSimpleAscii(std::uint8_t byte) const {
+        return asciiKnown_ && byte < 0x80 && (paged_ == nullptr || (byte | 0x20) != 'i');
+    }
+    // The length of a character that equals itself alone; 0 for any other, as far as that is plain.
+    [[nodiscard]] unsigned lengthOfOwn(const std::uint8_t *at, const std::uint8_t *end) const {
+        const unsigned length = characters_.announced(*at);
+        const bool own = paged_ == nullptr ? length == 2 : length == 3 && *at >= 0xE3 && *at < 0xEF;
+        return own && end - at >= static_cast<std::ptrdiff_t>(length) ? length : 0;
+    }
+    // By two characters of one kind, as most text begins; false where the run is none such.
+    bool makeSimpleFilter(const std::uint8_t *run, const std::uint8_t *runEnd, PlaceFilter &filter) const {
+        if (isSimpleAscii(*run)) {
+            filter.near.addAscii(*run);
+            std::size_t distance = 0;
+            while (distance < kMostLooked && run + distance + 1 != runEnd && isSimpleAscii(run[distance + 1]))
+                ++distance;
+            filter.farDistance = distance;
+            if (distance != 0)
+                filter.far.addAscii(run[distance]);
+            return true;
+        }
+        const unsigned first = run == runEnd ? 0 : lengthOfOwn(run, runEnd);
+        if (first == 0)
+            return false;
+        filter.near.addOnly(run[first - 1]);
+        filter.nearDistance = filter.farDistance = first - 1;
+        const std::uint8_t *const next = run + first;
+        if (const unsigned second = next == runEnd ? 0 : lengthOfOwn(next, runEnd); second != 0) {
+            filter.farDistance = first + second - 1;
+            filter.far.addOnly(next[second - 1]);
+        }
+        return true;
+    }
     // Whether a byte is a character of its own that folds by the first page.
     [[nodiscard]] bool foldsAsAscii(std::uint8_t byte) const {
         return byte < 0x80 && (asciiKnown_ || asciiFolds_ != nullptr);
@@ -210,6 +246,11 @@ private:
         const unsigned length = character.length;
         if (asciiKnown_ && *character.at < 0x80) {
             forms.addAscii(*character.at);
+            if (paged_ != nullptr && (*character.at | 0x20) == 'i') {
+                // The page's index leaves out the high bit of the last byte.
+                forms.add(kDottedI >> 8, kDottedI & 0xFF, 2);
+                forms.add(kDottedI >> 8, kDottedI & 0x7F, 2);
+            }
             return true;
         }
         if (length > 4 || length != characters_.announced(*character.at))

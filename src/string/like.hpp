@@ -100,22 +100,34 @@ private:
     // The same where the pattern begins with literals: only places where they stand are tried.
     nlsStatus matchRunAnywhere(const std::uint8_t *pattern, const std::uint8_t *run,
                                const std::uint8_t *runEnd, const std::uint8_t *string) {
+        // Most often they stand at the very first place, or a filter for the places is worth its making.
+        nlsStatus result = matchRunAt(pattern, run, runEnd, string);
+        if (result == kLikeYes || result == kAtAnyString)
+            return result;
+        string = behindAbsorbed(string);
+        if (string >= end_)
+            return kLikeNo;
         Seeker<Page> seeker(page_, run, runEnd, string, end_);
         while (string != end_ && (string = seeker.next(string)) != end_) {
-            const std::uint8_t *behind = string;
-            const Standing standing = page_.stands(run, runEnd, behind, end_);
-            nlsStatus result = kLikeNo;
-            absorbed_ = 0;
-            // Where the string ends within the literals or with them, blanks count as its end.
-            if (standing == Standing::Yes && *runEnd != 0 && behind != end_)
-                result = matchTo(runEnd, behind);
-            else if (standing != Standing::No)
-                result = matchTo(pattern, string);
+            result = matchRunAt(pattern, run, runEnd, string);
             if (result == kLikeYes || result == kAtAnyString)
                 return result;
             string = behindAbsorbed(string);
         }
         return kLikeNo;
+    }
+
+    // Tries the pattern, which begins with the literals, at one place of the string.
+    nlsStatus matchRunAt(const std::uint8_t *pattern, const std::uint8_t *run, const std::uint8_t *runEnd,
+                         const std::uint8_t *string) {
+        const std::uint8_t *behind = string;
+        const Standing standing = page_.stands(run, runEnd, behind, end_);
+        absorbed_ = 0;
+        if (standing == Standing::No)
+            return kLikeNo;
+        // Where the string ends within the literals or with them, blanks count as its end.
+        return standing == Standing::Yes && *runEnd != 0 && behind != end_ ? matchTo(runEnd, behind)
+                                                                           : matchTo(pattern, string);
     }
 
     // The next start worth a try, behind a failed one.

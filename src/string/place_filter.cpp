@@ -1,10 +1,8 @@
 #include "string/place_filter.hpp"
 
-#include <cstring>
+#include "locale/masks_sse2.hpp"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+#include <cstring>
 
 namespace velnls {
 
@@ -17,7 +15,7 @@ bool isAmong(const ByteForms &forms, std::uint8_t byte) {
     return false;
 }
 
-#if defined(__SSE2__)
+#if defined(VELNLS_TEXT_VECTORS)
 
 constexpr std::size_t kBlock = 16;
 
@@ -92,6 +90,20 @@ const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *text, 
     return nullptr;
 }
 
+template <typename Masks>
+std::uint64_t placesIn(const PlaceFilter &filter, const std::uint8_t *text, std::size_t length) {
+    const Masks masks = length == Masks::kBytes ? Masks(text) : Masks(text, length);
+    const auto among = [&masks](const ByteForms &forms) {
+        std::uint64_t found = masks.equal(forms.bytes[0]);
+        for (unsigned i = 1; i < forms.count; ++i)
+            found |= masks.equal(forms.bytes[i]);
+        return found;
+    };
+    // No text holds a NUL, so the zeros behind a short one are none of the bytes looked for.
+    const std::uint64_t found = among(filter.near) >> filter.nearDistance;
+    return filter.far.count == 0 ? found : found & among(filter.far) >> filter.farDistance;
+}
+
 // The text has a block at least.
 template <unsigned kForms>
 const std::uint8_t *skipBlocks(const std::uint8_t *at, const std::uint8_t *end, const ByteForms &forms) {
@@ -152,9 +164,42 @@ const std::uint8_t *PlaceFilter::find(const std::uint8_t *text, const std::uint8
                        : findIn<4, 4>(*this, text, at, end, stopped);
 }
 
+std::uint64_t PlaceFilter::places(const std::uint8_t *text, std::size_t length) const {
+    if (farDistance >= length)
+        return 0;
+#if defined(VELNLS_TEXT_VECTORS)
+    return length <= 16   ? placesIn<Sse2Masks<1>>(*this, text, length)
+           : length <= 32 ? placesIn<Sse2Masks<2>>(*this, text, length)
+                          : placesIn<Sse2Masks<4>>(*this, text, length);
+#else
+    std::uint64_t found = 0;
+    for (std::size_t place = 0; place + farDistance < length; ++place)
+        if (isAmong(near, text[place + nearDistance]) &&
+            (far.count == 0 || isAmong(far, text[place + farDistance])))
+            found |= std::uint64_t{1} << place;
+    return found;
+#endif
+}
+
+bool addIndexesOf(const std::uint8_t *table, std::uint8_t value, ByteForms &forms) {
+#if defined(VELNLS_TEXT_VECTORS)
+    for (unsigned base = 0; base < 256; base += 64) {
+        const std::uint64_t found = Sse2Masks<4>(table + base).equal(value);
+        for (std::uint64_t left = base == 0 ? found & ~std::uint64_t{1} : found; left != 0; left &= left - 1)
+            if (!forms.add(static_cast<std::uint8_t>(base + static_cast<unsigned>(__builtin_ctzll(left)))))
+                return false;
+    }
+#else
+    for (unsigned index = 1; index < 256; ++index)
+        if (table[index] == value && !forms.add(static_cast<std::uint8_t>(index)))
+            return false;
+#endif
+    return true;
+}
+
 const std::uint8_t *skipOtherAscii(const std::uint8_t *text, const std::uint8_t *at, const std::uint8_t *end,
                                    const ByteForms &forms) {
-#if defined(__SSE2__)
+#if defined(VELNLS_TEXT_VECTORS)
     if (end - text >= static_cast<std::ptrdiff_t>(kBlock))
         return forms.count <= 2 ? skipBlocks<2>(at, end, forms)
                                 : skipBlocks<ByteForms::kMost>(at, end, forms);
@@ -167,7 +212,7 @@ const std::uint8_t *skipOtherAscii(const std::uint8_t *text, const std::uint8_t 
 }
 
 unsigned findValue(const std::uint8_t *values, unsigned from, unsigned count, std::uint16_t value) {
-#if defined(__SSE2__)
+#if defined(VELNLS_TEXT_VECTORS)
     const __m128i wanted = _mm_set1_epi16(static_cast<short>(value));
     for (; count - from >= kBlock / 2; from += kBlock / 2) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(values + 2 * from));

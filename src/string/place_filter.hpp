@@ -16,11 +16,15 @@ struct ByteForms {
 
     // False when there is no room for one more.
     bool add(std::uint8_t byte);
-    // An ASCII character, and its other case if it is a letter, where there are none yet.
+    // An ASCII character, and its other case if it is a letter; or one byte. There are none yet.
     void addAscii(std::uint8_t byte) {
-        bytes[count++] = byte;
-        if ((byte | 0x20) - unsigned{'a'} < 26)
-            bytes[count++] = byte ^ 0x20;
+        bytes[0] = byte;
+        bytes[1] = byte ^ 0x20;
+        count = (byte | 0x20) - unsigned{'a'} < 26 ? 2 : 1;
+    }
+    void addOnly(std::uint8_t byte) {
+        bytes[0] = byte;
+        count = 1;
     }
 };
 
@@ -35,7 +39,16 @@ struct PlaceFilter {
     // and the result null.
     const std::uint8_t *find(const std::uint8_t *text, const std::uint8_t *at, const std::uint8_t *end,
                              const std::uint8_t *&stopped) const;
+
+    // All places of a text of `length` bytes, kShortText at most, that come through, one bit each. Places
+    // whose byte at a distance would lie behind the text do not.
+    static constexpr std::ptrdiff_t kShortText = 64;
+    [[nodiscard]] std::uint64_t places(const std::uint8_t *text, std::size_t length) const;
 };
+
+// Adds the indexes, 0 left out, at which a table of 256 bytes has a value. False when there is no room for
+// all.
+bool addIndexesOf(const std::uint8_t *table, std::uint8_t value, ByteForms &forms);
 
 // The first byte from `at` on that is 80 or above or one of `forms`, or the end of the text.
 const std::uint8_t *skipOtherAscii(const std::uint8_t *text, const std::uint8_t *at, const std::uint8_t *end,

@@ -1,5 +1,6 @@
 #include "string/search.hpp"
 
+#include "locale/page_facts.hpp"
 #include "string/count.hpp"
 
 namespace velnls {
@@ -11,9 +12,19 @@ nlsStatus countText(const nlsLocale &locale, const std::uint8_t *text, std::size
                                                    : NLS_OK;
 }
 
-bool isCut(const CharTable &table, const std::uint8_t *text, const std::uint8_t *end) {
-    const TableCharacters characters{table};
-    return table.has(file::kMultibyte) && Boundaries(characters, text).from(end) != end;
+bool isCut(const nlsLocale &locale, const std::uint8_t *text, const std::uint8_t *end) {
+    const CharTable &table = *locale.charTable;
+    if (!table.has(file::kMultibyte))
+        return false;
+    if ((locale.header.proofs & kUtf8Page) != 0) {
+        // Mostly none of the last bytes announces any behind the end.
+        if (end - text >= 3 && end[-1] < 0xC0 && end[-2] < 0xE0 && end[-3] < 0xF0)
+            return false;
+        return cutsCharacter(Utf8Characters{table}, text, end);
+    }
+    if ((locale.header.proofs & kPairPage) != 0)
+        return !beginsCharacter(table, end, text);
+    return cutsCharacter(TableCharacters{table}, text, end);
 }
 
 } // namespace velnls

@@ -17,7 +17,7 @@ struct Counted {
 nlsStatus countText(const nlsLocale &locale, const std::uint8_t *text, std::size_t length, Counted &counted);
 
 // Whether the end of a text falls inside a character: what countText finds, without counting.
-bool isCut(const CharTable &table, const std::uint8_t *text, const std::uint8_t *end);
+bool isCut(const nlsLocale &locale, const std::uint8_t *text, const std::uint8_t *end);
 
 struct Match {
     const std::uint8_t *at; // null: none

@@ -35,7 +35,7 @@ struct Whole {
 };
 
 nlsStatus checkNotCut(const nlsLocale &locale, const Whole &string) {
-    return isCut(*locale.charTable, string.at, string.end) ? NLS_R_CUT : NLS_OK;
+    return isCut(locale, string.at, string.end) ? NLS_R_CUT : NLS_OK;
 }
 
 nlsStatus countWhole(const nlsLocale &locale, const Whole &string, Counted &counted) {

@@ -15,13 +15,22 @@ public:
            const std::uint8_t *end)
         : page_(page), boundaries_(page.characters(), start),
           sought_(page.soughtFor(page.characters().characterAt(run), end - start)), text_(start), end_(end) {
-        if (end - start >= Page::kFilterWorth + (runEnd - run))
-            filters_ = page.makeFilter(run, runEnd, end - start, filter_);
+        const std::ptrdiff_t length = end - start;
+        if (length >= Page::kFilterWorth)
+            filters_ = page.makeFilter(run, runEnd, length, filter_);
+        // In a short text all places are found at once. Where its end cuts no character, none is a match that
+        // lacks one of the bytes that the filter is about.
+        if (filters_ && length <= PlaceFilter::kShortText && !cutsCharacter(page.characters(), start, end)) {
+            knowsPlaces_ = true;
+            places_ = filter_.places(start, static_cast<std::size_t>(length));
+        }
     }
 
     // The first place from `at` on, where a character begins, that may be one; the text's end when there is
     // none. Never asked for a place before an earlier answer.
     const std::uint8_t *next(const std::uint8_t *at) {
+        if (knowsPlaces_)
+            return nextKnown(at);
         const std::uint8_t *stopped = nullptr;
         while (filters_) {
             const std::uint8_t *const place = filter_.find(text_, at, end_ - Page::kUnfiltered, stopped);
@@ -50,6 +59,18 @@ public:
     }
 
 private:
+    const std::uint8_t *nextKnown(const std::uint8_t *at) {
+        const std::ptrdiff_t passed = at - text_;
+        if (passed >= PlaceFilter::kShortText)
+            return end_;
+        for (std::uint64_t left = places_ >> passed; left != 0; left &= left - 1) {
+            const std::uint8_t *const place = at + __builtin_ctzll(left);
+            if (boundaries_.from(place) == place)
+                return place;
+        }
+        return end_;
+    }
+
     const Page &page_;
     Boundaries<std::remove_cvref_t<decltype(std::declval<const Page &>().characters())>> boundaries_;
     typename Page::Sought sought_;
@@ -57,6 +78,8 @@ private:
     const std::uint8_t *end_;
     PlaceFilter filter_;
     bool filters_ = false;
+    bool knowsPlaces_ = false;
+    std::uint64_t places_ = 0;
 };
 
 } // namespace velnls

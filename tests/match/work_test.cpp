@@ -1,5 +1,6 @@
 // How much the matching does, counted and not timed: every look at a character and every comparison goes
 // through a page that counts. Texts are doubled; the work may do no more than that.
+#include "locale/case_fast.hpp"
 #include "string/like.hpp"
 #include "string/search.hpp"
 
@@ -72,6 +73,8 @@ struct Locales {
     Collation basic{};
     nlsLocale pairsLocale{};
     nlsLocale utf8Locale{};
+    ByteCaseTable byteCase{};
+    nlsLocale provedPairs{}; // with what is proved of a page's ASCII
 
     Locales() {
         for (unsigned byte = 0; byte < 256; ++byte) {
@@ -86,6 +89,15 @@ struct Locales {
         pairsLocale.collation = &basic;
         utf8Locale.charTable = &utf8;
         utf8Locale.collation = &basic;
+        for (unsigned byte = 0; byte < 256; ++byte) {
+            const bool capital = byte - unsigned{'A'} < 26;
+            const bool small = byte - unsigned{'a'} < 26;
+            byteCase.lower[byte] = static_cast<std::uint8_t>(capital ? byte + 0x20 : byte);
+            byteCase.upper[byte] = static_cast<std::uint8_t>(small ? byte - 0x20 : byte);
+        }
+        provedPairs = pairsLocale;
+        provedPairs.caseTable = &byteCase;
+        provedPairs.header.proofs = proveByteCase(pairs, byteCase);
     }
 };
 
@@ -104,6 +116,18 @@ void onEveryPage(Use use) {
     {
         SCOPED_TRACE("weights");
         use(CountingPage<BytePage>(static_cast<const std::uint8_t *>(locales().weights)));
+    }
+    {
+        SCOPED_TRACE("weights of ASCII in pairs");
+        use(CountingPage<BytePage>(static_cast<const std::uint8_t *>(locales().weights), true));
+    }
+    {
+        SCOPED_TRACE("single bytes");
+        use(CountingPage<ExactPage<SingleBytes>>(locales().pairsLocale));
+    }
+    {
+        SCOPED_TRACE("pairs folded, ASCII proved");
+        use(CountingPage<FoldedPage<TableCharacters>>(locales().provedPairs));
     }
     {
         SCOPED_TRACE("utf8 exact");

@@ -1,6 +1,7 @@
 #include "convert/kernels/instruction_sets.hpp"
 
-#if defined(__x86_64__) && !defined(__clang__) && __has_include(<sys/platform/x86.h>)
+#if defined(VELNLS_PLAIN_LOOPS)
+#elif defined(__x86_64__) && !defined(__clang__) && __has_include(<sys/platform/x86.h>)
 #include <sys/platform/x86.h> // what the dynamic loader has found out: asking the processor again traps under a hypervisor
 #define VELNLS_LOADER_KNOWS 1
 #elif defined(__x86_64__)
@@ -23,7 +24,7 @@ bool hasWideVectors() {
            CPU_FEATURE_ACTIVE(AVX512_VBMI) && CPU_FEATURE_ACTIVE(AVX512_VBMI2) && CPU_FEATURE_ACTIVE(BMI2);
 }
 
-#elif defined(__x86_64__)
+#elif defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
 
 bool hasWideVectors() {
     unsigned a = 0;
