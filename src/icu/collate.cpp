@@ -66,6 +66,11 @@ Collator *openLocale(const char *name) {
 
 // The place of a strength's name in the list.
 std::int32_t strengthOfName(const char *name) {
+    // The two that the areas have, without a search.
+    if (std::memcmp(name, kSensitiveStrength, sizeof kSensitiveStrength) == 0)
+        return 2;
+    if (std::memcmp(name, kInsensitiveStrength, sizeof kInsensitiveStrength) == 0)
+        return 1;
     const std::size_t at = kStrengths.find(name);
     if (at == std::string_view::npos)
         return kNoStrength;
