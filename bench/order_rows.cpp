@@ -6,6 +6,7 @@
 
 #include <unicode/ucasemap.h>
 #include <unicode/ucol.h>
+#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -182,9 +183,30 @@ struct ByteCompare {
     }
 };
 
+// Folds every letter, and orders by the folded units.
+struct IcuFoldedCompare {
+    const Column &column;
+    int operator()(std::uint32_t a, std::uint32_t b) const {
+        return u_strcasecmp(column.utf16[a].c_str(), column.utf16[b].c_str(), U_FOLD_CASE_DEFAULT);
+    }
+};
+
+// Who is asked. Case-insensitive BASIC folds all letters of a page; strcasecmp_l of a multibyte locale folds
+// those of ASCII and no other, which is another question: it has rows of its own.
+enum class Peers {
+    Same,
+    Ascii
+};
+
 // Calls `use` with each contender's compare and its name, ours first.
 template <typename Use>
-void withCompares(const Order &order, int mode, const Column &column, Use use) {
+void withCompares(const Order &order, int mode, Peers peers, const Column &column, Use use) {
+    if (peers == Peers::Ascii) {
+        use("velnls", OurCompare{column, localeOf(order), static_cast<std::int16_t>(mode)});
+        if (const locale_t locale = collatingLocale(order.systemLocale); locale != nullptr)
+            use("strcasecmp_l (ASCII letters)", SystemCompare{column, locale, strcasecmp_l});
+        return;
+    }
     use("velnls", OurCompare{column, localeOf(order), static_cast<std::int16_t>(mode)});
     if (const Collator collator = openCollator(order, mode); collator != nullptr) {
         use("ICU ucol_strcollUTF8", IcuCompareUtf8{column, collator});
@@ -194,11 +216,13 @@ void withCompares(const Order &order, int mode, const Column &column, Use use) {
         // Case-sensitive of BASIC is the order of bytes; strcoll of the C locale is strcmp.
         if (mode != 0 && !order.basic)
             use("strcoll_l", SystemCompare{column, locale, strcoll_l});
-        if (mode == 0)
+        if (mode == 0 && !order.basic)
             use("strcasecmp_l", SystemCompare{column, locale, strcasecmp_l});
     }
     if (mode != 0 && order.basic)
         use("strcmp", ByteCompare{column});
+    if (mode == 0 && order.basic)
+        use("ICU u_strcasecmp", IcuFoldedCompare{column});
 }
 
 // ---- Compares of neighbours, sorts
@@ -267,7 +291,7 @@ Column inOrder(const Column &column, const OurCompare &compare) {
     return out;
 }
 
-Result compareResult(const Order &order, int mode, Compares what, Size size, int rounds) {
+Result compareResult(const Order &order, int mode, Peers peers, Compares what, Size size, int rounds) {
     Column column = size == Size::buffer ? longTexts(order, true) : columnOf(charactersFor(order), size);
     nlsLocale *const locale = localeOf(order);
     if (locale == nullptr)
@@ -281,7 +305,7 @@ Result compareResult(const Order &order, int mode, Compares what, Size size, int
     if (!problem.empty())
         return failed(problem);
     std::vector<Contender> contenders;
-    withCompares(order, mode, column, [&](const char *name, const auto &compare) {
+    withCompares(order, mode, peers, column, [&](const char *name, const auto &compare) {
         contenders.push_back(what == Compares::Sort ? sorting(name, column.size(), compare)
                                                     : neighbours(name, column.size(), compare));
     });
@@ -367,18 +391,24 @@ constexpr Floors kBasicFloors{{1, 0.8}, {1.5, 0.5}, {3, 0.6}};
 
 void addJobs(Jobs &jobs, const Order &order, const Floors &floors) {
     for (const int mode : {1, 0}) {
-        const auto compares = [&](const char *name, Compares what, Size size, double floor) {
-            jobs.push_back({order.name(name, mode, size == Size::buffer ? "long" : nameOf(size)), floor,
-                            [&order, mode, what, size](int rounds) {
-                                return compareResult(order, mode, what, size, rounds);
-                            }});
+        const auto compares = [&](const std::string &name, Compares what, Size size, double floor) {
+            for (const Peers peers : {Peers::Same, Peers::Ascii}) {
+                if (peers == Peers::Ascii && (mode != 0 || !order.basic))
+                    continue;
+                jobs.push_back({order.name((name + (peers == Peers::Ascii ? "_to_ascii" : "")).c_str(), mode,
+                                           size == Size::buffer ? "long" : nameOf(size)),
+                                floor, [&order, mode, peers, what, size](int rounds) {
+                                    return compareResult(order, mode, peers, what, size, rounds);
+                                }});
+            }
         };
         compares("sort", Compares::Sort, Size::shortStrings, floors.sort[mode]);
         compares("sort", Compares::Sort, Size::lines, floors.sort[mode]);
         compares("neighbours", Compares::Neighbours, Size::shortStrings, floors.neighbours[mode]);
         compares("neighbours", Compares::Neighbours, Size::buffer, floors.neighbours[mode]);
-        compares("sorted_neighbours", Compares::Sorted, Size::shortStrings, floors.neighbours[mode]);
-        compares("sorted_neighbours", Compares::Sorted, Size::lines, floors.neighbours[mode]);
+        // What sorting and merging compare: the floor is theirs.
+        compares("sorted_neighbours", Compares::Sorted, Size::shortStrings, floors.sort[mode]);
+        compares("sorted_neighbours", Compares::Sorted, Size::lines, floors.sort[mode]);
         for (const Size size : {Size::shortStrings, Size::lines, Size::buffer})
             jobs.push_back(
                 {order.name("key", mode, size == Size::buffer ? "long" : nameOf(size)), floors.key[mode],

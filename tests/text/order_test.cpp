@@ -252,6 +252,25 @@ TEST(SortKey, BasicModeOneCopiesAndModeZeroLowers) {
               (Bytes{'a', 0x82, 0x60}));
 }
 
+TEST(SortKey, BasicKeysInLowerCaseTurnFourByteCharactersIntoQuestionMarks) {
+    World world;
+    const Bytes first = "a\xF0\x9F\x98\x80"_b; // U+1F600
+    const Bytes second = "a\xF0\x9F\x98\x81"_b;
+    for (const char *const name : {"UTF-8 BASIC", "UTF-8 BASIC, common pairs of case"}) {
+        nlsLocale *const locale = world[name].locale;
+        EXPECT_EQ(sortKey(locale, first, 16, 0).text(), "a?"_b) << name;
+        EXPECT_EQ(sortKey(locale, second, 16, 0).text(), "a?"_b) << name;
+        // Compares tell them apart, and rank them behind what the keys rank behind "?".
+        EXPECT_EQ(compare(locale, first, second, 0).result, -1) << name;
+        EXPECT_EQ(compare(locale, first, "a\xC3\xA9"_b, 0).result, 1) << name;
+        EXPECT_LT(sortKey(locale, first, 16, 0).text(), sortKey(locale, "a\xC3\xA9"_b, 16, 0).text()) << name;
+        // In mode 1 keys are the bytes.
+        EXPECT_EQ(sortKey(locale, first, 16, 1).text(), first) << name;
+    }
+    // Without a case table nothing but single bytes is changed.
+    EXPECT_EQ(sortKey(world["UTF-8 BASIC without case table"].locale, first, 16, 0).text(), first);
+}
+
 TEST(SortKey, AnEucKeyIsMadeOfShiftJis) {
     World world;
     const kit::Kit &euc = world["EUCJIS weights"];
