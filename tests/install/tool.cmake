@@ -14,3 +14,16 @@ foreach(text "openings sjis SHIFT-JIS" "moment koi8r KOI8-R" "erlkoenig 1252 125
   run(${PREFIX}/bin/velnls convert -f UTF-8 -t ${page} -o ${result} ${texts}/${name}.utf8.txt)
   run(${CMAKE_COMMAND} -E compare_files ${result} ${texts}/${name}.${ending}.txt)
 endforeach()
+
+# Where the way to ICU was installed, the command finds it beside itself.
+if(EXISTS ${PREFIX}/bin/icuuc-qmx.so)
+  set(velnls ${CMAKE_COMMAND} -E env --unset=BINPATHX ${PREFIX}/bin/velnls)
+  run(${velnls} convert -f UTF-8 -t GB18030 -o ${WORK}/gb.txt ${texts}/openings.utf8.txt)
+  run(${velnls} convert -f GB18030 -t UTF-8 -o ${WORK}/back.txt ${WORK}/gb.txt)
+  run(${CMAKE_COMMAND} -E compare_files ${WORK}/back.txt ${texts}/openings.utf8.txt)
+  string(ASCII 195 132 umlaut) # A with diaeresis in UTF-8, which the German phone book sorts as "ae"
+  file(WRITE ${WORK}/words.txt "zebra\n${umlaut}z\naf\n")
+  file(WRITE ${WORK}/expected.txt "${umlaut}z\naf\nzebra\n")
+  run(${velnls} sort --collation ICU-de__PHONEBOOK -o ${WORK}/sorted.txt ${WORK}/words.txt)
+  run(${CMAKE_COMMAND} -E compare_files ${WORK}/sorted.txt ${WORK}/expected.txt)
+endif()
