@@ -1034,8 +1034,9 @@ NLS_API nlsStatus nlsConvertToUCS2(nlsConversion *conversion, const nlsStr *sour
  * Keys and compares order alike but for these cases, each by the rules of both:
  *   - an expanding character at the end of a string, and collations whose variant writes "SS" for it in keys;
  *   - where one string is the beginning of the other: what follows there and ranks with or below the blank;
- *   - BASIC with mode 0: characters of more than three bytes are "?" in keys, and in double-byte pages a
- *     compare puts every single byte below every character of two;
+ *   - BASIC with mode 0: in UTF-8 with a case table, characters of four bytes are "?" in keys, as in
+ *     nlsLowerCase, and their bytes in compares, so that keys of different characters can be equal; in
+ *     double-byte pages a compare puts every single byte below every character of two;
  *   - BASIC in a page that collates through Shift-JIS: the key is made of the Shift-JIS text, a compare looks
  *     at the text as it stands.
  *
@@ -1046,7 +1047,7 @@ NLS_API nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, 
 
 /*
  * nlsCompare() compares two strings; '*result' receives -1, 0 or 1 (from a user sort exit, the number it
- * answers).
+ * answers). The order is that of the strings' keys but for the cases that nlsSortKey lists.
  *
  * Returns:
  *   13  'locale' is null or its handle closed
