@@ -159,7 +159,7 @@ nlsStatus openCollator(Collation &record) {
     Area area{};
     std::string_view locale = name.substr(kIcuPrefix.size());
     if (locale == kRootName)
-        locale = {};
+        locale.remove_prefix(locale.size());
     static_assert(sizeof record.name - 1 - kIcuPrefix.size() < sizeof area.localeName);
     std::memcpy(area.localeName, locale.data(), locale.size());
     area.collator = openLocale(area.localeName);

@@ -202,8 +202,8 @@ TEST(StoredExit, TheHandleIsBusyWhileTheExitIsLoaded) {
     withBoth([](world::Open &open) {
         for (const std::int32_t level : {stored::kOld, stored::kNew}) {
             stored::Record record(open.locale("P", "Site"), level);
+            std::vector<unsigned char> more(80000); // outlives the handle that it is lent to
             world::Open other;
-            std::vector<unsigned char> more(80000);
             nlsStatus adding = 0;
             nlsStatus closing = 0;
             fake::sortExit.init = [&] {
