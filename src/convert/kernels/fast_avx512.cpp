@@ -1,6 +1,6 @@
 #include "convert/kernels/fast_avx512.hpp"
 
-#if defined(__x86_64__)
+#if defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
 
 // GCC 12 takes the deliberately undefined inputs inside its own intrinsics for mistakes.
 #if defined(__GNUC__) && !defined(__clang__)

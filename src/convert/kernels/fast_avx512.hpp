@@ -8,7 +8,7 @@
 
 #include "convert/kernels/kernels.hpp"
 
-#if defined(__x86_64__)
+#if defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
 
 namespace velnls::avx512 {
 
