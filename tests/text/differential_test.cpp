@@ -1,6 +1,7 @@
 // Random text of every page through every call, beside the plain twins. Sources are read-only, buffers have
 // their exact size, and the lent memory is misaligned by another amount in each round.
 #include "harness/checks.hpp"
+#include "model/case.hpp"
 #include "model/count.hpp"
 
 #include <gtest/gtest.h>
@@ -92,6 +93,55 @@ TEST_P(Differential, Counts) {
         ASSERT_EQ(static_cast<std::int32_t>(status), expected.status) << hex(text) << " " << limit;
         ASSERT_EQ(count, expected.count) << hex(text) << " " << limit;
     });
+}
+
+// Texts of several of the stretches that long texts are gone through in; a stretch may end inside a
+// character.
+TEST_P(Differential, LongTexts) {
+    constexpr std::uint32_t kStretch = 1 << 14;
+    kit::GuardedText guarded(4 * kStretch);
+    World world(GetParam());
+    for (const Kit &one : world.kits) {
+        SCOPED_TRACE(one.name);
+        kit::TextMaker maker(80 + GetParam());
+        Bytes text;
+        while (text.size() < 2 * kStretch + 100) {
+            const Bytes piece = maker.random.below(40) == 0 ? maker.corrupted(maker.valid(one.script, 20))
+                                                            : maker.valid(one.script, 20);
+            text.insert(text.end(), piece.begin(), piece.end());
+        }
+        for (unsigned shift = 0; shift < 5; ++shift) {
+            text.insert(text.begin(), 'a'); // moves all characters over the stretches' ends
+            const char *const source = guarded.terminated(text);
+            for (const std::uint32_t around : {kStretch, 2 * kStretch}) {
+                const auto limit = static_cast<std::int32_t>(around - 3 + maker.random.below(8));
+                std::uint32_t count = 77;
+                model::Counted expected = model::countCharacters(one.twin, text, limit);
+                nlsStatus status = nlsCountChars(one.locale, source, limit, &count);
+                ASSERT_EQ(static_cast<std::int32_t>(status), expected.status) << limit;
+                ASSERT_EQ(count, expected.count) << limit;
+                expected = model::countColumns(one.twin, text, limit);
+                status = nlsCountColumns(one.locale, source, limit, &count);
+                ASSERT_EQ(static_cast<std::int32_t>(status), expected.status) << limit;
+                ASSERT_EQ(count, expected.count) << limit;
+                const Bytes part = head(text, static_cast<std::size_t>(limit));
+                status = nlsValidateString(one.locale, source, limit, 0, &count);
+                expected = model::validate(one.twin, part, false);
+                ASSERT_EQ(static_cast<std::int32_t>(status), expected.status) << limit;
+                ASSERT_EQ(count, expected.count) << limit;
+            }
+            std::vector<char> room(4 * text.size());
+            for (const bool upper : {true, false}) {
+                const nlsStr from{const_cast<char *>(source), 0, 0};
+                nlsStr to{room.data(), static_cast<std::uint32_t>(room.size()), 0};
+                ASSERT_EQ(upper ? nlsUpperCase(one.locale, &from, &to) : nlsLowerCase(one.locale, &from, &to),
+                          NLS_OK);
+                const model::Mapped expected =
+                    model::mapCase(one.twin, text, static_cast<std::uint32_t>(room.size()), upper);
+                ASSERT_TRUE(Bytes(room.begin(), room.begin() + to.length) == expected.text) << shift;
+            }
+        }
+    }
 }
 
 TEST_P(Differential, SubstrAndExtract) {
