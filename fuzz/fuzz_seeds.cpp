@@ -86,7 +86,7 @@ DataFile facing(unsigned type) {
     file.codePage("P", CharacterTable::doubleByte());
     file.codePage("UTF-8", CharacterTable::utf8());
     file.mapping("P", "UTF-8", 17, Mapping::doubleBytePage());
-    file.conversion("UTF-8", "P", static_cast<int>(type));
+    file.conversion("UTF-8", "P", fixture::byteOf(type));
     return file;
 }
 
