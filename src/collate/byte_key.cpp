@@ -23,7 +23,7 @@ std::size_t writeByteKeyPlain(const ByteKey &how, const std::uint8_t *text, std:
 
 std::size_t writeByteKey(const ByteKey &how, const std::uint8_t *text, std::size_t length, std::uint8_t *key,
                          std::size_t room) {
-#if defined(__x86_64__)
+#if defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
     if ((how.proofs & kWideVectors) != 0)
         return avx512::writeByteKey(how, text, length, key, room);
 #endif

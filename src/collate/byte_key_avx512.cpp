@@ -1,16 +1,11 @@
 // Keys of single bytes where the 256 weights fit into four registers: 64 at a time.
 #include "collate/byte_key.hpp"
 
-#if defined(__x86_64__)
+#include "core/avx512.hpp"
 
-// GCC 12 takes the deliberately undefined inputs inside its own intrinsics for mistakes.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
+#if defined(VELNLS_AVX512_KERNELS)
 
 #include <algorithm>
-#include <immintrin.h>
 
 namespace velnls::avx512 {
 
@@ -26,7 +21,7 @@ std::size_t writeByteKey(const ByteKey &how, const std::uint8_t *text, std::size
     std::size_t written = 0;
     while (text != end && written != room) {
         const std::size_t count = std::min({kBlock, static_cast<std::size_t>(end - text), room - written});
-        const __mmask64 lanes = _bzhi_u64(~std::uint64_t{0}, static_cast<unsigned>(count));
+        const __mmask64 lanes = lowBits(count);
         const __m512i bytes = _mm512_maskz_loadu_epi8(lanes, text);
         const __m512i low = _mm512_permutex2var_epi8(table0, bytes, table1);
         const __m512i high = _mm512_permutex2var_epi8(table2, bytes, table3);

@@ -1,29 +1,18 @@
 // The case kernel for processors with AVX-512: 64 bytes at once, in masks of one bit per byte.
 #include "locale/case_fast.hpp"
 
-#if defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
+#include "core/avx512.hpp"
 
-// GCC 12 takes the deliberately undefined inputs inside its own intrinsics for mistakes.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
-
-#include <immintrin.h>
+#if defined(VELNLS_AVX512_KERNELS)
 
 namespace velnls::avx512 {
 
 namespace {
 
-using Vector = __m512i;
-
 constexpr std::size_t kBlock = 64;
 
 [[gnu::always_inline]] inline Vector all(unsigned value) {
     return _mm512_set1_epi8(static_cast<char>(value));
-}
-[[gnu::always_inline]] inline std::uint64_t lowBits(std::size_t count) {
-    return count >= 64 ? ~std::uint64_t{0} : _bzhi_u64(~std::uint64_t{0}, static_cast<unsigned>(count));
 }
 [[gnu::always_inline]] inline std::uint64_t isEqual(Vector bytes, unsigned value) {
     return _mm512_cmpeq_epi8_mask(bytes, all(value));
@@ -34,7 +23,7 @@ constexpr std::size_t kBlock = 64;
 
 template <Case kCase>
 [[gnu::always_inline]] inline Vector mapAsciiBlock(Vector bytes) {
-    constexpr unsigned kFirst = kCase == Case::Upper ? 'a' : 'A';
+    constexpr unsigned kFirst = kCase == Case::Upper ? kSmallA : kCapitalA;
     const __mmask64 letters = _mm512_cmple_epu8_mask(_mm512_sub_epi8(bytes, all(kFirst)), all(25));
     return _mm512_mask_add_epi8(bytes, letters, bytes, all(kCase == Case::Upper ? 0xE0 : 0x20));
 }

@@ -11,7 +11,7 @@ namespace velnls {
 namespace {
 
 constexpr std::uint8_t asciiCase(Case direction, std::uint8_t byte) {
-    const unsigned first = direction == Case::Upper ? 'a' : 'A';
+    const unsigned first = direction == Case::Upper ? kSmallA : kCapitalA;
     return byte - first < 26 ? static_cast<std::uint8_t>(byte ^ 0x20) : byte;
 }
 
@@ -132,7 +132,7 @@ constexpr std::size_t kBlock = 16;
 
 template <Case kCase>
 [[gnu::always_inline]] inline __m128i mapAsciiBlock(__m128i bytes) {
-    constexpr unsigned kFirst = kCase == Case::Upper ? 'a' : 'A';
+    constexpr unsigned kFirst = kCase == Case::Upper ? kSmallA : kCapitalA;
     return _mm_xor_si128(bytes, _mm_and_si128(isInRange(bytes, kFirst, kFirst + 25), all(0x20)));
 }
 

@@ -1,11 +1,11 @@
 // Case of single characters by a locale's tables, shared by case mapping and by the orders that fold.
 #pragma once
 
+#include "core/unaligned.hpp"
 #include "locale/tables.hpp"
 
 #include <cctype>
 #include <cstdint>
-#include <cstring>
 
 namespace velnls {
 
@@ -13,6 +13,10 @@ enum class Case {
     Upper,
     Lower
 };
+
+// The first letters of ASCII, as numbers to count from.
+inline constexpr unsigned kCapitalA = 0x41;
+inline constexpr unsigned kSmallA = 0x61;
 
 // What a table gives for a UTF-8 character, its bytes read as a big-endian number: the number of its
 // counterpart, or the number itself. Three-byte characters are mapped for the lead bytes E1, E2 and EF only.
@@ -41,9 +45,7 @@ std::uint32_t mapUtf8Case(const UnicodeCaseTable &table, std::uint32_t code) {
     // A trail byte out of its range may point behind a short page.
     if (index >= 2 * half)
         return code;
-    std::uint16_t value;
-    std::memcpy(&value, reinterpret_cast<const unsigned char *>(table.pages[page]) + std::size_t{index} * 2,
-                sizeof value);
+    const std::uint16_t value = loadElement(table.pages[page], index);
     return value == 0 ? code : value + (lead << 16);
 }
 

@@ -3,9 +3,10 @@
 // Included by the files that instantiate kernels; what it defines is local to each.
 #pragma once
 
+#include "core/unaligned.hpp"
+
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #if defined(__SSE2__) && !defined(VELNLS_PLAIN_LOOPS)
 #define VELNLS_TEXT_VECTORS 1
@@ -14,24 +15,17 @@
 namespace velnls {
 namespace {
 
-template <typename Number>
-[[gnu::always_inline]] inline Number numberAt(const std::uint8_t *at) {
-    Number number;
-    std::memcpy(&number, at, sizeof number);
-    return number;
-}
-
 // The first `count` bytes, 1 to 15, with zeros behind them: overlapping loads, so that nothing else is read.
 [[gnu::always_inline]] inline __m128i loadFirst(const std::uint8_t *at, std::size_t count) {
     std::uint64_t low;
     std::uint64_t high = 0;
     if (count >= 8) {
-        low = numberAt<std::uint64_t>(at);
+        low = loadNumber<std::uint64_t>(at);
         if (count > 8)
-            high = numberAt<std::uint64_t>(at + count - 8) >> (16 - count) * 8;
+            high = loadNumber<std::uint64_t>(at + count - 8) >> (16 - count) * 8;
     } else if (count >= 4) {
-        low = numberAt<std::uint32_t>(at) | std::uint64_t{numberAt<std::uint32_t>(at + count - 4)}
-                                                << (count - 4) * 8;
+        low = loadNumber<std::uint32_t>(at) | std::uint64_t{loadNumber<std::uint32_t>(at + count - 4)}
+                                                  << (count - 4) * 8;
     } else {
         low = std::uint64_t{at[0]} | std::uint64_t{at[count / 2]} << count / 2 * 8 |
               std::uint64_t{at[count - 1]} << (count - 1) * 8;
@@ -43,6 +37,7 @@ template <typename Number>
 template <unsigned kPieces>
 class Sse2Masks {
 public:
+    // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): a constant expression, in a template
     static constexpr unsigned kBytes = 16 * kPieces;
 
     [[gnu::always_inline]] explicit Sse2Masks(const std::uint8_t *at) {

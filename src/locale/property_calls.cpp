@@ -4,6 +4,7 @@
 #include "core/file_layout.hpp"
 #include "core/list_text.hpp"
 #include "core/text.hpp"
+#include "core/unaligned.hpp"
 #include "locale/checks.hpp"
 
 #include <cstring>
@@ -103,9 +104,7 @@ nlsStatus writeTo(nlsStr &text, const nlsLocale &locale, List list) {
 
 // The first word of the case table is its count, or for a Unicode case table the offset of its pages.
 std::uint32_t firstWord(const void *table) {
-    std::uint32_t word = 0;
-    std::memcpy(&word, table, sizeof word);
-    return word;
+    return loadNumber<std::uint32_t>(table);
 }
 
 nlsStatus tableSize(const nlsLocale &locale, std::uint32_t &value) {

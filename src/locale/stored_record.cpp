@@ -1,6 +1,7 @@
 #include "locale/stored_record.hpp"
 
 #include "collate/sort_data.hpp"
+#include "core/unaligned.hpp"
 #include "icu/collate.hpp"
 
 #include <cstring>
@@ -10,9 +11,7 @@ namespace velnls {
 namespace {
 
 std::uint32_t wordAt(const void *table, std::size_t offset) {
-    std::uint32_t word = 0;
-    std::memcpy(&word, static_cast<const std::uint8_t *>(table) + offset, sizeof word);
-    return word;
+    return loadNumber<std::uint32_t>(static_cast<const std::uint8_t *>(table) + offset);
 }
 
 // Bytes of a case table in a record, and what its pages take in a block besides.

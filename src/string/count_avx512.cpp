@@ -1,9 +1,9 @@
 // The counting kernels for processors with AVX-512: 64 bytes at once, short texts by masked loads.
 #include "string/count_fast.hpp"
 
-#if defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
+#include "core/avx512.hpp"
 
-#include <immintrin.h>
+#if defined(VELNLS_AVX512_KERNELS)
 
 namespace velnls::avx512 {
 
@@ -15,7 +15,7 @@ public:
 
     [[gnu::always_inline]] explicit WideMasks(const std::uint8_t *at) : bytes_(_mm512_loadu_si512(at)) {}
     [[gnu::always_inline]] WideMasks(const std::uint8_t *at, std::size_t count)
-        : bytes_(_mm512_maskz_loadu_epi8(_bzhi_u64(~0ULL, static_cast<unsigned>(count)), at)) {}
+        : bytes_(_mm512_maskz_loadu_epi8(lowBits(count), at)) {}
     [[gnu::always_inline]] std::uint64_t high() const {
         return _mm512_movepi8_mask(bytes_);
     }

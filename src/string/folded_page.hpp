@@ -2,12 +2,11 @@
 #pragma once
 
 #include "collate/basic.hpp"
+#include "core/unaligned.hpp"
 #include "locale/case_fast.hpp"
 #include "locale/unicode_case.hpp"
 #include "string/characters.hpp"
 #include "string/place_filter.hpp"
-
-#include <cstring>
 
 namespace velnls {
 
@@ -211,9 +210,7 @@ private:
         return reinterpret_cast<const std::uint8_t *>(paged_->pages[page]) + std::size_t{2} * caseHalf(page);
     }
     static std::uint16_t valueAt(const std::uint8_t *values, unsigned index) {
-        std::uint16_t value;
-        std::memcpy(&value, values + std::size_t{2} * index, sizeof value);
-        return value;
+        return loadNumber<std::uint16_t>(values + std::size_t{2} * index);
     }
     bool asciiForms(Sought &sought) const {
         if (foldOfAscii(static_cast<std::uint8_t>(sought.fold)) == sought.fold)

@@ -80,7 +80,9 @@ const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *text, 
         if (const std::uint8_t *const place = placeIn(at, test(at)); place != nullptr)
             return place;
     // The last block looks once more at places that are done with.
-    if (const std::uint8_t *const last = end - distance - kBlock; last >= text && last + kBlock > at) {
+    if (end - text >= static_cast<std::ptrdiff_t>(kBlock + distance) &&
+        end - at > static_cast<std::ptrdiff_t>(distance)) {
+        const std::uint8_t *const last = end - distance - kBlock;
         const auto mask = static_cast<unsigned>(_mm_movemask_epi8(test(last))) >> (at - last);
         if (mask != 0)
             return at + __builtin_ctz(mask);

@@ -1,12 +1,8 @@
 #include "convert/kernels/fast_avx512.hpp"
 
-#if defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
+#include "core/avx512.hpp"
 
-// GCC 12 takes the deliberately undefined inputs inside its own intrinsics for mistakes.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
+#if defined(VELNLS_AVX512_KERNELS)
 
 #include "convert/kernels/fast_walk.hpp"
 #include "convert/kernels/proofs.hpp"
@@ -14,8 +10,6 @@
 namespace velnls::avx512 {
 
 namespace {
-
-using Vector = __m512i;
 
 // ---- Small parts
 // -------------------------------------------------------------------------------------------
@@ -25,10 +19,6 @@ using Vector = __m512i;
 }
 [[gnu::always_inline]] inline Vector numbersOf(std::uint32_t number) {
     return _mm512_set1_epi32(static_cast<int>(number));
-}
-// The low `count` bits, up to all 64.
-[[gnu::always_inline]] inline std::uint64_t lowBits(std::ptrdiff_t count) {
-    return count >= 64 ? ~std::uint64_t{0} : _bzhi_u64(~std::uint64_t{0}, static_cast<unsigned>(count));
 }
 [[gnu::always_inline]] inline std::uint32_t countBits(std::uint64_t mask) {
     return static_cast<std::uint32_t>(_mm_popcnt_u64(mask));

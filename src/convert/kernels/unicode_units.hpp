@@ -5,6 +5,7 @@
 #pragma once
 
 #include "convert/kernels/kernels.hpp"
+#include "core/unaligned.hpp"
 
 #include <cstring>
 
@@ -87,8 +88,7 @@ inline bool writeUtf8(Target &target, std::uint32_t value) {
 
 template <typename Unit>
 Unit loadUnit(const std::uint8_t *at, Order order) {
-    Unit unit;
-    std::memcpy(&unit, at, sizeof unit);
+    const Unit unit = loadNumber<Unit>(at);
     if (order == Order::Native)
         return unit;
     if constexpr (sizeof(Unit) == 2)
