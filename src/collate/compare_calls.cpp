@@ -3,6 +3,7 @@
 #include "collate/byte_key.hpp"
 #include "collate/checks.hpp"
 #include "collate/compare.hpp"
+#include "collate/first_characters.hpp"
 #include "collate/key.hpp"
 #include "collate/quick.hpp"
 #include "collate/weights.hpp"
@@ -51,23 +52,25 @@ nlsStatus give(int order, std::int16_t *out) {
 }
 
 nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out) {
-    const int order = orderOfBytesInBlock(bytesOf(a), bytesOf(b));
+    const int order = orderOfFirstBytes(bytesOf(a), bytesOf(b));
     if (order == kUnsettled) [[unlikely]]
         return compareAllBytes(a, b, out);
     return give(order, out);
 }
 
-[[gnu::noinline]] nlsStatus compareAllWeights(const nlsLocale *locale, const char *a, const char *b,
-                                              const std::uint8_t *weights, std::int16_t *out) {
+// From where both strings are at a character of their own.
+[[gnu::noinline]] nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char *b,
+                                               const std::uint8_t *weights, std::int16_t *out) {
     const WeightOrder order{weights, locale->charTable};
-    return give(compareByByteWeights(order, boundedText(a, -1), boundedText(b, -1)), out);
+    return give(compareByByteWeightsOn(order, boundedText(a, -1), boundedText(b, -1)), out);
 }
 
 [[gnu::noinline]] nlsStatus compareFirstWeights(const nlsLocale *locale, const char *a, const char *b,
                                                 const std::uint8_t *weights, std::int16_t *out) {
-    const int order = orderInBlock<false>(weights, bytesOf(a), bytesOf(b));
+    unsigned alike;
+    const int order = orderOfFirstWeights(weights, bytesOf(a), bytesOf(b), alike);
     if (order == kUnsettled) [[unlikely]]
-        return compareAllWeights(locale, a, b, weights, out);
+        return compareOnByWeights(locale, a + alike, b + alike, weights, out);
     return give(order, out);
 }
 
@@ -76,12 +79,37 @@ nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out) {
     return give(compareFolded(*locale, boundedText(a, -1), boundedText(b, -1)), out);
 }
 
-[[gnu::noinline]] nlsStatus compareFirstFolded(const nlsLocale *locale, const char *a, const char *b,
-                                               std::int16_t *out) {
-    const int order = orderInBlock<true>(kLowerCase.weights, bytesOf(a), bytesOf(b));
+[[gnu::noinline]] nlsStatus compareFirstFoldedBytes(const nlsLocale *locale, const char *a, const char *b,
+                                                    std::int16_t *out) {
+    const std::uint8_t *const lower = static_cast<const ByteCaseTable *>(locale->caseTable)->lower;
+    unsigned alike;
+    const int order = orderOfFirstWeights(lower, bytesOf(a), bytesOf(b), alike);
+    if (order == kUnsettled) [[unlikely]]
+        return compareAllFolded(locale, a + alike, b + alike, out);
+    return give(order, out);
+}
+
+template <typename Page>
+[[gnu::noinline]] nlsStatus compareFirstCharacters(const nlsLocale *locale, const char *a, const char *b,
+                                                   std::int16_t *out) {
+    const int order = orderOfFirstCharacters(Page(*locale), bytesOf(a), bytesOf(b));
     if (order == kUnsettled) [[unlikely]]
         return compareAllFolded(locale, a, b, out);
     return give(order, out);
+}
+
+// BASIC in mode 0.
+[[gnu::always_inline]] inline nlsStatus compareFolding(const nlsLocale *locale, std::uint32_t proofs,
+                                                       const char *a, const char *b, std::int16_t *out) {
+    if ((proofs & kByteOrder) != 0)
+        return compareFirstFoldedBytes(locale, a, b, out);
+    if ((proofs & kAsciiOrder) == 0)
+        return compareAllFolded(locale, a, b, out);
+    if ((proofs & kUtf8Page) != 0)
+        return compareFirstCharacters<FirstUtf8>(locale, a, b, out);
+    if ((proofs & kPairPage) != 0)
+        return compareFirstCharacters<FirstPairs>(locale, a, b, out);
+    return compareFirstCharacters<FirstAscii>(locale, a, b, out);
 }
 
 } // namespace
@@ -90,14 +118,11 @@ nlsStatus nlsCompare(nlsLocale *locale, const char *a, const char *b, int16_t mo
     if (a == nullptr || b == nullptr || result == nullptr) [[unlikely]]
         return compareWhole(locale, a, b, mode, result);
     const std::uint32_t proofs = provedOrder(locale);
-    if ((proofs & kByteWeights) != 0 && (mode & ~1) == 0)
-        return compareFirstWeights(locale, a, b, provedWeights(*locale, static_cast<unsigned>(mode)), result);
-    if ((proofs & kBasicOrder) == 0)
+    if ((proofs & kBasicOrder) != 0)
+        return mode != 0 ? compareFirstBytes(a, b, result) : compareFolding(locale, proofs, a, b, result);
+    if ((proofs & kByteWeights) == 0 || (mode & ~1) != 0) [[unlikely]]
         return compareWhole(locale, a, b, mode, result);
-    if (mode != 0)
-        return compareFirstBytes(a, b, result);
-    return (proofs & kAsciiFolds) != 0 ? compareFirstFolded(locale, a, b, result)
-                                       : compareAllFolded(locale, a, b, result);
+    return compareFirstWeights(locale, a, b, provedWeights(*locale, static_cast<unsigned>(mode)), result);
 }
 
 nlsStatus nlsCompareN(nlsLocale *locale, const char *a, const char *b, int32_t lengthA, uint32_t lengthB,

@@ -20,6 +20,12 @@ bool asciiFolds(const nlsLocale &locale) {
     return true;
 }
 
+bool bytesFold(const nlsLocale &locale) {
+    return (locale.header.proofs & kSingleBytePage) != 0 && locale.caseTable != nullptr &&
+           !locale.charTable->has(file::kUtf8) &&
+           static_cast<const ByteCaseTable *>(locale.caseTable)->lower[0] == 0;
+}
+
 } // namespace
 
 std::uint32_t proveOrder(const nlsLocale &locale) {
@@ -34,7 +40,7 @@ std::uint32_t proveOrder(const nlsLocale &locale) {
     case kUnusable:
         return 0;
     case file::kBasic:
-        return kBasicOrder | (asciiFolds(locale) ? kAsciiFolds : 0) |
+        return kBasicOrder | (asciiFolds(locale) ? kAsciiOrder : 0) | (bytesFold(locale) ? kByteOrder : 0) |
                (locale.charTable->has(file::kThroughShiftJis) ? 0 : kBasicKeys);
     default:
         break;

@@ -11,9 +11,11 @@ inline constexpr std::uint32_t kByteWeights = 0x0100;
 inline constexpr std::uint32_t kBasicOrder = 0x0200;
 // BASIC, and keys are not of the Shift-JIS form of a text.
 inline constexpr std::uint32_t kBasicKeys = 0x0800;
-// No character is longer than four bytes, ASCII bytes are characters of their own, and their lower case by
-// the locale's case table is that of ASCII.
-inline constexpr std::uint32_t kAsciiFolds = 0x0400;
+// With kBasicOrder: no character is longer than four bytes, ASCII bytes are characters of their own, and
+// their lower case by the locale's case table is that of ASCII.
+inline constexpr std::uint32_t kAsciiOrder = 0x0400;
+// With kBasicOrder: single bytes, and lower case by the locale's table is NUL for NUL: an order by weights.
+inline constexpr std::uint32_t kByteOrder = 0x1000;
 
 // Bits for a locale's proofs, whose other fields are complete.
 std::uint32_t proveOrder(const nlsLocale &locale);

@@ -1,5 +1,5 @@
-// Orders that are settled by what was proved of a locale when it was made, and strings that differ in their
-// first block: compared on the spot. Everything else is left to the general way.
+// Orders that are settled by what was proved of a locale when it was made, and strings that differ within
+// their first bytes: compared on the spot. Everything else is left to the general way.
 #pragma once
 
 #include "collate/basic.hpp"
@@ -9,13 +9,16 @@
 
 namespace velnls {
 
-// The proofs of a locale that passes all checks of a call that orders strings; 0 for any other.
+// The proofs of a locale that passes all checks of a call that orders strings; for any other, none of the
+// proofs of an order. Those are there only where a collation is.
 [[gnu::always_inline]] inline std::uint32_t provedOrder(const nlsLocale *locale) {
-    if (locale == nullptr || locale->header.type != kLocaleObject || !isLive(locale->handle)) [[unlikely]]
+    if (locale == nullptr || locale->header.type != kLocaleObject) [[unlikely]]
         return 0;
-    if (locale->charTable == nullptr || locale->collation == nullptr) [[unlikely]]
+    const std::uint32_t proofs = locale->header.proofs;
+    if ((proofs & (kByteWeights | kBasicOrder)) == 0 || locale->handle->header.type != kHandleObject ||
+        locale->charTable == nullptr) [[unlikely]]
         return 0;
-    return locale->header.proofs;
+    return proofs;
 }
 
 // The weight table of a mode that has one.
@@ -37,65 +40,109 @@ inline int signOf(int difference) {
     return (a | b) == ' ' ? kUnsettled : signOf(static_cast<int>(a - b));
 }
 
-// Where kAsciiFolds is proved, lower case is an order by weights too as long as bytes are ASCII: those of
-// this table. The other bytes have the weight 0 and leave the order to whole characters.
-struct LowerCaseWeights {
-    std::uint8_t weights[256];
-};
-inline constexpr LowerCaseWeights kLowerCase = [] {
-    LowerCaseWeights table{};
-    for (unsigned byte = 0; byte < 0x80; ++byte)
-        table.weights[byte] = static_cast<std::uint8_t>(asciiLower(byte));
-    return table;
-}();
-
 #if defined(VELNLS_READS_AHEAD)
 
-// The places of two strings' first block where their bytes differ or are both NUL; none where the block does
-// not lie in one page.
-[[gnu::always_inline]] inline std::uint32_t firstDifferences(const std::uint8_t *a, const std::uint8_t *b) {
-    return staysInPage(a) && staysInPage(b) ? differencesAhead(a, b) : 0;
+// Whether the first bytes of both strings, kAheadBytes of each, can be loaded.
+[[gnu::always_inline]] inline bool canLookAhead(const std::uint8_t *a, const std::uint8_t *b) {
+    return staysInPage(a) && staysInPage(b);
 }
 
-// The order of two strings by weights, with 0 for that of NUL, as far as their first block goes. Bytes of one
-// weight are gone over; a byte of the weight 0 leaves the order to whole characters or to expansions.
-// `kCharacters`: a byte that is not ASCII may begin a character of up to four bytes, and what it may reach in
-// broken text is left as well.
-template <bool kCharacters>
-[[gnu::always_inline]] inline int orderInBlock(const std::uint8_t *weights, const std::uint8_t *a,
-                                               const std::uint8_t *b) {
-    for (std::uint32_t places = firstDifferences(a, b); places != 0; places &= places - 1) {
-        const unsigned at = firstOf(places);
-        if (kCharacters && (std::uint64_t{highAhead(a)} << 3 >> at & 7) != 0) [[unlikely]]
-            return kUnsettled;
-        const unsigned weightA = weights[a[at]];
-        const unsigned weightB = weights[b[at]];
-        if (weightA != weightB && weightA != 0 && weightB != 0) [[likely]]
-            return orderOf(weightA, weightB);
-        if (a[at] == 0 || b[at] == 0)
-            return byteOrder(a[at], b[at]);
-        if (weightA != weightB || weightA == 0)
-            return kUnsettled;
+inline constexpr unsigned kUnknownPlace = ~0U;
+
+// The first place where two strings differ or both end, as far as the first block goes; kUnknownPlace behind
+// that. Most strings differ in the first half of it: the second one is looked at only where they do not.
+
+[[gnu::always_inline]] inline unsigned firstDifference(const std::uint8_t *a, const std::uint8_t *b) {
+    if (!canLookAhead(a, b)) [[unlikely]]
+        return kUnknownPlace;
+    if (const std::uint32_t places = differencesInHalf(a, b); places != 0) [[likely]]
+        return firstOf(places);
+    if (const std::uint32_t places = differencesInHalf(a + kHalfBytes, b + kHalfBytes); places != 0)
+        [[likely]]
+        return kHalfBytes + firstOf(places);
+    return kUnknownPlace;
+}
+
+// The order by the bytes themselves.
+[[gnu::always_inline]] inline int orderOfFirstBytes(const std::uint8_t *a, const std::uint8_t *b) {
+    const unsigned at = firstDifference(a, b);
+    return at == kUnknownPlace ? kUnsettled : byteOrder(a[at], b[at]);
+}
+
+// The order by weights, with 0 for that of NUL; unsettled where the first bytes that differ are of one
+// weight, or one of them is of the weight 0. `alike` becomes how many bytes both begin with, as far as known.
+[[gnu::always_inline]] inline int orderOfFirstWeights(const std::uint8_t *weights, const std::uint8_t *a,
+                                                      const std::uint8_t *b, unsigned &alike) {
+    alike = 0;
+    const auto isSettled = [](unsigned weightA, unsigned weightB) {
+        return weightA != weightB && ((weightA - 1) | (weightB - 1)) <= 0xFF;
+    };
+    const unsigned firstA = weights[*a];
+    const unsigned firstB = weights[*b];
+    if (isSettled(firstA, firstB))
+        return orderOf(firstA, firstB);
+    const unsigned at = firstDifference(a, b);
+    if (at == kUnknownPlace) [[unlikely]]
+        return kUnsettled;
+    alike = at;
+    const unsigned weightA = weights[a[at]];
+    const unsigned weightB = weights[b[at]];
+    if (isSettled(weightA, weightB)) [[likely]]
+        return orderOf(weightA, weightB);
+    return (a[at] | b[at]) == 0 ? 0 : kUnsettled;
+}
+
+// The order by characters folded to lower case, where bytes of ASCII are characters of their own.
+// `page.orderOfFirst(a, b)`: the order of texts whose first characters settle it already.
+// `page.isPlain(text, place)`: whether the characters before a place are ASCII, as far as they may reach it.
+// `page.beginOf(text, place)`: where in a text the character begins that the byte at `place` belongs to, of
+// a place in the first block; kUnknownPlace where that takes a closer look. `page.fold(at, number)`: the
+// folded number of the character at a place; false for one that is left to the general way.
+template <typename Page>
+[[gnu::always_inline]] inline int orderOfFirstCharacters(const Page &page, const std::uint8_t *a,
+                                                         const std::uint8_t *b) {
+    if (const int order = page.orderOfFirst(a, b); order != kUnsettled)
+        return order;
+    if (!canLookAhead(a, b)) [[unlikely]]
+        return kUnsettled;
+    for (unsigned from = 0; from != kAheadBytes; from += kHalfBytes) {
+        for (std::uint32_t places = differencesInHalf(a + from, b + from); places != 0;
+             places &= places - 1) {
+            const unsigned at = from + firstOf(places);
+            const unsigned byteA = a[at];
+            const unsigned byteB = b[at];
+            if ((byteA | byteB) < 0x80 && page.isPlain(a, at)) [[likely]] {
+                if (byteA == 0 || byteB == 0)
+                    return byteOrder(byteA, byteB);
+                const unsigned foldA = asciiLower(byteA);
+                const unsigned foldB = asciiLower(byteB);
+                if (foldA != foldB) [[likely]]
+                    return orderOf(foldA, foldB);
+                continue;
+            }
+            const unsigned begin = page.beginOf(a, at);
+            std::uint32_t foldA = 0;
+            std::uint32_t foldB = 0;
+            if (begin == kUnknownPlace || !page.fold(a + begin, foldA) || !page.fold(b + begin, foldB))
+                return kUnsettled;
+            return foldA != foldB ? orderOf(foldA, foldB) : kUnsettled;
+        }
     }
     return kUnsettled;
 }
 
-// The same by the bytes themselves.
-[[gnu::always_inline]] inline int orderOfBytesInBlock(const std::uint8_t *a, const std::uint8_t *b) {
-    const std::uint32_t places = firstDifferences(a, b);
-    if (places == 0) [[unlikely]]
-        return kUnsettled;
-    const unsigned at = firstOf(places);
-    return byteOrder(a[at], b[at]);
-}
-
 #else
 
-template <bool kCharacters>
-int orderInBlock(const std::uint8_t *, const std::uint8_t *, const std::uint8_t *) {
+inline int orderOfFirstBytes(const std::uint8_t *, const std::uint8_t *) {
     return kUnsettled;
 }
-inline int orderOfBytesInBlock(const std::uint8_t *, const std::uint8_t *) {
+inline int orderOfFirstWeights(const std::uint8_t *, const std::uint8_t *, const std::uint8_t *,
+                               unsigned &alike) {
+    alike = 0;
+    return kUnsettled;
+}
+template <typename Page>
+int orderOfFirstCharacters(const Page &, const std::uint8_t *, const std::uint8_t *) {
     return kUnsettled;
 }
 

@@ -23,7 +23,8 @@
 
 namespace velnls {
 
-inline constexpr std::size_t kAheadBytes = 32; // of one block
+inline constexpr unsigned kHalfBytes = 16;
+inline constexpr unsigned kAheadBytes = 2 * kHalfBytes; // of one block
 inline constexpr std::size_t kSmallestPage = 4096;
 
 // Bytes from `at` to the end of its page.
@@ -76,6 +77,14 @@ inline std::uint32_t differencesAhead(const std::uint8_t *a, const std::uint8_t 
 
 inline std::uint32_t endsAhead(const std::uint8_t *at) {
     return zeroesIn(loadAhead(at));
+}
+
+// The same of half a block.
+inline std::uint32_t differencesInHalf(const std::uint8_t *a, const std::uint8_t *b) {
+    const __m128i halfA = _mm_loadu_si128(reinterpret_cast<const __m128i *>(a));
+    const __m128i halfB = _mm_loadu_si128(reinterpret_cast<const __m128i *>(b));
+    const __m128i same = _mm_min_epu8(_mm_cmpeq_epi8(halfA, halfB), halfA);
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(same, _mm_setzero_si128())));
 }
 
 // The bytes from 80 up.

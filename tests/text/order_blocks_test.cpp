@@ -136,26 +136,32 @@ TEST(OrderBlocks, LettersBehindLeadBytesAreCharactersOnlyWherePlainWalksFindThem
     World world(1);
     Place left;
     Place right;
-    static constexpr unsigned char kLeads[] = {0xE2, 0xC3, 0xF1, 0x81, 0xDF};
+    static constexpr unsigned char kLeads[] = {0xE2, 0xC3, 0xC4, 0xD0, 0xF1, 0x81, 0xDF};
     for (const unsigned char lead : kLeads) {
-        // Every string of up to four bytes.
-        const Bytes few = {'a', 'B', lead};
+        // Every string of up to three bytes.
+        const Bytes few = {'a', 'B', lead, 0xB0, ' '};
         std::vector<Bytes> all = {{}};
         for (std::size_t i = 0; i < all.size(); ++i)
             for (const unsigned char byte : few)
-                if (all[i].size() < 4)
+                if (all[i].size() < 3)
                     all.push_back(all[i] + Bytes{byte});
-        for (const Kit &one : world.kits)
-            for (const Bytes &a : all) {
-                const char *const textA = left.putInside(a);
-                for (const Bytes &b : all) {
-                    const char *const textB = right.putInside(b);
-                    std::int16_t result = 77;
-                    ASSERT_EQ(nlsCompare(one.locale, textA, textB, 0, &result), NLS_OK);
-                    ASSERT_EQ(result, model::compare(one.twin, a, b, 0).result)
-                        << one.name << ": " << hex(a) << " " << hex(b);
+        // At the beginning, and across the middle of a block.
+        for (const std::size_t before : {0, 14}) {
+            const Bytes begin(before, 'x');
+            for (const Kit &one : world.kits)
+                for (const Bytes &endA : all) {
+                    const Bytes a = begin + endA;
+                    const char *const textA = left.putInside(a);
+                    for (const Bytes &endB : all) {
+                        const Bytes b = begin + endB;
+                        const char *const textB = right.putInside(b);
+                        std::int16_t result = 77;
+                        ASSERT_EQ(nlsCompare(one.locale, textA, textB, 0, &result), NLS_OK);
+                        ASSERT_EQ(result, model::compare(one.twin, a, b, 0).result)
+                            << one.name << ": " << hex(a) << " " << hex(b);
+                    }
                 }
-            }
+        }
     }
 }
 
