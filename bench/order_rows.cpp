@@ -395,9 +395,11 @@ void addJobs(Jobs &jobs, const Order &order, const Floors &floors) {
             for (const Peers peers : {Peers::Same, Peers::Ascii}) {
                 if (peers == Peers::Ascii && (mode != 0 || !order.basic))
                     continue;
+                // Another question than ours has no floor.
                 jobs.push_back({order.name((name + (peers == Peers::Ascii ? "_to_ascii" : "")).c_str(), mode,
                                            size == Size::buffer ? "long" : nameOf(size)),
-                                floor, [&order, mode, peers, what, size](int rounds) {
+                                peers == Peers::Ascii ? 0 : floor,
+                                [&order, mode, peers, what, size](int rounds) {
                                     return compareResult(order, mode, peers, what, size, rounds);
                                 }});
             }
@@ -406,9 +408,10 @@ void addJobs(Jobs &jobs, const Order &order, const Floors &floors) {
         compares("sort", Compares::Sort, Size::lines, floors.sort[mode]);
         compares("neighbours", Compares::Neighbours, Size::shortStrings, floors.neighbours[mode]);
         compares("neighbours", Compares::Neighbours, Size::buffer, floors.neighbours[mode]);
-        // What sorting and merging compare: the floor is theirs.
-        compares("sorted_neighbours", Compares::Sorted, Size::shortStrings, floors.sort[mode]);
-        compares("sorted_neighbours", Compares::Sorted, Size::lines, floors.sort[mode]);
+        // What merging compares, and the end of a sort: the lower floor of the two.
+        const double lower = std::min(floors.sort[mode], floors.neighbours[mode]);
+        compares("sorted_neighbours", Compares::Sorted, Size::shortStrings, lower);
+        compares("sorted_neighbours", Compares::Sorted, Size::lines, lower);
         for (const Size size : {Size::shortStrings, Size::lines, Size::buffer})
             jobs.push_back(
                 {order.name("key", mode, size == Size::buffer ? "long" : nameOf(size)), floors.key[mode],
