@@ -67,11 +67,18 @@ nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out) {
 
 [[gnu::noinline]] nlsStatus compareFirstWeights(const nlsLocale *locale, const char *a, const char *b,
                                                 const std::uint8_t *weights, std::int16_t *out) {
-    unsigned alike;
+    unsigned alike = 0;
     const int order = orderOfFirstWeights(weights, bytesOf(a), bytesOf(b), alike);
     if (order == kUnsettled) [[unlikely]]
         return compareOnByWeights(locale, a + alike, b + alike, weights, out);
     return give(order, out);
+}
+
+// Many strings differ in their first bytes already.
+[[gnu::always_inline]] inline nlsStatus compareByBytes(const nlsLocale *locale, const char *a, const char *b,
+                                                       const std::uint8_t *weights, std::int16_t *out) {
+    const int order = orderOfWeights(weights[*bytesOf(a)], weights[*bytesOf(b)]);
+    return order != kUnsettled ? give(order, out) : compareFirstWeights(locale, a, b, weights, out);
 }
 
 [[gnu::noinline]] nlsStatus compareAllFolded(const nlsLocale *locale, const char *a, const char *b,
@@ -80,13 +87,19 @@ nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out) {
 }
 
 [[gnu::noinline]] nlsStatus compareFirstFoldedBytes(const nlsLocale *locale, const char *a, const char *b,
-                                                    std::int16_t *out) {
-    const std::uint8_t *const lower = static_cast<const ByteCaseTable *>(locale->caseTable)->lower;
-    unsigned alike;
+                                                    const std::uint8_t *lower, std::int16_t *out) {
+    unsigned alike = 0;
     const int order = orderOfFirstWeights(lower, bytesOf(a), bytesOf(b), alike);
     if (order == kUnsettled) [[unlikely]]
         return compareAllFolded(locale, a + alike, b + alike, out);
     return give(order, out);
+}
+
+[[gnu::always_inline]] inline nlsStatus compareByFoldedBytes(const nlsLocale *locale, const char *a,
+                                                             const char *b, std::int16_t *out) {
+    const std::uint8_t *const lower = static_cast<const ByteCaseTable *>(locale->caseTable)->lower;
+    const int order = orderOfWeights(lower[*bytesOf(a)], lower[*bytesOf(b)]);
+    return order != kUnsettled ? give(order, out) : compareFirstFoldedBytes(locale, a, b, lower, out);
 }
 
 template <typename Page>
@@ -102,7 +115,7 @@ template <typename Page>
 [[gnu::always_inline]] inline nlsStatus compareFolding(const nlsLocale *locale, std::uint32_t proofs,
                                                        const char *a, const char *b, std::int16_t *out) {
     if ((proofs & kByteOrder) != 0)
-        return compareFirstFoldedBytes(locale, a, b, out);
+        return compareByFoldedBytes(locale, a, b, out);
     if ((proofs & kAsciiOrder) == 0)
         return compareAllFolded(locale, a, b, out);
     if ((proofs & kUtf8Page) != 0)
@@ -122,7 +135,7 @@ nlsStatus nlsCompare(nlsLocale *locale, const char *a, const char *b, int16_t mo
         return mode != 0 ? compareFirstBytes(a, b, result) : compareFolding(locale, proofs, a, b, result);
     if ((proofs & kByteWeights) == 0 || (mode & ~1) != 0) [[unlikely]]
         return compareWhole(locale, a, b, mode, result);
-    return compareFirstWeights(locale, a, b, provedWeights(*locale, static_cast<unsigned>(mode)), result);
+    return compareByBytes(locale, a, b, provedWeights(*locale, static_cast<unsigned>(mode)), result);
 }
 
 nlsStatus nlsCompareN(nlsLocale *locale, const char *a, const char *b, int32_t lengthA, uint32_t lengthB,

@@ -98,8 +98,14 @@ public:
         return isAsciiBefore<1>(text, place);
     }
 
-    static int orderOfFirst(const std::uint8_t *, const std::uint8_t *) {
-        return kUnsettled;
+    // Texts that begin with pairs: they have no case.
+    [[gnu::always_inline]] [[nodiscard]] int orderOfFirst(const std::uint8_t *a,
+                                                          const std::uint8_t *b) const {
+        if (chars_.trailCount(a[0]) == 0 || chars_.trailCount(b[0]) == 0 || a[1] == 0 || b[1] == 0)
+            return kUnsettled;
+        const unsigned pairA = a[0] << 8 | a[1];
+        const unsigned pairB = b[0] << 8 | b[1];
+        return pairA != pairB ? orderOf(pairA, pairB) : kUnsettled;
     }
     // Of a run of lead bytes that ends before the place, every other one is a trail byte.
     [[gnu::always_inline]] [[nodiscard]] unsigned beginOf(const std::uint8_t *text, unsigned place) const {

@@ -40,6 +40,13 @@ inline int signOf(int difference) {
     return (a | b) == ' ' ? kUnsettled : signOf(static_cast<int>(a - b));
 }
 
+// Of two weights that are not alike, and where none is 0.
+[[gnu::always_inline]] inline int orderOfWeights(unsigned weightA, unsigned weightB) {
+    constexpr unsigned kMost = 0xFF;
+    return weightA != weightB && ((weightA - 1) | (weightB - 1)) <= kMost ? orderOf(weightA, weightB)
+                                                                          : kUnsettled;
+}
+
 #if defined(VELNLS_READS_AHEAD)
 
 // Whether the first bytes of both strings, kAheadBytes of each, can be loaded.
@@ -74,21 +81,12 @@ inline constexpr unsigned kUnknownPlace = ~0U;
 [[gnu::always_inline]] inline int orderOfFirstWeights(const std::uint8_t *weights, const std::uint8_t *a,
                                                       const std::uint8_t *b, unsigned &alike) {
     alike = 0;
-    const auto isSettled = [](unsigned weightA, unsigned weightB) {
-        return weightA != weightB && ((weightA - 1) | (weightB - 1)) <= 0xFF;
-    };
-    const unsigned firstA = weights[*a];
-    const unsigned firstB = weights[*b];
-    if (isSettled(firstA, firstB))
-        return orderOf(firstA, firstB);
     const unsigned at = firstDifference(a, b);
     if (at == kUnknownPlace) [[unlikely]]
         return kUnsettled;
     alike = at;
-    const unsigned weightA = weights[a[at]];
-    const unsigned weightB = weights[b[at]];
-    if (isSettled(weightA, weightB)) [[likely]]
-        return orderOf(weightA, weightB);
+    if (const int order = orderOfWeights(weights[a[at]], weights[b[at]]); order != kUnsettled) [[likely]]
+        return order;
     return (a[at] | b[at]) == 0 ? 0 : kUnsettled;
 }
 
