@@ -9,6 +9,10 @@
 #include <bit>
 #include <cstring>
 
+#if defined(__SSE2__) && !defined(VELNLS_PLAIN_LOOPS)
+#include <emmintrin.h>
+#endif
+
 namespace velnls {
 
 namespace {
@@ -23,24 +27,43 @@ bool hasTable(const Entry &entry) {
 // A directory has many hundred entries, and every program that starts reads them all: names are cleared
 // behind their NUL by words, and numbers are read digit by digit only where they are nothing but digits.
 
-// The bytes of a word before its first zero byte; `ended` tells whether there is one, or was before.
-std::uint64_t beforeZero(std::uint64_t word, bool &ended) {
-    if (ended)
-        return 0;
-    const std::uint64_t zeros = (word - 0x0101010101010101) & ~word & 0x8080808080808080;
-    ended = zeros != 0;
-    if (!ended)
-        return word;
-    return word & ((zeros & (0 - zeros)) - 1); // up to the lowest zero byte, which is the first
+// Nothing jumps by how long a name is: that cannot be foreseen.
+
+// The high bits of a word's zero bytes; from the lowest one up others may be set besides.
+std::uint64_t zerosOf(std::uint64_t word) {
+    return (word - 0x0101010101010101) & ~word & 0x8080808080808080;
 }
 
-void takeName(char (&to)[file::kNameSize], const char (&from)[file::kNameSize]) {
+// A word's bytes before its first zero byte, by the zeros found in it and in the words before.
+std::uint64_t beforeZero(std::uint64_t word, std::uint64_t zeros, std::uint64_t zerosBefore) {
+    const std::uint64_t goesOn = zerosBefore == 0 ? ~std::uint64_t{0} : 0;
+    return word & ((zeros & (0 - zeros)) - 1) & goesOn;
+}
+
+[[gnu::always_inline]] inline void takeName(char (&to)[file::kNameSize],
+                                            const char (&from)[file::kNameSize]) {
     static_assert(std::endian::native == std::endian::little && file::kNameSize == 20);
-    bool ended = false;
-    storeNumber(to, beforeZero(loadNumber<std::uint64_t>(from), ended));
-    storeNumber(to + 8, beforeZero(loadNumber<std::uint64_t>(from + 8), ended));
-    const std::uint32_t last = loadNumber<std::uint32_t>(from + 16) & 0xFFFFFF; // always with a NUL
-    storeNumber(to + 16, static_cast<std::uint32_t>(beforeZero(last, ended)));
+    const std::uint64_t last = loadNumber<std::uint32_t>(from + 16) & 0xFFFFFF; // always with a NUL
+#if defined(__SSE2__) && !defined(VELNLS_PLAIN_LOOPS)
+    constexpr unsigned kFirst = 16;
+    static constexpr std::uint8_t kKeep[2 * kFirst] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                                                       0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
+    const auto zeros =
+        static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(first, _mm_setzero_si128())));
+    const auto length = static_cast<unsigned>(__builtin_ctz(zeros | 1U << kFirst));
+    const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i *>(kKeep + kFirst - length));
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(to), _mm_and_si128(first, keep));
+    storeNumber(to + kFirst, static_cast<std::uint32_t>(beforeZero(last, zerosOf(last), zeros)));
+#else
+    const auto first = loadNumber<std::uint64_t>(from);
+    const auto second = loadNumber<std::uint64_t>(from + 8);
+    const std::uint64_t zeros = zerosOf(first);
+    const std::uint64_t moreZeros = zerosOf(second);
+    storeNumber(to, beforeZero(first, zeros, 0));
+    storeNumber(to + 8, beforeZero(second, moreZeros, zeros));
+    storeNumber(to + 16, static_cast<std::uint32_t>(beforeZero(last, zerosOf(last), zeros | moreZeros)));
+#endif
 }
 
 // Seven digits, the first in the lowest byte.

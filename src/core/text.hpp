@@ -14,6 +14,12 @@ std::int32_t parseNumber(const char *field, int width);
 int compareNames(const char *a, const char *b);
 
 inline bool sameName(const char *a, const char *b) {
+    // A whole directory is searched by this: most names begin with another letter.
+    constexpr unsigned kCaseBit = 0x20;
+    const auto firstA = static_cast<unsigned char>(*a);
+    const auto firstB = static_cast<unsigned char>(*b);
+    if (((firstA ^ firstB) & ~kCaseBit) != 0 && firstA > ' ' && firstB > ' ')
+        return false;
     return compareNames(a, b) == 0;
 }
 

@@ -269,6 +269,8 @@ void closeConverter(Converter *converter) {
 }
 
 void closeConvertersOf(const nlsHandle &handle) {
+    if (level() < kConversion) // none was ever opened
+        return;
     for (const Entry &entry : directoryOf(handle)) {
         if (entry.kind == file::kConversion && entry.table != nullptr &&
             isIcuType(headerOf(entry.table).type))
