@@ -71,6 +71,9 @@ void collator_setStrength(UCollator *collator, int32_t strength) {
         ucol_setAttribute(collator, UCOL_CASE_LEVEL, UCOL_ON, &error);
         return;
     }
+    /* The case level goes with primary strength: nothing to do for a strength that stays. */
+    if (strength != UCOL_PRIMARY && (UCollationStrength)strength == ucol_getStrength(collator))
+        return;
     if (ucol_getAttribute(collator, UCOL_CASE_LEVEL, &error) == UCOL_ON)
         ucol_setAttribute(collator, UCOL_CASE_LEVEL, UCOL_DEFAULT, &error);
     ucol_setStrength(collator, (UCollationStrength)strength);

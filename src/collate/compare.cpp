@@ -9,7 +9,11 @@
 
 namespace velnls {
 
-nlsStatus compareTexts(const nlsLocale &locale, Text a, Text b, unsigned mode, int &result) {
+namespace {
+
+// By the orders of the library and of the site.
+[[gnu::noinline]] nlsStatus compareByTables(const nlsLocale &locale, Text a, Text b, unsigned mode,
+                                            int &result) {
     const Collation &collation = *locale.collation;
     switch (collation.kind) {
     case file::kThai:
@@ -20,10 +24,6 @@ nlsStatus compareTexts(const nlsLocale &locale, Text a, Text b, unsigned mode, i
         return NLS_OK;
     case file::kSortExit:
         return compareByExit(collation, a, b, mode, result);
-    case file::kIcu:
-        if (icu::isServed(collation))
-            return icu::compareTexts(collation, a, b, mode, result);
-        break;
     default:
         break;
     }
@@ -41,6 +41,13 @@ nlsStatus compareTexts(const nlsLocale &locale, Text a, Text b, unsigned mode, i
         result = compareByWeights(order, a, b);
     }
     return NLS_OK;
+}
+
+} // namespace
+
+nlsStatus compareTexts(const nlsLocale &locale, Text a, Text b, unsigned mode, int &result) {
+    return icu::isServed(*locale.collation) ? icu::compareTexts(*locale.collation, a, b, mode, result)
+                                            : compareByTables(locale, a, b, mode, result);
 }
 
 } // namespace velnls

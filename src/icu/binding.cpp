@@ -9,6 +9,8 @@
 
 namespace velnls::icu {
 
+constinit Functions boundFunctions{};
+
 namespace {
 
 // Every function carries the number of the one ICU release that a build binds to; a build setting.
@@ -34,8 +36,6 @@ constexpr char kDataLibrary[] = "icudata-qmx";
 constexpr char kCommonLibrary[] = "icuuc-qmx";
 constexpr char kLanguageLibrary[] = "icui18n-qmx";
 
-// Written by the thread that binds, before the level that lets others read.
-Functions table;
 std::atomic<std::int32_t> reached{kUnbound};
 std::atomic_flag binding = ATOMIC_FLAG_INIT;
 
@@ -69,22 +69,18 @@ bool bindConversion() {
     if (load(kDataLibrary) == nullptr)
         return false;
     void *const common = load(kCommonLibrary);
-    return common != nullptr && find(common, kConverterNames, &table.converters);
+    return common != nullptr && find(common, kConverterNames, &boundFunctions.converters);
 }
 
 bool bindCollation() {
     void *const languages = load(kLanguageLibrary);
-    return languages != nullptr && find(languages, kCollatorNames, &table.collators);
+    return languages != nullptr && find(languages, kCollatorNames, &boundFunctions.collators);
 }
 
 } // namespace
 
 Level level() {
     return static_cast<Level>(reached.load(std::memory_order_acquire));
-}
-
-const Functions &functions() {
-    return table;
 }
 
 nlsStatus bind(Level wanted) {

@@ -22,7 +22,12 @@ nlsStatus bind(Level wanted);
 // What is bound now.
 Level level();
 
+// Written by the thread that binds, before the level that lets others read.
+extern Functions boundFunctions;
+
 // The function table: those of a level may be called once that level is reached.
-const Functions &functions();
+inline const Functions &functions() {
+    return boundFunctions;
+}
 
 } // namespace velnls::icu

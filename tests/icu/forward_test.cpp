@@ -275,6 +275,21 @@ TEST_F(Forwarded, Strength4IgnoresAccentsButNotCase) {
     EXPECT_EQ(compared("resume", "Resume", 4), 0) << "what strength 4 set is taken back";
     EXPECT_EQ(compared("resume", "Resume", 0), 0);
     EXPECT_EQ(compared("resume", "r\xC3\xA9sum\xC3\xA9", 1), -1);
+    // Whatever strength was used before, the one asked for counts.
+    struct Expected {
+        std::int16_t mode;
+        int accents, cases;
+    };
+    constexpr Expected kAll[] = {{0, -1, 0}, {1, -1, -1}, {4, 0, 0}, {5, -1, 0}, {6, -1, -1}, {8, 0, -1}};
+    for (const Expected &before : kAll)
+        for (const Expected &now : kAll) {
+            compared("a", "b", before.mode);
+            EXPECT_EQ(compared("resume", "r\xC3\xA9sume", now.mode), now.accents)
+                << now.mode << " after " << before.mode;
+            compared("a", "b", before.mode);
+            EXPECT_EQ(compared("resume", "Resume", now.mode), now.cases)
+                << now.mode << " after " << before.mode;
+        }
 }
 
 // ---- GB18030 ----
