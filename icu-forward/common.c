@@ -5,7 +5,6 @@
 #include "forward.h"
 #include "utf8.h"
 
-#include <string.h>
 #include <unicode/ucnv.h>
 
 UConverter *converter_open(const char *name, UErrorCode *error) NAMED("ucnv_open");
@@ -75,10 +74,15 @@ static void freeSlot(Slot *slot) {
     __atomic_store_n(&slot->taken, 0, __ATOMIC_RELEASE);
 }
 
+/* Spelled as velnls spells it. */
+static int isUtf8(const char *name) {
+    return name != NULL && name[0] == 'u' && name[1] == 't' && name[2] == 'f' && name[3] == '8' &&
+           name[4] == '\0';
+}
+
 UConverter *converter_open(const char *name, UErrorCode *error) {
     Slot *slot;
-    if (name == NULL || strcmp(name, "utf8") != 0 || error == NULL || U_FAILURE(*error) ||
-        (slot = takeSlot()) == NULL)
+    if (!isUtf8(name) || error == NULL || U_FAILURE(*error) || (slot = takeSlot()) == NULL)
         return ucnv_open(name, error);
     if (slot->converter == NULL) {
         slot->converter = ucnv_open(name, error);

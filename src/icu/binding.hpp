@@ -23,7 +23,8 @@ nlsStatus bind(Level wanted);
 Level level();
 
 // Written by the thread that binds, before the level that lets others read.
-extern Functions boundFunctions;
+// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): initialised by a constant, in binding.cpp
+extern constinit Functions boundFunctions;
 
 // The function table: those of a level may be called once that level is reached.
 inline const Functions &functions() {

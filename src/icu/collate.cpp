@@ -65,12 +65,7 @@ Collator *openLocale(const char *name) {
 }
 
 // The place of a strength's name in the list.
-std::int32_t strengthOfName(const char *name) {
-    // The two that the areas have, without a search.
-    if (std::memcmp(name, kSensitiveStrength, sizeof kSensitiveStrength) == 0)
-        return 2;
-    if (std::memcmp(name, kInsensitiveStrength, sizeof kInsensitiveStrength) == 0)
-        return 1;
+[[gnu::noinline]] std::int32_t placeOfName(const char *name) {
     const std::size_t at = kStrengths.find(name);
     if (at == std::string_view::npos)
         return kNoStrength;
@@ -78,6 +73,15 @@ std::int32_t strengthOfName(const char *name) {
     for (const char c : kStrengths.substr(0, at))
         strength += c == ',' ? 1 : 0;
     return strength;
+}
+
+std::int32_t strengthOfName(const char *name) {
+    // The two that the areas have, without a search.
+    if (std::memcmp(name, kSensitiveStrength, sizeof kSensitiveStrength) == 0)
+        return 2;
+    if (std::memcmp(name, kInsensitiveStrength, sizeof kInsensitiveStrength) == 0)
+        return 1;
+    return placeOfName(name);
 }
 
 std::int32_t strengthOfMode(const Collation &record, unsigned mode) {
