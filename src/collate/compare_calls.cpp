@@ -128,14 +128,14 @@ template <typename Page>
 } // namespace
 
 nlsStatus nlsCompare(nlsLocale *locale, const char *a, const char *b, int16_t mode, int16_t *result) {
-    if (a == nullptr || b == nullptr || result == nullptr) [[unlikely]]
-        return compareWhole(locale, a, b, mode, result);
     const std::uint32_t proofs = provedOrder(locale);
-    if ((proofs & kBasicOrder) != 0)
-        return mode != 0 ? compareFirstBytes(a, b, result) : compareFolding(locale, proofs, a, b, result);
-    if ((proofs & kByteWeights) == 0 || (mode & ~1) != 0) [[unlikely]]
-        return compareWhole(locale, a, b, mode, result);
-    return compareByBytes(locale, a, b, provedWeights(*locale, static_cast<unsigned>(mode)), result);
+    if (a != nullptr && b != nullptr && result != nullptr) [[likely]] {
+        if ((proofs & kByteWeights) != 0 && (mode & ~1) == 0)
+            return compareByBytes(locale, a, b, provedWeights(*locale, static_cast<unsigned>(mode)), result);
+        if ((proofs & kBasicOrder) != 0)
+            return mode != 0 ? compareFirstBytes(a, b, result) : compareFolding(locale, proofs, a, b, result);
+    }
+    return compareWhole(locale, a, b, mode, result);
 }
 
 nlsStatus nlsCompareN(nlsLocale *locale, const char *a, const char *b, int32_t lengthA, uint32_t lengthB,
