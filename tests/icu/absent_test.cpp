@@ -12,8 +12,9 @@ using process::seen;
 
 // Environments in which nothing is found.
 void nothingThere() {
-    process::setVariable("BINPATHX", "/no/such/folder");
-    process::setVariable("PATH", "/no/such/folder:/no/such/folder/either");
+    process::setVariable("BINPATHX", process::kNoSuchFolder);
+    process::setVariable(
+        "PATH", process::pathOf({process::kNoSuchFolder, std::string(process::kNoSuchFolder) + "2"}));
 }
 
 TEST(Absent, AConversionThatNeedsIcuGives8) {

@@ -39,10 +39,12 @@ Calls found(const Calls &calls, const char *const (&names)[9]) {
 
 // The calls of a bind that finds everything, of files below a folder ("" for bare names).
 Calls conversionCalls(const std::string &folder) {
-    return found({"load " + folder + "icudata-qmx.so", "load " + folder + "icuuc-qmx.so"}, kConverterNames);
+    return found({"load " + folder + "icudata-qmx" VELNLS_LIBRARY_ENDING,
+                  "load " + folder + "icuuc-qmx" VELNLS_LIBRARY_ENDING},
+                 kConverterNames);
 }
 Calls languageCalls(const std::string &folder) {
-    return found({"load " + folder + "icui18n-qmx.so"}, kCollatorNames);
+    return found({"load " + folder + "icui18n-qmx" VELNLS_LIBRARY_ENDING}, kCollatorNames);
 }
 Calls operator+(Calls a, const Calls &b) {
     a.insert(a.end(), b.begin(), b.end());
@@ -56,16 +58,18 @@ TEST(Binding, LibrariesComeFromBinBelowBinpathx) {
         process::setVariable("BINPATHX", home.path());
         world::Open open;
         ASSERT_TRUE(seen("nlsCreateConversion", 0, open.tryConversion("X", "UTF-8")));
-        EXPECT_EQ(process::loaderCalls(), conversionCalls(home.bin() + "/"));
+        EXPECT_EQ(process::loaderCalls(), conversionCalls(home.bin() + process::kSeparator));
     });
 }
 
 TEST(Binding, TheFirstLibraryAskedForIsTheDataLibrary) {
     isolated([] {
-        process::setVariable("BINPATHX", "/no/such/folder");
+        process::setVariable("BINPATHX", process::kNoSuchFolder);
         world::Open open;
         ASSERT_TRUE(seen("nlsCreateConversion", 8, open.tryConversion("X", "UTF-8")));
-        EXPECT_EQ(process::loaderCalls(), Calls{"load /no/such/folder/bin/icudata-qmx.so"});
+        EXPECT_EQ(process::loaderCalls(),
+                  Calls{std::string("load ") + process::kNoSuchFolder + process::kSeparator + "bin" +
+                        process::kSeparator + "icudata-qmx" VELNLS_LIBRARY_ENDING});
     });
 }
 
@@ -74,7 +78,7 @@ TEST(Binding, WithoutBinpathxTheNamesAreBare) {
         process::clearVariable("BINPATHX");
         world::Open open;
         ASSERT_TRUE(seen("nlsCreateConversion", 8, open.tryConversion("X", "UTF-8")));
-        EXPECT_EQ(process::loaderCalls(), Calls{"load icudata-qmx.so"});
+        EXPECT_EQ(process::loaderCalls(), Calls{"load icudata-qmx" VELNLS_LIBRARY_ENDING});
     });
 }
 
@@ -83,7 +87,7 @@ TEST(Binding, AnEmptyBinpathxCountsAsNotSet) {
         process::setVariable("BINPATHX", "");
         world::Open open;
         ASSERT_TRUE(seen("nlsCreateConversion", 8, open.tryConversion("X", "UTF-8")));
-        EXPECT_EQ(process::loaderCalls(), Calls{"load icudata-qmx.so"});
+        EXPECT_EQ(process::loaderCalls(), Calls{"load icudata-qmx" VELNLS_LIBRARY_ENDING});
     });
 }
 
@@ -105,7 +109,7 @@ TEST(Binding, AConversionBindsTheFirstLevelAndACollationTheRest) {
         ASSERT_EQ(open.tryConversion("X", "UTF-8"), NLS_OK);
         process::forgetLoaderCalls();
         ASSERT_TRUE(seen("nlsCreateLocale", 0, open.tryLocale("UTF-8", "ICU-de")));
-        EXPECT_EQ(process::loaderCalls(), languageCalls(home.bin() + "/"));
+        EXPECT_EQ(process::loaderCalls(), languageCalls(home.bin() + process::kSeparator));
         process::forgetLoaderCalls();
         ASSERT_EQ(open.tryLocale("UTF-8", "ICU-fr"), NLS_OK);
         ASSERT_EQ(open.tryConversion("UTF-8", "X"), NLS_OK);
@@ -120,8 +124,8 @@ TEST(Binding, ACollationFirstBindsAllInOneGo) {
         process::setVariable("BINPATHX", home.path());
         world::Open open;
         ASSERT_EQ(open.tryLocale("UTF-8", "ICU-de"), NLS_OK);
-        EXPECT_EQ(process::loaderCalls(),
-                  conversionCalls(home.bin() + "/") + languageCalls(home.bin() + "/"));
+        EXPECT_EQ(process::loaderCalls(), conversionCalls(home.bin() + process::kSeparator) +
+                                              languageCalls(home.bin() + process::kSeparator));
         process::forgetLoaderCalls();
         ASSERT_EQ(open.tryConversion("X", "UTF-8"), NLS_OK);
         EXPECT_EQ(process::loaderCalls(), Calls{});
@@ -146,7 +150,7 @@ TEST(Binding, NothingIsUnloaded) {
 
 TEST(Binding, EachLibraryThatIsMissingFails) {
     const std::vector<std::pair<const char *, const char *>> libraries = {
-        {"data.so", "icudata-qmx.so"}, {"common.so", "icuuc-qmx.so"}, {"languages.so", "icui18n-qmx.so"}};
+        {"data", "icudata-qmx"}, {"common", "icuuc-qmx"}, {"languages", "icui18n-qmx"}};
     for (std::size_t missing = 0; missing < libraries.size(); ++missing) {
         const Home home;
         for (std::size_t i = 0; i < libraries.size(); ++i)
@@ -156,7 +160,7 @@ TEST(Binding, EachLibraryThatIsMissingFails) {
             process::setVariable("BINPATHX", home.path());
             world::Open open;
             EXPECT_TRUE(seen("nlsCreateLocale", 1, open.tryLocale("UTF-8", "ICU-de")));
-            EXPECT_EQ(process::loaderCalls().back(), "load " + home.bin() + "/" + libraries[missing].second);
+            EXPECT_EQ(process::loaderCalls().back(), "load " + home.library(libraries[missing].second));
             const nlsStatus expected = missing == 2 ? NLS_OK : NLS_E_ICU;
             EXPECT_EQ(open.tryConversion("X", "UTF-8"), expected) << "conversions need the first two";
             EXPECT_EQ(fake::icu.count("ucol_open"), 0);
@@ -192,34 +196,35 @@ TEST(Binding, EachFunctionThatIsMissingFailsTheBind) {
 
 TEST(Binding, ABindThatFailsLeavesTheLevelAsItWas) {
     const Home home;
-    home.put("data.so", "icudata-qmx.so");
-    home.put("common.so", "icuuc-qmx.so");
+    home.put("data", "icudata-qmx");
+    home.put("common", "icuuc-qmx");
     isolated([&] {
         process::setVariable("BINPATHX", home.path());
         world::Open open;
         ASSERT_EQ(open.tryLocale("UTF-8", "ICU-de"), NLS_E_NOMEM);
         process::forgetLoaderCalls();
         ASSERT_EQ(open.tryConversion("X", "UTF-8"), NLS_OK);
-        EXPECT_EQ(process::loaderCalls(), conversionCalls(home.bin() + "/")) << "from level 0 again";
+        EXPECT_EQ(process::loaderCalls(), conversionCalls(home.bin() + process::kSeparator))
+            << "from level 0 again";
         process::forgetLoaderCalls();
         ASSERT_EQ(open.tryLocale("UTF-8", "ICU-de"), NLS_E_NOMEM);
-        EXPECT_EQ(process::loaderCalls(), Calls{"load " + home.bin() + "/icui18n-qmx.so"}) << "level 1 stays";
-        home.put("languages.so", "icui18n-qmx.so");
+        EXPECT_EQ(process::loaderCalls(), Calls{"load " + home.library("icui18n-qmx")}) << "level 1 stays";
+        home.put("languages", "icui18n-qmx");
         EXPECT_EQ(open.tryLocale("UTF-8", "ICU-de"), NLS_OK) << "the next request tries again";
     });
 }
 
 TEST(Binding, AnotherReleaseFailsAtTheFirstFunction) {
     const Home home;
-    home.put("data.so", "icudata-qmx.so");
-    home.put("common_3_0.so", "icuuc-qmx.so");
-    home.put("languages_3_0.so", "icui18n-qmx.so");
+    home.put("data", "icudata-qmx");
+    home.put("common_3_0", "icuuc-qmx");
+    home.put("languages_3_0", "icui18n-qmx");
     isolated([&] {
         process::setVariable("BINPATHX", home.path());
         world::Open open;
         EXPECT_TRUE(seen("nlsCreateConversion", 8, open.tryConversion("X", "UTF-8")));
         EXPECT_EQ(process::loaderCalls(),
-                  (Calls{"load " + home.bin() + "/icudata-qmx.so", "load " + home.bin() + "/icuuc-qmx.so",
+                  (Calls{"load " + home.library("icudata-qmx"), "load " + home.library("icuuc-qmx"),
                          std::string("find ucnv_open") + VELNLS_ICU_SUFFIX}));
         EXPECT_TRUE(seen("nlsCreateLocale", 1, open.tryLocale("UTF-8", "ICU-de")));
     });
@@ -242,8 +247,8 @@ TEST(Binding, ThreadsWithAHandleEachBindOnce) {
             threads.emplace_back([&, i] { statuses[i] = handles[i]->tryLocale("UTF-8", "ICU-de"); });
         for (std::thread &thread : threads)
             thread.join();
-        EXPECT_EQ(process::loaderCalls(),
-                  conversionCalls(home.bin() + "/") + languageCalls(home.bin() + "/"));
+        EXPECT_EQ(process::loaderCalls(), conversionCalls(home.bin() + process::kSeparator) +
+                                              languageCalls(home.bin() + process::kSeparator));
         EXPECT_EQ(statuses, std::vector<nlsStatus>(6, NLS_E_NOMEM));
     });
 }

@@ -9,8 +9,6 @@
 
 #include <cstring>
 
-#include <sys/resource.h>
-
 namespace {
 
 using fixture::Bytes;
@@ -344,10 +342,7 @@ TEST(IcuCompare, NoMemoryForALongTextGives2) {
     withIcu([](world::Open &open) {
         nlsLocale *const locale = open.locale("UTF-8", "ICU-de");
         const std::string text(64U << 20, 'a');
-        rlimit limit{};
-        getrlimit(RLIMIT_AS, &limit);
-        limit.rlim_cur = 160U << 20;
-        ASSERT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
+        process::refuseLargeBlocks();
         EXPECT_EQ(compared(locale, text, "a", 1, 2), kUntouched);
         EXPECT_EQ(compared(locale, "a", text, 1, 2), kUntouched);
         std::int16_t result = kUntouched;

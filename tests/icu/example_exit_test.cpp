@@ -24,7 +24,7 @@ fixture::DataFile siteFile() {
 
 void withExample(const std::function<void(fixture::Library &)> &body) {
     const Home home;
-    home.put("example_exit.so", "usortwin.so");
+    home.put("example_exit", "usortwin");
     process::isolated([&] {
         process::setVariable("PATH", home.bin());
         fixture::Library open(siteFile());

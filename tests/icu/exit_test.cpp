@@ -11,8 +11,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include <unistd.h>
-
 namespace {
 
 using fixture::Bytes;
@@ -33,7 +31,7 @@ Calls operator+(Calls a, const Calls &b) {
 // A case with an exit of a kind on PATH.
 void withExit(const char *built, const std::function<void(const Home &)> &body) {
     const Home home;
-    home.put(built, "usortwin.so");
+    home.put(built, "usortwin");
     isolated([&] {
         process::setVariable("PATH", home.bin());
         body(home);
@@ -43,34 +41,37 @@ void withExit(const char *built, const std::function<void(const Home &)> &body) 
 // ---- Loading ----
 
 TEST(Exit, ItIsLookedForInTheDirectoriesOfPath) {
-    withExit("exit.so", [](const Home &home) {
+    withExit("exit", [](const Home &home) {
         const Home empty;
-        process::setVariable("PATH", "/no/such/folder:" + empty.bin() + ":" + home.bin());
+        process::setVariable("PATH", process::pathOf({process::kNoSuchFolder, empty.bin(), home.bin()}));
         world::Open open;
         ASSERT_TRUE(seen("nlsCreateLocale", 0, open.tryLocale("P", "site")));
-        EXPECT_EQ(process::loaderCalls(), Calls{"load " + home.bin() + "/usortwin.so"} + kLookUps);
+        EXPECT_EQ(process::loaderCalls(), Calls{"load " + home.library("usortwin")} + kLookUps);
     });
 }
 
 TEST(Exit, TheFirstFileOfThatNameDecides) {
-    withExit("exit.so", [](const Home &home) {
+    withExit("exit", [](const Home &home) {
         const Home broken;
-        std::ofstream(broken.bin() + "/usortwin.so") << "no library";
-        process::setVariable("PATH", broken.bin() + ":" + home.bin());
+        std::ofstream(broken.library("usortwin")) << "no library";
+        process::setVariable("PATH", process::pathOf({broken.bin(), home.bin()}));
         world::Open open;
         EXPECT_TRUE(seen("nlsCreateLocale", 25, open.tryLocale("P", "site")));
-        EXPECT_EQ(process::loaderCalls(), Calls{"load " + broken.bin() + "/usortwin.so"});
+        EXPECT_EQ(process::loaderCalls(), Calls{"load " + broken.library("usortwin")});
         const Home folder;
-        std::filesystem::create_directory(folder.bin() + "/usortwin.so");
-        process::setVariable("PATH", folder.bin() + ":" + home.bin());
+        std::filesystem::create_directory(folder.library("usortwin"));
+        process::setVariable("PATH", process::pathOf({folder.bin(), home.bin()}));
         EXPECT_TRUE(seen("nlsCreateLocale", 0, open.tryLocale("P", "site"))) << "a folder is no file";
     });
 }
 
 TEST(Exit, TheCurrentDirectoryIsNotSearchedByAccident) {
-    withExit("exit.so", [](const Home &home) {
-        ASSERT_EQ(chdir(home.bin().c_str()), 0);
-        for (const char *const path : {"", ":", ":/no/such/folder:", "/no/such/folder::"}) {
+    withExit("exit", [](const Home &home) {
+        std::filesystem::current_path(home.bin());
+        const std::string nowhere = process::kNoSuchFolder;
+        for (const std::string &path :
+             {std::string(), process::pathOf({"", ""}), process::pathOf({"", nowhere, ""}),
+              process::pathOf({nowhere, "", ""})}) {
             process::setVariable("PATH", path);
             world::Open open;
             EXPECT_TRUE(seen("nlsCreateLocale", 25, open.tryLocale("P", "site"))) << path;
@@ -85,15 +86,16 @@ TEST(Exit, TheCurrentDirectoryIsNotSearchedByAccident) {
 }
 
 TEST(Exit, ADirectoryWithATooLongNameIsPassedOver) {
-    withExit("exit.so", [](const Home &home) {
-        process::setVariable("PATH", "/" + std::string(5000, 'x') + ":" + home.bin());
+    withExit("exit", [](const Home &home) {
+        process::setVariable("PATH",
+                             process::pathOf({process::kSeparator + std::string(5000, 'x'), home.bin()}));
         world::Open open;
         EXPECT_TRUE(seen("nlsCreateLocale", 0, open.tryLocale("P", "site")));
     });
 }
 
 TEST(Exit, WithoutInitAndTermItIsUsed) {
-    withExit("exit_plain.so", [](const Home &) {
+    withExit("exit_plain", [](const Home &) {
         world::Open open;
         nlsLocale *locale = nullptr;
         ASSERT_TRUE(seen("nlsCreateLocale", 0, open.tryLocale("P", "site", nullptr, &locale)));
@@ -108,11 +110,11 @@ TEST(Exit, WithoutInitAndTermItIsUsed) {
 }
 
 TEST(Exit, WithoutCompOrCopyItIsRefusedAndUnloaded) {
-    for (const char *const built : {"exit_without_comp.so", "exit_without_copy.so"})
+    for (const char *const built : {"exit_without_comp", "exit_without_copy"})
         withExit(built, [](const Home &home) {
             world::Open open;
             EXPECT_TRUE(seen("nlsCreateLocale", 25, open.tryLocale("P", "site")));
-            const std::string path = home.bin() + "/usortwin.so";
+            const std::string path = home.library("usortwin");
             EXPECT_EQ(process::loaderCalls(), Calls{"load " + path} + kLookUps + Calls{"unload " + path});
             EXPECT_TRUE(fake::sortExit.calls.empty()) << "not even made ready";
             EXPECT_EQ(nlsClose(open.handle), NLS_OK);
@@ -121,12 +123,12 @@ TEST(Exit, WithoutCompOrCopyItIsRefusedAndUnloaded) {
 }
 
 TEST(Exit, AnInitThatDoesNotGive0RefusesTheExit) {
-    withExit("exit.so", [](const Home &home) {
+    withExit("exit", [](const Home &home) {
         world::Open open;
         for (const std::int32_t answer : {5, -1, 1}) {
             fake::sortExit.ready = answer;
             EXPECT_TRUE(seen("nlsCreateLocale", 25, open.tryLocale("P", "site")));
-            EXPECT_EQ(process::loaderCalls().back(), "unload " + home.bin() + "/usortwin.so");
+            EXPECT_EQ(process::loaderCalls().back(), "unload " + home.library("usortwin"));
         }
         EXPECT_EQ(fake::sortExit.count("term"), 0);
         fake::sortExit.ready = 0;
@@ -135,7 +137,7 @@ TEST(Exit, AnInitThatDoesNotGive0RefusesTheExit) {
 }
 
 TEST(Exit, InitGetsTheNameOfTheCollationAsTheDataFileSpellsIt) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         open.locale("P", "sITE  ");
         ASSERT_EQ(fake::sortExit.count("init"), 1);
@@ -144,7 +146,7 @@ TEST(Exit, InitGetsTheNameOfTheCollationAsTheDataFileSpellsIt) {
 }
 
 TEST(Exit, AHandleLoadsItOnce) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         open.locale("P", "site");
         process::forgetLoaderCalls();
@@ -155,7 +157,7 @@ TEST(Exit, AHandleLoadsItOnce) {
 }
 
 TEST(Exit, ABorrowedCollationUsesItAndAFailureIs10) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         fake::sortExit.ready = 5;
         EXPECT_TRUE(seen("nlsCreateLocale", 10, open.tryLocale("BORROWER", "lent")));
@@ -170,7 +172,7 @@ TEST(Exit, ABorrowedCollationUsesItAndAFailureIs10) {
 }
 
 TEST(Exit, WithoutRoomToKeepItItIsGivenBack) {
-    withExit("exit.so", [](const Home &home) {
+    withExit("exit", [](const Home &home) {
         bool loaded = false;
         for (std::uint32_t left = 136; left < 1000 && !loaded; ++left) {
             world::Open open;
@@ -187,7 +189,7 @@ TEST(Exit, WithoutRoomToKeepItItIsGivenBack) {
             EXPECT_EQ(nlsClose(open.handle), NLS_OK);
             EXPECT_EQ(fake::sortExit.count("init"), fake::sortExit.count("term")) << left;
             EXPECT_EQ(process::loaderCalls().empty() ||
-                          process::loaderCalls().back() == "unload " + home.bin() + "/usortwin.so",
+                          process::loaderCalls().back() == "unload " + home.library("usortwin"),
                       true);
         }
         EXPECT_TRUE(loaded);
@@ -197,7 +199,7 @@ TEST(Exit, WithoutRoomToKeepItItIsGivenBack) {
 // ---- Use ----
 
 TEST(Exit, CompareGetsTheTextsTheTablesTheModeAndItsUserValue) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         const std::uintptr_t user = fake::sortExit.last().user;
@@ -218,7 +220,7 @@ TEST(Exit, CompareGetsTheTextsTheTablesTheModeAndItsUserValue) {
 }
 
 TEST(Exit, ResultsAreCutTo16BitsAndStoredAsTheyAre) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         for (const auto &[answer, stored] :
@@ -240,7 +242,7 @@ TEST(Exit, ResultsAreCutTo16BitsAndStoredAsTheyAre) {
 }
 
 TEST(Exit, ABoundInsideATextIsATemporaryNul) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         char a[] = "abcdef";
@@ -259,7 +261,7 @@ TEST(Exit, ABoundInsideATextIsATemporaryNul) {
 }
 
 TEST(Exit, ABoundOnOrBehindTheTextsNulCutsNothing) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         fixture::GuardedBuffer first(16);
@@ -278,7 +280,7 @@ TEST(Exit, ABoundOnOrBehindTheTextsNulCutsNothing) {
 }
 
 TEST(Exit, BoundsInOneTextAreRestoredInReverseOrder) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         char text[] = "abcdef";
@@ -292,7 +294,7 @@ TEST(Exit, BoundsInOneTextAreRestoredInReverseOrder) {
 }
 
 TEST(Exit, CopyGetsTheTextTheSizeTheTablesAndTheModeWithoutTwoBits) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         const std::uintptr_t user = fake::sortExit.last().user;
@@ -316,7 +318,7 @@ TEST(Exit, CopyGetsTheTextTheSizeTheTablesAndTheModeWithoutTwoBits) {
 }
 
 TEST(Exit, TrimmingCutsTheSourceForTheTimeOfTheCall) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         unsigned char out[40];
@@ -333,7 +335,7 @@ TEST(Exit, TrimmingCutsTheSourceForTheTimeOfTheCall) {
 }
 
 TEST(Exit, AKeyThatTheExitDidNotEndGives2) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         fake::sortExit.copy = [](unsigned char *key, const char *, std::uint32_t size) {
@@ -348,7 +350,7 @@ TEST(Exit, AKeyThatTheExitDidNotEndGives2) {
 }
 
 TEST(Exit, MatchingCallsAskIt) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         nlsLocale *const locale = open.locale("P", "site");
         fake::sortExit.result = 0; // everything is equal
@@ -364,21 +366,21 @@ TEST(Exit, MatchingCallsAskIt) {
 // ---- Giving it back ----
 
 TEST(Exit, NlsCloseEndsAndUnloadsIt) {
-    withExit("exit.so", [](const Home &home) {
+    withExit("exit", [](const Home &home) {
         world::Open open;
         open.locale("P", "site");
         const std::uintptr_t user = fake::sortExit.last().user;
         EXPECT_TRUE(seen("nlsClose", 0, nlsClose(open.handle)));
         EXPECT_EQ(fake::sortExit.last().name, "term");
         EXPECT_EQ(fake::sortExit.last().user, user);
-        EXPECT_EQ(process::loaderCalls().back(), "unload " + home.bin() + "/usortwin.so");
+        EXPECT_EQ(process::loaderCalls().back(), "unload " + home.library("usortwin"));
         EXPECT_EQ(nlsClose(open.handle), NLS_E_HANDLE);
         EXPECT_EQ(fake::sortExit.count("term"), 1);
     });
 }
 
 TEST(Exit, AHandleThatNeverLoadedItCallsNothing) {
-    withExit("exit.so", [](const Home &) {
+    withExit("exit", [](const Home &) {
         world::Open open;
         open.locale("P", "weights");
         EXPECT_TRUE(seen("nlsClose", 0, nlsClose(open.handle)));
@@ -389,7 +391,7 @@ TEST(Exit, AHandleThatNeverLoadedItCallsNothing) {
 
 TEST(Exit, TheRecordIsTheProcesssAndEachLoadHasItsOwnUnload) {
     for (const bool firstClosesFirst : {true, false})
-        withExit("exit.so", [&](const Home &) {
+        withExit("exit", [&](const Home &) {
             world::Open first;
             world::Open second;
             nlsLocale *const one = first.locale("P", "site");
@@ -414,22 +416,22 @@ TEST(Exit, TheRecordIsTheProcesssAndEachLoadHasItsOwnUnload) {
 }
 
 TEST(Exit, HandlesWithExitsFromDifferentPlaces) {
-    withExit("exit.so", [](const Home &home) {
+    withExit("exit", [](const Home &home) {
         const Home other;
-        other.put("exit_plain.so", "usortwin.so");
+        other.put("exit_plain", "usortwin");
         world::Open first;
         nlsLocale *const one = first.locale("P", "site");
         process::setVariable("PATH", other.bin());
         world::Open second;
         second.locale("P", "site");
         EXPECT_EQ(nlsClose(second.handle), NLS_OK);
-        EXPECT_EQ(process::loaderCalls().back(), "unload " + other.bin() + "/usortwin.so");
+        EXPECT_EQ(process::loaderCalls().back(), "unload " + other.library("usortwin"));
         fake::sortExit.result = 3;
         std::int16_t result = 0;
         EXPECT_EQ(nlsCompare(one, "a", "b", 1, &result), NLS_OK) << "what is unloaded is not called";
         EXPECT_EQ(result, 3);
         EXPECT_EQ(nlsClose(first.handle), NLS_OK);
-        EXPECT_EQ(process::loaderCalls().back(), "unload " + home.bin() + "/usortwin.so");
+        EXPECT_EQ(process::loaderCalls().back(), "unload " + home.library("usortwin"));
     });
 }
 

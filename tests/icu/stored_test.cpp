@@ -15,7 +15,7 @@ using process::seen;
 void withBoth(const std::function<void(world::Open &)> &body) {
     const Home home;
     home.putIcu();
-    home.put("exit.so", "usortwin.so");
+    home.put("exit", "usortwin");
     process::isolated([&] {
         process::setVariable("BINPATHX", home.path());
         process::setVariable("PATH", home.bin());
