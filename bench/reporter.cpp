@@ -19,6 +19,8 @@ std::string processorName() {
 const char *instructionSet() {
     if ((velnls::instructionSets() & velnls::kWideVectors) != 0)
         return "AVX-512";
+    if ((velnls::instructionSets() & velnls::kByteShuffles) != 0)
+        return "AVX2";
 #if defined(__x86_64__)
     return "SSE2";
 #else

@@ -17,7 +17,7 @@ namespace {
 
 std::uint32_t proofsOf(const char *page) {
     const MappingBody *const body = mappingOf(page);
-    return body == nullptr ? 0 : headerOf(body).proofs & ~kWideVectors;
+    return body == nullptr ? 0 : headerOf(body).proofs & ~kInstructionSets;
 }
 
 // A private copy that a test may damage.

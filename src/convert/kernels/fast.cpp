@@ -1,5 +1,6 @@
 #include "convert/kernels/fast.hpp"
 
+#include "convert/kernels/fast_avx2.hpp"
 #include "convert/kernels/fast_avx512.hpp"
 #include "convert/kernels/fast_from_page.hpp"
 #include "convert/kernels/fast_from_units.hpp"
@@ -102,6 +103,10 @@ void mapBytes(const std::uint8_t *map, std::uint32_t proofs, Source &source, Tar
     const std::ptrdiff_t length = source.end - at;
     source.at = source.end;
     target.at += length;
+    if ((proofs & kByteShuffles) != 0 && length >= avx2::kWorthwhile) {
+        avx2::mapBytes(map, at, to, length);
+        return;
+    }
     // Eight look-ups make a word: one store, and no byte of the output waits for another.
     const auto map8 = [map](const std::uint8_t *from, std::uint8_t *into) {
         const auto word = loadNumber<std::uint64_t>(from);
@@ -138,6 +143,13 @@ namespace {
             into(Utf8Sink{{out.at, out.end}}, out, [&](Utf8Sink &sink) { readByteRowInto(row, text, sink); });
         };
         const auto one = [](const Source &) { return std::ptrdiff_t{1}; };
+        if ((proofs & kByteShuffles) != 0 && source.end - source.at >= avx2::kWorthwhile) {
+            const auto blocks = [&body, &rest](Source &text, Target &out) {
+                avx2::byteRowToUtf8(body, text, out);
+                rest(text, out);
+            };
+            return alternate(source, target, 1, blocks, one, plain, endsUnits);
+        }
         if (source.end - source.at < Utf8OfByte::kWorthwhile) {
             const auto wide = [&body](Source &text, Target &out) { avx512::byteRowToUtf8(body, text, out); };
             return alternate(source, target, 1, widened(proofs, wide, rest), one, plain, endsUnits);

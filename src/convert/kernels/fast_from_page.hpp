@@ -24,6 +24,11 @@ public:
         return byte < 0x80 ? byte : value;
     }
 
+    // 128 of them, of 16 bits each.
+    [[nodiscard]] const std::uint8_t *values() const {
+        return values_;
+    }
+
 private:
     const std::uint8_t *values_;
 };

@@ -24,30 +24,66 @@ bool hasWideVectors() {
            CPU_FEATURE_ACTIVE(AVX512_VBMI) && CPU_FEATURE_ACTIVE(AVX512_VBMI2) && CPU_FEATURE_ACTIVE(BMI2);
 }
 
+bool hasByteShuffles() {
+    return CPU_FEATURE_ACTIVE(AVX2) && CPU_FEATURE_ACTIVE(BMI1) && CPU_FEATURE_ACTIVE(BMI2) &&
+           CPU_FEATURE_ACTIVE(LZCNT) && CPU_FEATURE_ACTIVE(POPCNT);
+}
+
 #elif defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
 
-bool hasWideVectors() {
+struct Features {
+    unsigned b = 0; // of the processor's leaf 7
+    unsigned c = 0;
+    unsigned basicC = 0;    // of leaf 1
+    unsigned extendedC = 0; // of leaf 80000001
+    unsigned saved = 0;     // registers that the operating system keeps
+};
+
+Features findFeatures() {
+    Features found;
     unsigned a = 0;
     unsigned b = 0;
-    unsigned c = 0;
     unsigned d = 0;
     constexpr unsigned kOsSavesRegisters = 1u << 27;
-    if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & kOsSavesRegisters) == 0)
-        return false;
-    unsigned low = 0;
+    if (__get_cpuid(1, &a, &b, &found.basicC, &d) == 0 || (found.basicC & kOsSavesRegisters) == 0 ||
+        __get_cpuid_count(7, 0, &a, &found.b, &found.c, &d) == 0)
+        return found;
+    unsigned c = 0;
+    if (__get_cpuid(0x80000001, &a, &b, &c, &d) != 0)
+        found.extendedC = c;
     unsigned high = 0;
-    asm("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    asm("xgetbv" : "=a"(found.saved), "=d"(high) : "c"(0));
+    return found;
+}
+
+bool hasAll(unsigned word, unsigned bits) {
+    return (word & bits) == bits;
+}
+
+bool hasWideVectors() {
     constexpr unsigned kAllVectorState = 0xE6;
-    if ((low & kAllVectorState) != kAllVectorState || __get_cpuid_count(7, 0, &a, &b, &c, &d) == 0)
-        return false;
     constexpr unsigned kOfB = 1u << 8 | 1u << 16 | 1u << 30 | 1u << 31; // BMI2, AVX512F, BW, VL
     constexpr unsigned kOfC = 1u << 1 | 1u << 6;                        // VBMI, VBMI2
-    return (b & kOfB) == kOfB && (c & kOfC) == kOfC;
+    const Features found = findFeatures();
+    return hasAll(found.saved, kAllVectorState) && hasAll(found.b, kOfB) && hasAll(found.c, kOfC);
+}
+
+bool hasByteShuffles() {
+    constexpr unsigned kVectorState = 0x06;
+    constexpr unsigned kOfB = 1u << 3 | 1u << 5 | 1u << 8; // BMI1, AVX2, BMI2
+    constexpr unsigned kPopulationCount = 1u << 23;
+    constexpr unsigned kLeadingZeros = 1u << 5;
+    const Features found = findFeatures();
+    return hasAll(found.saved, kVectorState) && hasAll(found.b, kOfB) &&
+           hasAll(found.basicC, kPopulationCount) && hasAll(found.extendedC, kLeadingZeros);
 }
 
 #else
 
 bool hasWideVectors() {
+    return false;
+}
+bool hasByteShuffles() {
     return false;
 }
 
@@ -56,13 +92,15 @@ bool hasWideVectors() {
 } // namespace
 
 std::uint32_t instructionSets() {
+    std::uint32_t sets = (hasWideVectors() ? kWideVectors : 0) | (hasByteShuffles() ? kByteShuffles : 0);
 #if defined(VELNLS_CPU_SWITCHES)
-    // Test builds only: runs the baseline on any machine.
-    const char *const off = std::getenv("VELNLS_CPU_OFF");
-    if (off != nullptr && std::strstr(off, "avx512") != nullptr)
-        return 0;
+    // Test builds only: runs what other processors run.
+    if (const char *const off = std::getenv("VELNLS_CPU_OFF"); off != nullptr) {
+        sets &= std::strstr(off, "avx512") != nullptr ? ~kWideVectors : ~0U;
+        sets &= std::strstr(off, "avx2") != nullptr ? ~kByteShuffles : ~0U;
+    }
 #endif
-    return hasWideVectors() ? kWideVectors : 0;
+    return sets;
 }
 
 } // namespace velnls
