@@ -56,6 +56,16 @@ TEST(OutputFile, BehindASymbolicLinkIsReplacedAndTheLinkStays) {
     EXPECT_EQ(readFile(file), "new");
 }
 
+TEST(OutputFile, BehindASymbolicLinkIsMadeWhereItIsNotThereYet) {
+    const Folder folder;
+    std::filesystem::create_symlink("text", folder.path("second"));
+    std::filesystem::create_symlink(folder.path("second"), folder.path("first"));
+    EXPECT_EQ(runTool({"convert", "-o", folder.path("first")}, "new").exitCode, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("first")));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("second")));
+    EXPECT_EQ(readFile(folder.path("text")), "new");
+}
+
 TEST(OutputFile, StaysAsItWasWhenInputIsMalformed) {
     const Folder folder;
     const std::string file = folder.write("out", "old");

@@ -8,7 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace velnls::tool::platform {
@@ -134,10 +136,18 @@ void setRights(int file, const FileFacts *replaced) {
 }
 
 std::string followLinks(const std::string &path) {
-    char *resolved = ::realpath(path.c_str(), nullptr);
-    std::string result = resolved != nullptr ? resolved : path;
-    std::free(resolved);
-    return result;
+    // As many as the system follows; a link to a file that is not there yet is followed too.
+    constexpr int kMostLinks = 40;
+    std::filesystem::path file = path;
+    for (int links = 0; links < kMostLinks; ++links) {
+        std::error_code none;
+        const std::filesystem::path target = std::filesystem::read_symlink(file, none);
+        if (none) {
+            break;
+        }
+        file = file.parent_path() / target; // which is the target alone where that is absolute
+    }
+    return file.string();
 }
 
 bool renameOver(const std::string &from, const std::string &to) {
