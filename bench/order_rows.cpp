@@ -408,10 +408,9 @@ void addJobs(Jobs &jobs, const Order &order, const Floors &floors) {
         compares("sort", Compares::Sort, Size::lines, floors.sort[mode]);
         compares("neighbours", Compares::Neighbours, Size::shortStrings, floors.neighbours[mode]);
         compares("neighbours", Compares::Neighbours, Size::buffer, floors.neighbours[mode]);
-        // What merging compares, and the end of a sort: the lower floor of the two.
-        const double lower = std::min(floors.sort[mode], floors.neighbours[mode]);
-        compares("sorted_neighbours", Compares::Sorted, Size::shortStrings, lower);
-        compares("sorted_neighbours", Compares::Sorted, Size::lines, lower);
+        // What merging compares, and the end of a sort: a part of the sort, whose floor is stated.
+        compares("sorted_neighbours", Compares::Sorted, Size::shortStrings, 0);
+        compares("sorted_neighbours", Compares::Sorted, Size::lines, 0);
         for (const Size size : {Size::shortStrings, Size::lines, Size::buffer})
             jobs.push_back(
                 {order.name("key", mode, size == Size::buffer ? "long" : nameOf(size)), floors.key[mode],
