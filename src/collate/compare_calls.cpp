@@ -173,6 +173,20 @@ namespace {
     return length < keySize ? status : NLS_E_BUFFER;
 }
 
+// The key of a short text at once, where the locale's proofs and the processor allow it; else kNotShort.
+// `table` is 0 or 1.
+[[gnu::always_inline]] inline std::size_t writeShortKey(const nlsLocale &locale, std::uint32_t proofs,
+                                                        unsigned table, const avx512::ShortText &text) {
+    if ((proofs & kWideVectors) == 0)
+        return avx512::kNotShort;
+    if ((proofs & kByteWeights) == 0)
+        return table != 0 ? avx512::copyShort(text) : mapShortCase<Case::Lower>(locale, text);
+    // A key that spells "SS" is trimmed itself.
+    if (text.trims && spellsLiteralSs(*locale.collation))
+        return avx512::kNotShort;
+    return avx512::mapShortBytes(provedWeights(locale, table), text);
+}
+
 // Text without the blanks at its end.
 std::size_t trimmed(const std::uint8_t *text, std::size_t length) {
     while (length > 0 && text[length - 1] == ' ')
@@ -190,6 +204,12 @@ nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t
         (proofs & (kByteWeights | kBasicKeys)) == 0) [[unlikely]]
         return writeAnyKey(locale, source, keySize, mode, trim, key, keyLength);
     const auto *const text = reinterpret_cast<const std::uint8_t *>(source);
+    if (const std::size_t written =
+            writeShortKey(*locale, proofs, table, {text, trim != 0, key, keySize, true});
+        written != avx512::kNotShort) {
+        *keyLength = static_cast<std::uint16_t>(written);
+        return NLS_OK;
+    }
     std::size_t length = lengthOf(boundedText(source, -1));
     const std::size_t room = keySize - 1;
     if ((proofs & kByteWeights) != 0) {
@@ -218,9 +238,12 @@ nlsStatus nlsSortKey(nlsLocale *locale, char *source, uint16_t keySize, uint16_t
         *keyLength = static_cast<std::uint16_t>(length);
         return NLS_OK;
     }
-    const CaseResult lower = mapTextCase<Case::Lower>(*locale, {text, text + length}, key, room);
+    const std::uint8_t *const end = text + length;
+    const CaseResult lower = mapTextCase<Case::Lower>(*locale, {text, end}, end, key, room);
     key[lower.written] = 0;
-    // A case table may map to NUL.
-    *keyLength = static_cast<std::uint16_t>(std::strlen(reinterpret_cast<const char *>(key)));
+    // What the key is taken to hold ends at its first NUL.
+    const std::size_t written =
+        lower.mayHoldNul ? std::strlen(reinterpret_cast<const char *>(key)) : lower.written;
+    *keyLength = static_cast<std::uint16_t>(written);
     return NLS_OK;
 }

@@ -28,7 +28,8 @@ void writeBasicKey(const nlsLocale &locale, Text text, unsigned mode, std::uint8
         key[length] = 0;
         return;
     }
-    const CaseResult result = mapTextCase<Case::Lower>(locale, text, key, size - 1);
+    const CaseResult result =
+        mapTextCase<Case::Lower>(locale, {text.at, text.at + length}, text.at + length, key, size - 1);
     key[result.written] = 0;
 }
 

@@ -1,73 +1,12 @@
-// The case kernel for processors with AVX-512: 64 bytes at once, in masks of one bit per byte.
+// Case by blocks of 64 bytes, for processors with AVX-512: long texts here, whole short ones in
+// short_text_avx512.cpp.
 #include "locale/case_fast.hpp"
 
-#include "core/avx512.hpp"
+#include "locale/case_blocks_avx512.hpp"
 
 #if defined(VELNLS_AVX512_KERNELS)
 
 namespace velnls::avx512 {
-
-namespace {
-
-constexpr std::size_t kBlock = 64;
-
-[[gnu::always_inline]] inline Vector all(unsigned value) {
-    return _mm512_set1_epi8(static_cast<char>(value));
-}
-[[gnu::always_inline]] inline std::uint64_t isEqual(Vector bytes, unsigned value) {
-    return _mm512_cmpeq_epi8_mask(bytes, all(value));
-}
-[[gnu::always_inline]] inline std::uint64_t isAtLeast(Vector bytes, unsigned value) {
-    return _mm512_cmpge_epu8_mask(bytes, all(value));
-}
-
-template <Case kCase>
-[[gnu::always_inline]] inline Vector mapAsciiBlock(Vector bytes) {
-    constexpr unsigned kFirst = kCase == Case::Upper ? kSmallA : kCapitalA;
-    const __mmask64 letters = _mm512_cmple_epu8_mask(_mm512_sub_epi8(bytes, all(kFirst)), all(25));
-    return _mm512_mask_add_epi8(bytes, letters, bytes, all(kCase == Case::Upper ? 0xE0 : 0x20));
-}
-
-// `bytes` begin with a character. `wrong` gets what the kernel is not for; `incomplete` is how many bytes at
-// the end are a character's first ones.
-template <Case kCase>
-[[gnu::always_inline]] inline Vector mapCommonBlock(Vector bytes, std::uint64_t &wrong, std::uint64_t &trails,
-                                                    unsigned &incomplete) {
-    const std::uint64_t leads = isAtLeast(bytes, 0xC0);
-    const std::uint64_t c2 = isEqual(bytes, 0xC2) << 1;
-    const std::uint64_t c3 = isEqual(bytes, 0xC3) << 1;
-    const std::uint64_t d0 = isEqual(bytes, 0xD0) << 1;
-    const std::uint64_t d1 = isEqual(bytes, 0xD1) << 1;
-    const std::uint64_t e2 = isEqual(bytes, 0xE2) << 1;
-    const std::uint64_t allowed = c2 | c3 | d0 | d1 | e2;
-    trails = _mm512_cmplt_epi8_mask(bytes, all(0xC0));
-    // Every trail byte is announced, and every lead byte is allowed; the last byte's turn comes later.
-    wrong = ((allowed | e2 << 1) ^ trails) | (allowed ^ leads << 1) | (e2 & ~isEqual(bytes, 0x80)) |
-            (d1 & isAtLeast(bytes, 0xA0));
-    incomplete = static_cast<unsigned>((leads >> 63) + 2 * (e2 >> 63));
-    Vector mapped = mapAsciiBlock<kCase>(bytes);
-    if constexpr (kCase == Case::Upper) {
-        wrong |= (c2 & isEqual(bytes, 0xB5)) | (c3 & isEqual(bytes, 0xBF));
-        const std::uint64_t latin = c3 & isAtLeast(bytes, 0xA0) & ~isEqual(bytes, 0xB7);
-        const std::uint64_t basic = d0 & isAtLeast(bytes, 0xB0);
-        const std::uint64_t toFirst = d1 & isAtLeast(bytes, 0x90);
-        mapped = _mm512_mask_add_epi8(mapped, latin | basic, mapped, all(0xE0));
-        mapped = _mm512_mask_add_epi8(mapped, d1 & ~toFirst, mapped, all(0x20));
-        mapped = _mm512_mask_add_epi8(mapped, toFirst, mapped, all(0xF0));
-        return _mm512_mask_mov_epi8(mapped, d1 >> 1, all(0xD0));
-    } else {
-        const std::uint64_t latin = c3 & ~(isAtLeast(bytes, 0x9F) | isEqual(bytes, 0x97));
-        const std::uint64_t first = d0 & ~isAtLeast(bytes, 0x90);
-        const std::uint64_t last = d0 & isAtLeast(bytes, 0xA0) & ~isAtLeast(bytes, 0xB0);
-        const std::uint64_t basic = d0 & isAtLeast(bytes, 0x90) & ~isAtLeast(bytes, 0xA0);
-        mapped = _mm512_mask_add_epi8(mapped, latin | basic, mapped, all(0x20));
-        mapped = _mm512_mask_add_epi8(mapped, first, mapped, all(0x10));
-        mapped = _mm512_mask_add_epi8(mapped, last, mapped, all(0xE0));
-        return _mm512_mask_mov_epi8(mapped, (first | last) >> 1, all(0xD1));
-    }
-}
-
-} // namespace
 
 template <Case kCase>
 void mapCommonUtf8(fast::CaseStretch &stretch) {
@@ -81,7 +20,7 @@ void mapCommonUtf8(fast::CaseStretch &stretch) {
         const Vector bytes =
             size == kBlock ? _mm512_loadu_si512(at) : _mm512_maskz_loadu_epi8(lowBits(size), at);
         if (_mm512_movepi8_mask(bytes) == 0 && size == kBlock && room >= kBlock) {
-            _mm512_storeu_si512(out, mapAsciiBlock<kCase>(bytes));
+            _mm512_storeu_si512(out, mapAsciiBlock<kCase>(bytes, ~std::uint64_t{0}));
             at += kBlock;
             out += kBlock;
             room -= kBlock;
@@ -112,8 +51,41 @@ void mapCommonUtf8(fast::CaseStretch &stretch) {
     stretch = {at, stretch.end, out, room};
 }
 
+template <Case kCase>
+void mapPairs(const PageFacts &facts, fast::CaseStretch &stretch) {
+    const std::uint8_t *at = stretch.at;
+    std::uint8_t *out = stretch.out;
+    std::size_t room = stretch.room;
+    std::uint64_t pending = 0;
+    while (at != stretch.end) {
+        const auto left = static_cast<std::size_t>(stretch.end - at);
+        const std::size_t size = left < kBlock ? left : kBlock;
+        const WideMasks masks = size == kBlock ? WideMasks(at) : WideMasks(at, size);
+        std::uint64_t pendingBehind = pending;
+        const std::uint64_t trails = pairTrails(leadsOf(masks, facts), pendingBehind);
+        if (size != kBlock)
+            pendingBehind = trails >> size & 1;
+        // A lead byte is stored only where its trail byte fits too.
+        if (size + pendingBehind > room)
+            break;
+        pending = pendingBehind;
+        const Vector mapped = mapAsciiBlock<kCase>(masks.bytes(), ~trails);
+        if (size == kBlock)
+            _mm512_storeu_si512(out, mapped);
+        else
+            _mm512_mask_storeu_epi8(out, lowBits(size), mapped);
+        at += size;
+        out += size;
+        room -= size;
+    }
+    // A lead byte without its trail byte is left to the caller.
+    stretch = {at - pending, stretch.end, out - pending, room + pending};
+}
+
 template void mapCommonUtf8<Case::Upper>(fast::CaseStretch &);
 template void mapCommonUtf8<Case::Lower>(fast::CaseStretch &);
+template void mapPairs<Case::Upper>(const PageFacts &, fast::CaseStretch &);
+template void mapPairs<Case::Lower>(const PageFacts &, fast::CaseStretch &);
 
 } // namespace velnls::avx512
 
@@ -124,9 +96,13 @@ namespace velnls::avx512 {
 // Never called on other processors.
 template <Case>
 void mapCommonUtf8(fast::CaseStretch &) {}
+template <Case>
+void mapPairs(const PageFacts &, fast::CaseStretch &) {}
 
 template void mapCommonUtf8<Case::Upper>(fast::CaseStretch &);
 template void mapCommonUtf8<Case::Lower>(fast::CaseStretch &);
+template void mapPairs<Case::Upper>(const PageFacts &, fast::CaseStretch &);
+template void mapPairs<Case::Lower>(const PageFacts &, fast::CaseStretch &);
 
 } // namespace velnls::avx512
 

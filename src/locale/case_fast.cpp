@@ -1,9 +1,12 @@
 #include "locale/case_fast.hpp"
 
 #include "core/file_layout.hpp"
+#include "locale/common_case.hpp"
 #include "locale/masks_sse2.hpp"
+#include "locale/pair_masks.hpp"
 #include "locale/unicode_case.hpp"
 
+#include <cstring>
 #include <initializer_list>
 
 namespace velnls {
@@ -13,34 +16,6 @@ namespace {
 constexpr std::uint8_t asciiCase(Case direction, std::uint8_t byte) {
     const unsigned first = direction == Case::Upper ? kSmallA : kCapitalA;
     return byte - first < 26 ? static_cast<std::uint8_t>(byte ^ 0x20) : byte;
-}
-
-// What the kernel makes of a two-byte character behind one of its lead bytes; 0: it leaves it to the table.
-constexpr std::uint32_t commonCase(Case direction, std::uint32_t code) {
-    const std::uint32_t lead = code >> 8;
-    const std::uint32_t trail = code & 0xFF;
-    const bool upper = direction == Case::Upper;
-    switch (lead) {
-    case 0xC2:
-        return upper && trail == 0xB5 ? 0 : code; // micro sign
-    case 0xC3:
-        if (upper && trail == 0xBF)
-            return 0; // y with diaeresis
-        if (upper)
-            return trail >= 0xA0 && trail != 0xB7 ? code - 0x20 : code;
-        return trail <= 0x9E && trail != 0x97 ? code + 0x20 : code;
-    case 0xD0:
-        if (upper)
-            return trail >= 0xB0 ? code - 0x20 : code;
-        return trail <= 0x8F   ? code + 0x110
-               : trail <= 0x9F ? code + 0x20
-               : trail <= 0xAF ? code + 0xE0
-                               : code;
-    default:
-        if (trail >= 0xA0)
-            return 0; // historic letters, in pairs that follow each other
-        return upper ? trail <= 0x8F ? code - 0xE0 : code - 0x110 : code;
-    }
 }
 
 template <Case kCase>
@@ -88,21 +63,30 @@ std::uint32_t proveUtf8Case(const UnicodeCaseTable &table) {
         !isAsciiCase<Case::Lower>([&](unsigned byte) { return mapUtf8Case<Case::Lower>(table, byte); }))
         return 0;
     return kAsciiCase | (isCommon<Case::Upper>(table) && isCommon<Case::Lower>(table) ? kCommonCase : 0) |
-           (foldsApart(table) ? kAsciiFolds : 0);
+           (foldsApart(table) ? kFoldsApart : 0);
 }
 
 std::uint32_t proveByteCase(const CharTable &chars, const ByteCaseTable &table) {
+    std::uint32_t proofs = kKeepsBytes;
+    if (std::memchr(table.upper + 1, 0, 255) != nullptr || std::memchr(table.lower + 1, 0, 255) != nullptr)
+        proofs = 0;
     for (unsigned byte = 0; byte < 0x80; ++byte)
         if (chars.trailCount(static_cast<std::uint8_t>(byte)) != 0)
-            return 0;
+            return proofs;
     const bool ascii = isAsciiCase<Case::Upper>([&](unsigned byte) { return table.upper[byte]; }) &&
                        isAsciiCase<Case::Lower>([&](unsigned byte) { return table.lower[byte]; });
     if (!ascii)
-        return 0;
-    for (unsigned byte = 0x80; byte < 0x100; ++byte)
-        if (table.lower[byte] < 0x80 && chars.trailCount(static_cast<std::uint8_t>(byte)) == 0)
-            return kAsciiCase;
-    return kAsciiCase | kAsciiFolds;
+        return proofs;
+    proofs |= kAsciiCase | kFoldsApart | kPairCase;
+    for (unsigned byte = 0x80; byte < 0x100; ++byte) {
+        if (chars.trailCount(static_cast<std::uint8_t>(byte)) != 0)
+            continue;
+        if (table.lower[byte] < 0x80)
+            proofs &= ~kFoldsApart;
+        if (table.upper[byte] != byte || table.lower[byte] != byte)
+            proofs &= ~kPairCase;
+    }
+    return proofs;
 }
 
 namespace fast {
@@ -239,6 +223,27 @@ template <Case kCase>
     }
 }
 
+// FF for each bit of 16 that is set.
+[[gnu::always_inline]] inline __m128i bytesOf(std::uint64_t mask) {
+    __m128i wide = _mm_cvtsi32_si128(static_cast<int>(mask));
+    wide = _mm_unpacklo_epi8(wide, wide);
+    wide = _mm_shufflelo_epi16(wide, 0x50);
+    wide = _mm_shuffle_epi32(wide, 0x50);
+    const __m128i bit = _mm_set1_epi64x(static_cast<long long>(0x8040'2010'0804'0201));
+    return _mm_cmpeq_epi8(_mm_and_si128(wide, bit), bit);
+}
+
+// `size` bytes, 1 to 16; `pending` as pairTrails() has it.
+template <Case kCase>
+[[gnu::always_inline]] inline __m128i mapPairBlock(const PageFacts &facts, const Sse2Masks<1> &block,
+                                                   std::size_t size, std::uint64_t &pending) {
+    const __m128i bytes = block.piece(0);
+    const std::uint64_t trails = pairTrails(leadsOf(block, facts), pending);
+    pending = trails >> size & 1;
+    const __m128i change = _mm_xor_si128(bytes, mapAsciiBlock<kCase>(bytes));
+    return _mm_xor_si128(bytes, _mm_andnot_si128(bytesOf(trails), change));
+}
+
 } // namespace
 
 template <Case kCase>
@@ -285,8 +290,45 @@ void mapAscii(CaseStretch &stretch) {
     }
 }
 
+template <Case kCase>
+void mapPairs(const PageFacts &facts, CaseStretch &stretch) {
+    std::uint64_t pending = 0;
+    while (static_cast<std::size_t>(stretch.end - stretch.at) >= kBlock && stretch.room >= kBlock) {
+        const Sse2Masks<1> block(stretch.at);
+        if ((block.high() | pending) == 0) {
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapAsciiBlock<kCase>(block.piece(0)));
+            advance(stretch, kBlock);
+            mapAsciiBlocks<kCase>(stretch);
+            continue;
+        }
+        std::uint64_t pendingBehind = pending;
+        const __m128i mapped = mapPairBlock<kCase>(facts, block, kBlock, pendingBehind);
+        // A lead byte is stored only where its trail byte fits too.
+        if (kBlock + pendingBehind > stretch.room)
+            break;
+        pending = pendingBehind;
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapped);
+        advance(stretch, kBlock);
+    }
+    if (const auto left = static_cast<std::size_t>(stretch.end - stretch.at);
+        left != 0 && left < kBlock && stretch.room >= left) {
+        std::uint64_t pendingBehind = pending;
+        const __m128i mapped =
+            mapPairBlock<kCase>(facts, Sse2Masks<1>(stretch.at, left), left, pendingBehind);
+        if (left + pendingBehind <= stretch.room) {
+            pending = pendingBehind;
+            storeFirst(stretch.out, mapped, left);
+            advance(stretch, left);
+        }
+    }
+    // A lead byte without its trail byte is left to the caller.
+    stretch = {stretch.at - pending, stretch.end, stretch.out - pending, stretch.room + pending};
+}
+
 #else
 
+template <Case>
+void mapPairs(const PageFacts &, CaseStretch &) {}
 template <Case>
 void mapCommonUtf8(CaseStretch &) {}
 template <Case>
@@ -298,6 +340,8 @@ template void mapCommonUtf8<Case::Upper>(CaseStretch &);
 template void mapCommonUtf8<Case::Lower>(CaseStretch &);
 template void mapAscii<Case::Upper>(CaseStretch &);
 template void mapAscii<Case::Lower>(CaseStretch &);
+template void mapPairs<Case::Upper>(const PageFacts &, CaseStretch &);
+template void mapPairs<Case::Lower>(const PageFacts &, CaseStretch &);
 
 } // namespace fast
 } // namespace velnls

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "locale/case_map.hpp"
+#include "locale/page_facts.hpp"
 
 #include <cstddef>
 
@@ -17,8 +18,14 @@ inline constexpr std::uint32_t kCommonCase = 0x0010'0000;
 
 // With kAsciiCase: in lower case, no character but an ASCII letter becomes an ASCII character; in UTF-8,
 // capital I with dot may become "i". Characters that the text's end cuts may become anything.
-inline constexpr std::uint32_t kAsciiFolds = 0x0020'0000;
+inline constexpr std::uint32_t kFoldsApart = 0x0020'0000;
 inline constexpr std::uint32_t kDottedI = 0xC4B0;
+
+// With kPairPage and kAsciiCase: no single byte but an ASCII letter has another case.
+inline constexpr std::uint32_t kPairCase = 0x0100'0000;
+
+// No byte but NUL becomes NUL.
+inline constexpr std::uint32_t kKeepsBytes = 0x0200'0000;
 
 std::uint32_t proveUtf8Case(const UnicodeCaseTable &table);
 std::uint32_t proveByteCase(const CharTable &chars, const ByteCaseTable &table);
@@ -38,6 +45,8 @@ template <Case kCase>
 void mapCommonUtf8(CaseStretch &stretch);
 template <Case kCase>
 void mapAscii(CaseStretch &stretch);
+template <Case kCase>
+void mapPairs(const PageFacts &facts, CaseStretch &stretch);
 
 } // namespace fast
 
@@ -46,6 +55,8 @@ namespace avx512 {
 
 template <Case kCase>
 void mapCommonUtf8(fast::CaseStretch &stretch);
+template <Case kCase>
+void mapPairs(const PageFacts &facts, fast::CaseStretch &stretch);
 
 } // namespace avx512
 } // namespace velnls

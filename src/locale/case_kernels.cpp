@@ -20,6 +20,7 @@ public:
         return bytes <= room_ - written_;
     }
     void put(std::uint8_t byte) {
+        mayHoldNul_ = mayHoldNul_ || byte == 0;
         out_[written_++] = byte;
     }
     void copy(const std::uint8_t *bytes, std::size_t count) {
@@ -39,22 +40,28 @@ public:
         at = stretch.at;
         written_ = static_cast<std::size_t>(stretch.out - out_);
     }
+    void mayHoldNul() {
+        mayHoldNul_ = true;
+    }
     [[nodiscard]] CaseResult complete() const {
-        return {written_, true, false};
+        return {written_, true, false, mayHoldNul_};
     }
     [[nodiscard]] CaseResult full() const {
-        return {written_, false, written_ < room_};
+        return {written_, false, written_ < room_, mayHoldNul_};
     }
 
 private:
     std::uint8_t *out_;
     std::size_t room_;
     std::size_t written_ = 0;
+    bool mayHoldNul_ = false;
 };
 
 // How far a text is known to go on without a NUL; asked for again where that is reached.
 class KnownText {
 public:
+    explicit KnownText(const std::uint8_t *end) : end_(end) {}
+
     // The end of the stretch that `text` stands in.
     const std::uint8_t *from(Text text) {
         if (text.at >= end_) {
@@ -65,7 +72,7 @@ public:
     }
 
 private:
-    const std::uint8_t *end_ = nullptr;
+    const std::uint8_t *end_;
 };
 
 // The number of the UTF-8 character at the text's place, which moves past it. The text's end inside a
@@ -120,14 +127,14 @@ CaseResult mapByRuntime(const CharTable &chars, Text text, std::uint8_t *out, st
 
 template <Case kCase>
 CaseResult mapByBytes(const CharTable &chars, const ByteCaseTable &table, std::uint32_t proofs, Text text,
-                      std::uint8_t *out, std::size_t room) {
+                      const std::uint8_t *known, std::uint8_t *out, std::size_t room) {
     const std::uint8_t *const map = kCase == Case::Upper ? table.upper : table.lower;
-    KnownText known;
+    KnownText stretches(known);
     return mapSingleBytes(
         chars, text, out, room, 2, [map](std::uint8_t byte) { return map[byte]; },
         [&](Text &rest, Output &output) {
             if ((proofs & kSingleBytePage) != 0)
-                output.stretch(rest.at, known.from(rest), [&](fast::CaseStretch &stretch) {
+                output.stretch(rest.at, stretches.from(rest), [&](fast::CaseStretch &stretch) {
                     const std::size_t bytes =
                         std::min(static_cast<std::size_t>(stretch.end - stretch.at), stretch.room);
                     Source source{stretch.at, stretch.at + bytes};
@@ -135,20 +142,28 @@ CaseResult mapByBytes(const CharTable &chars, const ByteCaseTable &table, std::u
                     fast::mapBytes(map, proofs, source, target);
                     stretch.at += bytes;
                     stretch.out += bytes;
+                    if ((proofs & kKeepsBytes) == 0)
+                        output.mayHoldNul();
+                });
+            else if (constexpr std::uint32_t kPairs = kPairPage | kPairCase; (proofs & kPairs) == kPairs)
+                output.stretch(rest.at, stretches.from(rest), [&](fast::CaseStretch &stretch) {
+                    const auto kernel =
+                        (proofs & kWideVectors) != 0 ? avx512::mapPairs<kCase> : fast::mapPairs<kCase>;
+                    kernel(factsOf(chars), stretch);
                 });
             else if ((proofs & kAsciiCase) != 0)
-                output.stretch(rest.at, known.from(rest), fast::mapAscii<kCase>);
+                output.stretch(rest.at, stretches.from(rest), fast::mapAscii<kCase>);
         });
 }
 
 template <Case kCase>
 CaseResult mapByPages(const CharTable &chars, const UnicodeCaseTable &table, std::uint32_t proofs, Text text,
-                      std::uint8_t *out, std::size_t room) {
+                      const std::uint8_t *known, std::uint8_t *out, std::size_t room) {
     Output output(out, room);
-    KnownText known;
+    KnownText stretches(known);
     while (!text.ended()) {
         if ((proofs & kCommonCase) != 0)
-            output.stretch(text.at, known.from(text),
+            output.stretch(text.at, stretches.from(text),
                            (proofs & kWideVectors) != 0 ? avx512::mapCommonUtf8<kCase>
                                                         : fast::mapCommonUtf8<kCase>);
         const std::uint8_t *const begin = text.at;
@@ -170,12 +185,12 @@ CaseResult mapByPages(const CharTable &chars, const UnicodeCaseTable &table, std
 template CaseResult mapByRuntime<Case::Upper>(const CharTable &, Text, std::uint8_t *, std::size_t);
 template CaseResult mapByRuntime<Case::Lower>(const CharTable &, Text, std::uint8_t *, std::size_t);
 template CaseResult mapByBytes<Case::Upper>(const CharTable &, const ByteCaseTable &, std::uint32_t, Text,
-                                            std::uint8_t *, std::size_t);
+                                            const std::uint8_t *, std::uint8_t *, std::size_t);
 template CaseResult mapByBytes<Case::Lower>(const CharTable &, const ByteCaseTable &, std::uint32_t, Text,
-                                            std::uint8_t *, std::size_t);
+                                            const std::uint8_t *, std::uint8_t *, std::size_t);
 template CaseResult mapByPages<Case::Upper>(const CharTable &, const UnicodeCaseTable &, std::uint32_t, Text,
-                                            std::uint8_t *, std::size_t);
+                                            const std::uint8_t *, std::uint8_t *, std::size_t);
 template CaseResult mapByPages<Case::Lower>(const CharTable &, const UnicodeCaseTable &, std::uint32_t, Text,
-                                            std::uint8_t *, std::size_t);
+                                            const std::uint8_t *, std::uint8_t *, std::size_t);
 
 } // namespace velnls

@@ -56,6 +56,9 @@ public:
             }
         }
     }
+    [[nodiscard]] [[gnu::always_inline]] __m128i piece(unsigned i) const {
+        return pieces_[i];
+    }
     // The bytes from 80 on.
     [[gnu::always_inline]] std::uint64_t high() const {
         return bits([](__m128i bytes) { return bytes; });

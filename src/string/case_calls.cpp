@@ -18,8 +18,14 @@ nlsStatus mapCase(const nlsLocale *locale, const nlsStr *source, nlsStr *destina
         source->buffer == nullptr)
         return NLS_E_NULLARG;
     const auto room = static_cast<std::size_t>(std::max(static_cast<std::int32_t>(destination->size), 0));
-    const CaseResult result = mapTextCase<kCase>(*locale, boundedText(source->buffer, -1),
-                                                 reinterpret_cast<std::uint8_t *>(destination->buffer), room);
+    auto *const out = reinterpret_cast<std::uint8_t *>(destination->buffer);
+    const auto *const text = reinterpret_cast<const std::uint8_t *>(source->buffer);
+    if (const std::size_t written = mapShortCase<kCase>(*locale, {text, false, out, room, false});
+        written != avx512::kNotShort) {
+        destination->length = static_cast<std::uint32_t>(written);
+        return NLS_OK;
+    }
+    const CaseResult result = mapTextCase<kCase>(*locale, terminatedText(text), nullptr, out, room);
     if (result.complete) {
         // Behind an exactly filled buffer the terminator takes one byte more, as documented.
         destination->buffer[result.written] = '\0';

@@ -30,7 +30,7 @@ public:
           paged_(locale.charTable->has(file::kUtf8) ? static_cast<const UnicodeCaseTable *>(locale.caseTable)
                                                     : nullptr),
           asciiFolds_(paged_ == nullptr || !Characters::kAsciiIsSingle ? nullptr : lowerHalf(0)),
-          asciiKnown_((locale.header.proofs & kAsciiFolds) != 0) {}
+          asciiKnown_((locale.header.proofs & kFoldsApart) != 0) {}
     [[nodiscard]] const Characters &characters() const {
         return characters_;
     }

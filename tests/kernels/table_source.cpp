@@ -1,6 +1,7 @@
 #include "table_source.hpp"
 
-#include "velnls.h"
+#include "core/file_layout.hpp"
+#include "core/handle.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -51,6 +52,23 @@ const std::vector<std::string> &pages() {
         "1252",      "1251",      "1250",   "KOI8-R",  "IBM850", "IBM437",     "620-2533",
         "ISO8859-1", "SHIFT-JIS", "EUCJIS", "KSC5601", "CP949",  "CP1361",     "CP936",
         "GB2312",    "CP950",     "BIG-5",  "ISO6937", "IBM037", "CP950-HKSCS"};
+    return names;
+}
+
+const nlsLocale *localeOf(const std::string &page, const std::string &collation) {
+    nlsLocale *locale = nullptr;
+    if (handle() == nullptr ||
+        nlsCreateLocale(handle(), page.c_str(), collation.c_str(), "basic", &locale) != NLS_OK)
+        return nullptr;
+    return locale;
+}
+
+std::vector<std::string> codePages() {
+    std::vector<std::string> names;
+    const nlsHandle *const opened = handle();
+    for (std::int32_t i = 0; opened != nullptr && i < opened->entryCount; ++i)
+        if (const velnls::Entry &entry = opened->directory[i]; entry.kind == velnls::file::kCharSet)
+            names.emplace_back(entry.name);
     return names;
 }
 

@@ -1,0 +1,54 @@
+// Up to 64 bytes of text as masks of one bit per byte, by AVX-512.
+//
+// Included by the files that instantiate kernels for it; what it defines is local to each.
+#pragma once
+
+#include "core/avx512.hpp"
+
+#if defined(VELNLS_AVX512_KERNELS)
+
+namespace velnls::avx512 {
+namespace {
+
+[[gnu::always_inline]] inline Vector all(unsigned value) {
+    return _mm512_set1_epi8(static_cast<char>(value));
+}
+
+class WideMasks {
+public:
+    static constexpr unsigned kBytes = 64;
+
+    [[gnu::always_inline]] explicit WideMasks(const std::uint8_t *at) : bytes_(_mm512_loadu_si512(at)) {}
+    [[gnu::always_inline]] WideMasks(const std::uint8_t *at, std::size_t count)
+        : bytes_(_mm512_maskz_loadu_epi8(lowBits(count), at)) {}
+    [[gnu::always_inline]] explicit WideMasks(Vector bytes) : bytes_(bytes) {}
+    [[nodiscard]] [[gnu::always_inline]] Vector bytes() const {
+        return bytes_;
+    }
+    [[gnu::always_inline]] std::uint64_t high() const {
+        return _mm512_movepi8_mask(bytes_);
+    }
+    [[gnu::always_inline]] std::uint64_t equal(unsigned value) const {
+        return _mm512_cmpeq_epi8_mask(bytes_, all(value));
+    }
+    [[gnu::always_inline]] std::uint64_t atLeast(unsigned value) const {
+        return _mm512_cmpge_epu8_mask(bytes_, all(value));
+    }
+    [[gnu::always_inline]] std::uint64_t utf8Trails() const {
+        return _mm512_cmplt_epi8_mask(bytes_, all(0xC0));
+    }
+    [[gnu::always_inline]] std::uint64_t inRange(unsigned first, unsigned span) const {
+        return _mm512_cmple_epu8_mask(_mm512_sub_epi8(bytes_, all(first)), all(span));
+    }
+    [[gnu::always_inline]] static unsigned population(std::uint64_t mask) {
+        return static_cast<unsigned>(_mm_popcnt_u64(mask));
+    }
+
+private:
+    Vector bytes_;
+};
+
+} // namespace
+} // namespace velnls::avx512
+
+#endif
