@@ -76,6 +76,7 @@ private:
 };
 
 template <Case kCase>
+// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): a constant expression, in a template
 inline constexpr CommonTables<kCase> kCommonTables;
 
 // `bytes` begin with a character. `wrong` gets what the kernel is not for; `incomplete` is how many bytes at
