@@ -45,9 +45,10 @@ enum LeadBits : std::uint8_t {
 
 template <Case kCase>
 struct CommonTables {
-    alignas(kBlock) std::uint8_t leads[kBlock]{};      // LeadBits of C0 to FF
-    alignas(kBlock) std::uint8_t before[kBlock]{};     // the place before each place
-    alignas(kBlock) std::uint8_t changes[2][kBlock]{}; // of trail bytes: behind C3; behind D0 or D1
+    alignas(kBlock) std::uint8_t leads[kBlock]{};    // LeadBits of C0 to FF
+    alignas(kBlock) std::uint8_t before[kBlock]{};   // the place before each place
+    alignas(kBlock) std::uint8_t behindC3[kBlock]{}; // changes of trail bytes
+    alignas(kBlock) std::uint8_t behindD[kBlock]{};  // the same behind D0 or D1
 
     static constexpr std::uint8_t kWrong = 1; // no change at all
 
@@ -63,8 +64,8 @@ struct CommonTables {
         for (unsigned place = 0; place < kBlock; ++place) {
             before[place] = static_cast<std::uint8_t>(place - 1);
             const unsigned trail = 0x80 + place;
-            changes[0][place] = change(0xC3, trail);
-            changes[1][place] = change(kUpper && trail < 0xA0 ? 0xD1 : 0xD0, trail);
+            behindC3[place] = change(0xC3, trail);
+            behindD[place] = change(kUpper && trail < 0xA0 ? 0xD1 : 0xD0, trail);
         }
     }
 
@@ -101,9 +102,10 @@ template <Case kCase>
     Vector mapped = mapAsciiBlock<kCase>(bytes, ~std::uint64_t{0});
     // Bit 6 of the place chooses the second table.
     const Vector place = _mm512_ternarylogic_epi64(bytes, before, all(kSecond), 0xF8);
+    const Vector behindC3 = table(kTables.behindC3);
+    const Vector behindD = table(kTables.behindD);
     const auto changeOf = [&](std::uint64_t where) {
-        return _mm512_maskz_permutex2var_epi8(where, table(kTables.changes[0]), place,
-                                              table(kTables.changes[1]));
+        return _mm512_maskz_permutex2var_epi8(where, behindC3, place, behindD);
     };
     if constexpr (kCase == Case::Upper) {
         // Bit 5 of a trail byte is set from A0 up.
