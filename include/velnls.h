@@ -27,7 +27,9 @@
  *   Text        is bytes of a code page, ended by a NUL byte unless a length is taken. Calls on locales
  *               walk bytes: text in UTF-16 and UTF-32, whose units may hold zero bytes, is converted and
  *               validated, not walked. The caller's text is read only; where a pointer argument is not
- *               const although the call only reads, the call says when its bytes are written.
+ *               const although the call only reads, the call says when its bytes are written. Up to 63
+ *               bytes behind the NUL that ends a string may be loaded with it, never past its 4096-byte
+ *               page of memory, and are never used; a build with VELNLS_EXACT_READS loads none.
  *
  *   Units       Sizes, lengths and offsets are bytes unless "characters" or "columns" is said. Positions
  *               are byte positions that start at 1: the first byte of a string has position 1. An end
