@@ -256,84 +256,53 @@ nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &sour
 
 namespace {
 
-[[gnu::noinline]] nlsStatus utf8ToUtf16Rest(std::uint32_t proofs, Source &source, Target &target) {
+// The kernels of the Unicode forms that convert into and out of UTF-8, for what the wide ones leave.
+using WideKernel = void (*)(Source &, Target &);
+using PlainKernel = nlsStatus (*)(Source &, Target &, Order);
+
+template <typename Sink, WideKernel kWide, PlainKernel kPlain>
+[[gnu::noinline]] nlsStatus utf8ToUnits(std::uint32_t proofs, Source &source, Target &target) {
     const auto blocks = [](Source &text, Target &out) {
-        into(Utf16Sink{{out.at, out.end}}, out, [&](Utf16Sink &sink) { readUtf8Into(text, sink); });
+        into(Sink{{out.at, out.end}}, out, [&](Sink &sink) { readUtf8Into(text, sink); });
     };
-    const auto plain = [](Source &piece, Target &out) {
-        return velnls::utf8ToUtf16(piece, out, Order::Native);
+    const auto plain = [](Source &piece, Target &out) { return kPlain(piece, out, Order::Native); };
+    return alternate(source, target, 1, widened(proofs, kWide, blocks), utf8Window, plain, endsUtf8);
+}
+
+template <typename Unit, WideKernel kWide, PlainKernel kPlain>
+[[gnu::noinline]] nlsStatus unitsToUtf8(std::uint32_t proofs, Source &source, Target &target) {
+    const auto blocks = [](Source &text, Target &out) {
+        into(Utf8Sink{{out.at, out.end}}, out, [&](Utf8Sink &sink) { readUnitsInto<Unit>(text, sink); });
     };
-    return alternate(source, target, 1, widened(proofs, avx512::utf8ToUtf16, blocks), utf8Window, plain,
-                     endsUtf8);
+    const auto plain = [](Source &piece, Target &out) { return kPlain(piece, out, Order::Native); };
+    return alternate(source, target, sizeof(Unit), widened(proofs, kWide, blocks), unitWindow<Unit>, plain,
+                     endsUnits);
 }
 
 } // namespace
 
 nlsStatus utf8ToUtf16(std::uint32_t proofs, Source &source, Target &target) {
-    return finishes(proofs, avx512::utf8ToUtf16, source, target) ? NLS_OK
-                                                                 : utf8ToUtf16Rest(proofs, source, target);
+    return finishes(proofs, avx512::utf8ToUtf16, source, target)
+               ? NLS_OK
+               : utf8ToUnits<Utf16Sink, avx512::utf8ToUtf16, velnls::utf8ToUtf16>(proofs, source, target);
 }
-
-namespace {
-
-[[gnu::noinline]] nlsStatus utf8ToUtf32Rest(std::uint32_t proofs, Source &source, Target &target) {
-    const auto blocks = [](Source &text, Target &out) {
-        into(Utf32Sink{{out.at, out.end}}, out, [&](Utf32Sink &sink) { readUtf8Into(text, sink); });
-    };
-    const auto plain = [](Source &piece, Target &out) {
-        return velnls::utf8ToUtf32(piece, out, Order::Native);
-    };
-    return alternate(source, target, 1, widened(proofs, avx512::utf8ToUtf32, blocks), utf8Window, plain,
-                     endsUtf8);
-}
-
-} // namespace
 
 nlsStatus utf8ToUtf32(std::uint32_t proofs, Source &source, Target &target) {
-    return finishes(proofs, avx512::utf8ToUtf32, source, target) ? NLS_OK
-                                                                 : utf8ToUtf32Rest(proofs, source, target);
+    return finishes(proofs, avx512::utf8ToUtf32, source, target)
+               ? NLS_OK
+               : utf8ToUnits<Utf32Sink, avx512::utf8ToUtf32, velnls::utf8ToUtf32>(proofs, source, target);
 }
-
-namespace {
-
-[[gnu::noinline]] nlsStatus utf16ToUtf8Rest(std::uint32_t proofs, Source &source, Target &target) {
-    const auto blocks = [](Source &text, Target &out) {
-        into(Utf8Sink{{out.at, out.end}}, out,
-             [&](Utf8Sink &sink) { readUnitsInto<std::uint16_t>(text, sink); });
-    };
-    const auto plain = [](Source &piece, Target &out) {
-        return velnls::utf16ToUtf8(piece, out, Order::Native);
-    };
-    return alternate(source, target, 2, widened(proofs, avx512::utf16ToUtf8, blocks),
-                     unitWindow<std::uint16_t>, plain, endsUnits);
-}
-
-} // namespace
 
 nlsStatus utf16ToUtf8(std::uint32_t proofs, Source &source, Target &target) {
-    return finishes(proofs, avx512::utf16ToUtf8, source, target) ? NLS_OK
-                                                                 : utf16ToUtf8Rest(proofs, source, target);
+    return finishes(proofs, avx512::utf16ToUtf8, source, target)
+               ? NLS_OK
+               : unitsToUtf8<std::uint16_t, avx512::utf16ToUtf8, velnls::utf16ToUtf8>(proofs, source, target);
 }
-
-namespace {
-
-[[gnu::noinline]] nlsStatus utf32ToUtf8Rest(std::uint32_t proofs, Source &source, Target &target) {
-    const auto blocks = [](Source &text, Target &out) {
-        into(Utf8Sink{{out.at, out.end}}, out,
-             [&](Utf8Sink &sink) { readUnitsInto<std::uint32_t>(text, sink); });
-    };
-    const auto plain = [](Source &piece, Target &out) {
-        return velnls::utf32ToUtf8(piece, out, Order::Native);
-    };
-    return alternate(source, target, 4, widened(proofs, avx512::utf32ToUtf8, blocks),
-                     unitWindow<std::uint32_t>, plain, endsUnits);
-}
-
-} // namespace
 
 nlsStatus utf32ToUtf8(std::uint32_t proofs, Source &source, Target &target) {
-    return finishes(proofs, avx512::utf32ToUtf8, source, target) ? NLS_OK
-                                                                 : utf32ToUtf8Rest(proofs, source, target);
+    return finishes(proofs, avx512::utf32ToUtf8, source, target)
+               ? NLS_OK
+               : unitsToUtf8<std::uint32_t, avx512::utf32ToUtf8, velnls::utf32ToUtf8>(proofs, source, target);
 }
 
 namespace {
