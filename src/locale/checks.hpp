@@ -19,13 +19,23 @@ inline const nlsHandle *ownerOf(const ObjectHeader &object) {
     }
 }
 
-// 0, 13 (null, or of a closed handle) or 24.
-inline nlsStatus checkLocale(const nlsLocale *locale) {
-    if (locale != nullptr && locale->header.type == kLocaleObject && isLive(locale->handle))
-        return NLS_OK;
+// Whether a call may use a locale; refuseLocale tells what is wrong with any other.
+inline bool isOpenLocale(const nlsLocale *locale) {
+    return locale != nullptr && locale->header.type == kLocaleObject && isLive(locale->handle);
+}
+
+// 13 (null, or of a closed handle) or 24. Out of the way of the calls that go on.
+[[gnu::cold, gnu::noinline]] inline nlsStatus refuseLocale(const nlsLocale *locale) {
     if (locale == nullptr || !isLive(ownerOf(locale->header)))
         return NLS_E_HANDLE;
     return locale->header.type == kLocaleObject ? NLS_OK : NLS_E_NOTLOCALE;
+}
+
+// 0, 13 or 24.
+inline nlsStatus checkLocale(const nlsLocale *locale) {
+    if (isOpenLocale(locale)) [[likely]]
+        return NLS_OK;
+    return refuseLocale(locale);
 }
 
 // 0, 13 (null, or a locale of a closed handle) or 26.

@@ -27,22 +27,46 @@ nlsStatus endOr0(const std::uint8_t *at) {
     return *at == 0 ? NLS_E_END : NLS_OK;
 }
 
+[[gnu::always_inline]] inline nlsStatus stepTo(const std::uint8_t *at, char **next) {
+    *next = text(at);
+    return endOr0(at);
+}
+
+// Over any character, or none at the text's end.
+[[gnu::noinline]] nlsStatus stepOver(const CharTable &table, const std::uint8_t *at, char **next) {
+    return stepTo(*at != 0 ? nextCharacter(table, at) : at, next);
+}
+
 } // namespace
 
 nlsStatus nlsGetNextChar(nlsLocale *locale, const char *p, char **next) {
-    if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
-        return status;
-    if (p == nullptr || next == nullptr)
+    if (!isOpenLocale(locale)) [[unlikely]]
+        return refuseLocale(locale);
+    if (p == nullptr || next == nullptr) [[unlikely]]
         return NLS_E_NULLARG;
-    if (locale->charTable == nullptr) {
+    if (locale->charTable == nullptr) [[unlikely]] {
         *next = nullptr;
         return NLS_E_NOCHARTAB;
     }
-    const std::uint8_t *at = bytes(p);
-    if (*at != 0)
-        at = nextCharacter(*locale->charTable, at);
-    *next = text(at);
-    return endOr0(at);
+    const std::uint8_t *const at = bytes(p);
+    const CharTable &table = *locale->charTable;
+    // A call for each character of a text: the usual ones first, and without a look into the table where the
+    // page is proved to be UTF-8.
+    if ((locale->header.proofs & kUtf8Page) != 0) {
+        if (static_cast<std::int8_t>(*at) > 0) [[likely]]
+            return stepTo(at + 1, next);
+        if ((*at & 0xF0) == 0xE0 && at[1] != 0 && at[2] != 0)
+            return stepTo(at + 3, next);
+        if ((*at & 0xE0) == 0xC0 && at[1] != 0)
+            return stepTo(at + 2, next);
+    } else {
+        const unsigned trails = table.trailCount(*at);
+        if (trails == 0 && *at != 0)
+            return stepTo(at + 1, next);
+        if (trails == 1 && at[1] != 0)
+            return stepTo(at + 2, next);
+    }
+    return stepOver(table, at, next);
 }
 
 nlsStatus nlsGetPrevChar(nlsLocale *locale, const char *p, const char *start, char **prev) {
