@@ -40,6 +40,20 @@ public:
     [[gnu::always_inline]] std::uint64_t inRange(unsigned first, unsigned span) const {
         return _mm512_cmple_epu8_mask(_mm512_sub_epi8(bytes_, all(first)), all(span));
     }
+    // With the capital letters of ASCII as small ones.
+    [[gnu::always_inline]] WideMasks lowered() const {
+        const __mmask64 capitals = _mm512_cmplt_epu8_mask(_mm512_sub_epi8(bytes_, all('A')), all(26));
+        return WideMasks(_mm512_mask_add_epi8(bytes_, capitals, bytes_, all(0x20)));
+    }
+    // As a table of 256 bytes maps them; what it maps to 0 becomes `none`.
+    [[gnu::always_inline]] WideMasks mapped(const std::uint8_t *table, unsigned none) const {
+        const Vector low =
+            _mm512_permutex2var_epi8(_mm512_loadu_si512(table), bytes_, _mm512_loadu_si512(table + 64));
+        const Vector high = _mm512_permutex2var_epi8(_mm512_loadu_si512(table + 128), bytes_,
+                                                     _mm512_loadu_si512(table + 192));
+        const Vector values = _mm512_mask_blend_epi8(_mm512_movepi8_mask(bytes_), low, high);
+        return WideMasks(_mm512_mask_blend_epi8(_mm512_test_epi8_mask(values, values), all(none), values));
+    }
     [[gnu::always_inline]] static unsigned population(std::uint64_t mask) {
         return static_cast<unsigned>(_mm_popcnt_u64(mask));
     }

@@ -84,6 +84,16 @@ public:
             return _mm_cmpeq_epi8(_mm_min_epu8(place, most), place);
         });
     }
+    // With the capital letters of ASCII as small ones.
+    [[gnu::always_inline]] Sse2Masks lowered() const {
+        Sse2Masks result(*this);
+        for (unsigned i = 0; i < kPieces; ++i) {
+            const __m128i place = _mm_sub_epi8(pieces_[i], all('A'));
+            const __m128i capital = _mm_cmpeq_epi8(_mm_min_epu8(place, all(25)), place);
+            result.pieces_[i] = _mm_add_epi8(pieces_[i], _mm_and_si128(capital, all(0x20)));
+        }
+        return result;
+    }
     [[gnu::always_inline]] static unsigned population(std::uint64_t mask) {
         mask -= mask >> 1 & 0x5555'5555'5555'5555;
         mask = (mask & 0x3333'3333'3333'3333) + (mask >> 2 & 0x3333'3333'3333'3333);

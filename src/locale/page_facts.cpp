@@ -111,6 +111,25 @@ bool hasByteWeights(const nlsLocale &locale) {
     }
 }
 
+// What is proved of a page and of its order says how characters match.
+std::uint32_t proveMatching(const nlsLocale &locale, std::uint32_t proofs) {
+    const CharTable &table = *locale.charTable;
+    const bool single = (proofs & kSingleBytePage) != 0;
+    if (locale.collation == nullptr || (proofs & (kUtf8Page | kPairPage | kSingleBytePage)) == 0 ||
+        (!single && !table.has(file::kMultibyte)))
+        return 0;
+    if ((proofs & kPairPage) != 0)
+        for (const ByteRange &leads : factsOf(table).leads)
+            if (leads.first < 0x80)
+                return 0;
+    if (locale.collation->kind == file::kBasic)
+        return kMatchesBytes | ((proofs & kAsciiFolds) != 0 ? kMatchesAscii : 0);
+    if (!hasByteWeights(locale) || table.has(file::kThroughShiftJis))
+        return 0;
+    return kMatchesWeights | ((proofs & kOwnWeights) != 0 ? kMatchesBytes : 0) |
+           ((proofs & kAsciiWeights) != 0 ? kMatchesAscii : 0);
+}
+
 } // namespace
 
 void findFacts(CharTable &table) {
@@ -138,13 +157,13 @@ std::uint32_t proveText(const nlsLocale &locale) {
         proofs |= provePairs(table);
     if (hasByteWeights(locale))
         proofs |= proveWeights(*locale.collation);
-    if (locale.caseTable == nullptr)
-        return proofs;
-    if ((locale.header.proofs & kUtf8Page) != 0)
-        proofs |= proveUtf8Case(*static_cast<const UnicodeCaseTable *>(locale.caseTable));
-    else if (!table.has(file::kUtf8))
-        proofs |= proveByteCase(table, *static_cast<const ByteCaseTable *>(locale.caseTable));
-    return proofs;
+    if (locale.caseTable != nullptr) {
+        if ((locale.header.proofs & kUtf8Page) != 0)
+            proofs |= proveUtf8Case(*static_cast<const UnicodeCaseTable *>(locale.caseTable));
+        else if (!table.has(file::kUtf8))
+            proofs |= proveByteCase(table, *static_cast<const ByteCaseTable *>(locale.caseTable));
+    }
+    return proofs | proveMatching(locale, locale.header.proofs | proofs);
 }
 
 } // namespace velnls

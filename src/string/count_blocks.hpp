@@ -30,14 +30,14 @@ struct Utf8Structure {
     std::uint64_t twoOrMore; // bytes that announce at least so many bytes
     std::uint64_t threeOrMore;
     std::uint64_t four;
+    std::uint64_t announced; // bytes that belong to a character before by what its first byte says
     std::uint64_t irregular; // bytes that are not what the bytes before announce
 
-    // `announced`: the first bytes that belong to a character of the block before.
+    // `before`: the first bytes that belong to a character of the block before.
     template <typename Masks>
-    [[gnu::always_inline]] Utf8Structure(const Masks &masks, std::uint64_t announced)
+    [[gnu::always_inline]] Utf8Structure(const Masks &masks, std::uint64_t before)
         : trails(masks.utf8Trails()), twoOrMore(masks.atLeast(0xC0)), threeOrMore(masks.atLeast(0xE0)),
-          four(masks.atLeast(0xF0)) {
-        announced |= twoOrMore << 1 | threeOrMore << 2 | four << 3;
+          four(masks.atLeast(0xF0)), announced(before | twoOrMore << 1 | threeOrMore << 2 | four << 3) {
         irregular = (announced ^ trails) | masks.atLeast(0xF8);
     }
     // What the block announces of the next one.

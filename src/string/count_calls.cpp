@@ -4,6 +4,7 @@
 #include "locale/walk.hpp"
 #include "string/count.hpp"
 #include "string/out_text.hpp"
+#include "string/short_fast.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -33,8 +34,8 @@ std::uint32_t lengthUpTo(const char *str, std::uint32_t limit) {
 }
 
 // As nlsCopyString copies text without a NUL in it.
-nlsStatus copyTo(nlsStr &out, const std::uint8_t *from, const std::uint8_t *to) {
-    return out.buffer == nullptr ? NLS_E_NULLARG : OutText(out).copy(from, to);
+nlsStatus copyTo(const nlsLocale &locale, nlsStr &out, const std::uint8_t *from, const std::uint8_t *to) {
+    return out.buffer == nullptr ? NLS_E_NULLARG : OutText(out, locale.header.proofs).copy(from, to);
 }
 
 } // namespace
@@ -65,6 +66,11 @@ nlsStatus nlsCountChars(nlsLocale *locale, const char *str, int32_t bytes, uint3
         *chars = lengthUpTo(str, limit);
         return NLS_OK;
     }
+    if (const ShortCount brief = fast::shortCharacters<false>(*locale, bytesOf(str), limit);
+        brief.settled()) {
+        *chars = brief.count;
+        return NLS_OK;
+    }
     return countCharacters(*locale, bytesOf(str), limit, *chars);
 }
 
@@ -85,6 +91,12 @@ nlsStatus nlsSubstr(nlsLocale *locale, const char *str, int32_t start, int32_t l
         return status;
     if (start < 1 || length < 0)
         return NLS_E_NULLARG;
+    const ShortStretch brief = fast::shortStretch(
+        *locale, bytesOf(str), static_cast<std::uint32_t>(start - 1), static_cast<std::uint32_t>(length));
+    if (brief.settled) {
+        *chars = brief.count;
+        return copyTo(*locale, *out, bytesOf(str) + brief.from, bytesOf(str) + brief.to);
+    }
     const auto needed = static_cast<std::uint32_t>(std::max(start, length));
     if (lengthUpTo(str, needed) < needed)
         return NLS_E_NULLARG;
@@ -95,10 +107,10 @@ nlsStatus nlsSubstr(nlsLocale *locale, const char *str, int32_t start, int32_t l
     while (*from != 0 && !beginsCharacter(table, from, begin))
         ++from;
     if (from >= end)
-        return copyTo(*out, from, from);
+        return copyTo(*locale, *out, from, from);
     const std::uint8_t *const to =
         from + countWhole(*locale, from, static_cast<std::uint32_t>(end - from), *chars);
-    return copyTo(*out, from, to);
+    return copyTo(*locale, *out, from, to);
 }
 
 nlsStatus nlsExtract(nlsLocale *locale, const char *str, uint32_t chars, nlsStr *out) {
@@ -130,5 +142,11 @@ nlsStatus nlsValidateString(nlsLocale *locale, const void *data, int32_t length,
         return validateUtf16(bytes, length, byteOrder > 0, *count);
     if (table.has(file::kUnits32))
         return validateUtf32(bytes, length, byteOrder > 0, *count);
+    if (const ShortCount brief =
+            fast::shortCharacters<true>(*locale, bytes, static_cast<std::uint32_t>(length));
+        brief.settled()) {
+        *count = brief.count;
+        return brief.bytes == static_cast<std::uint32_t>(length) ? NLS_OK : NLS_E_END;
+    }
     return validateBytes(*locale, bytes, length, *count);
 }

@@ -2,6 +2,7 @@
 // are known.
 #pragma once
 
+#include "convert/kernels/instruction_sets.hpp"
 #include "velnls.h"
 
 #include <algorithm>
@@ -10,9 +11,18 @@
 
 namespace velnls {
 
+// For processors with AVX-512; call it only where kWideVectors is proved.
+namespace avx512 {
+
+// Copies fewer than 64 bytes and puts a NUL behind them, without a branch on their number.
+void putShort(char *to, const std::uint8_t *from, std::size_t length);
+
+} // namespace avx512
+
 class OutText {
 public:
-    explicit OutText(nlsStr &string) : string_(string) {}
+    // `proofs`: those of the text's locale.
+    OutText(nlsStr &string, std::uint32_t proofs) : string_(string), wide_((proofs & kWideVectors) != 0) {}
 
     // All of a text, as nlsCopyString copies it: one that fills the size exactly has its NUL behind it.
     nlsStatus copy(const std::uint8_t *from, const std::uint8_t *to) {
@@ -60,13 +70,21 @@ public:
 private:
     void put(const std::uint8_t *from, const std::uint8_t *to) {
         const auto length = static_cast<std::size_t>(to - from);
-        if (length != 0)
-            std::memcpy(string_.buffer + string_.length, from, length);
+        char *const end = string_.buffer + string_.length;
         string_.length += static_cast<std::uint32_t>(length);
-        string_.buffer[string_.length] = '\0';
+        if (wide_ && length < kShort) {
+            avx512::putShort(end, from, length);
+            return;
+        }
+        if (length != 0)
+            std::memcpy(end, from, length);
+        end[length] = '\0';
     }
 
+    static constexpr std::size_t kShort = 64;
+
     nlsStr &string_;
+    bool wide_;
 };
 
 } // namespace velnls

@@ -2,6 +2,7 @@
 #include "locale/checks.hpp"
 #include "string/out_text.hpp"
 #include "string/search.hpp"
+#include "string/short_match_fast.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -88,6 +89,47 @@ nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought
     }
 }
 
+// Puts a text together in the caller's string with its matches replaced.
+class Replacing {
+public:
+    Replacing(const nlsLocale &locale, const std::uint8_t *where, const char *replacement, nlsStr &out,
+              std::uint32_t &count)
+        : result_(out, locale.header.proofs), where_(where), replacement_(replacement), count_(count) {}
+
+    // Replaces a match behind the ones before. False where no room is left.
+    bool replace(const Match &match) {
+        if (insteadEnd_ == nullptr)
+            insteadEnd_ = bytes(replacement_) + std::strlen(replacement_);
+        status_ = written_ == nullptr ? result_.begin(where_, match.at) : result_.append(written_, match.at);
+        if (status_ != NLS_OK)
+            return false;
+        written_ = match.at;
+        if (result_.append(bytes(replacement_), insteadEnd_) != NLS_OK)
+            return false;
+        written_ = match.end;
+        ++count_;
+        return true;
+    }
+    // Adds what is left of the text up to its end.
+    nlsStatus finish(const std::uint8_t *end) {
+        if (written_ == nullptr && status_ == NLS_OK)
+            return result_.copy(where_, end);
+        // Where the text before the first match does not fit, all of it does not.
+        if (written_ != nullptr)
+            status_ = result_.append(written_, end);
+        return status_ == NLS_OK ? NLS_OK : result_.blank(status_);
+    }
+
+private:
+    OutText result_;
+    const std::uint8_t *where_;
+    const char *replacement_;
+    std::uint32_t &count_;
+    const std::uint8_t *insteadEnd_ = nullptr; // of the replacement, once it is needed
+    const std::uint8_t *written_ = nullptr;    // what stands before is in the string, or replaced there
+    nlsStatus status_ = NLS_OK;
+};
+
 } // namespace
 
 nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text_, uint16_t caseFlag,
@@ -103,6 +145,16 @@ nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text
         return NLS_E_NULLARG;
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
+    if (const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytes(pattern), bytes(text_));
+        brief.settled()) {
+        if (brief.places != 0) {
+            const auto place = static_cast<std::uint32_t>(__builtin_ctzll(brief.places));
+            *found = text(bytes(text_) + place);
+            *position = place + 1;
+            *endOffset = place + brief.patternLength;
+        }
+        return NLS_OK;
+    }
     const Whole sought(pattern);
     const Whole where(text_);
     if (const nlsStatus status = checkNotCut(*locale, sought); status != NLS_OK)
@@ -177,7 +229,7 @@ nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replace
         return status;
     const Whole where(text_);
     const Whole instead(replacement);
-    OutText result(*out);
+    OutText result(*out, locale->header.proofs);
     if (*found == nullptr)
         return result.copy(where.at, where.end);
     // An empty pattern is found behind the end.
@@ -201,6 +253,19 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
     *count = 0;
+    Replacing replacing(*locale, bytes(text_), replacement, *out, *count);
+    if (const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytes(pattern), bytes(text_));
+        brief.settled()) {
+        for (std::uint64_t left = brief.places; left != 0;) {
+            const unsigned place = static_cast<unsigned>(__builtin_ctzll(left));
+            const std::uint8_t *const at = bytes(text_) + place;
+            if (!replacing.replace({at, at + brief.patternLength}))
+                break;
+            // None of the matches overlap.
+            left &= ~std::uint64_t{0} << (place + brief.patternLength - 1) << 1;
+        }
+        return replacing.finish(bytes(text_) + brief.textLength);
+    }
     const Whole sought(pattern);
     if (const nlsStatus status = checkNotCut(*locale, sought); status != NLS_OK)
         return status;
@@ -209,29 +274,10 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
     const Whole where(text_);
     if (const nlsStatus status = checkNotCut(*locale, where); status != NLS_OK)
         return status;
-    const Whole instead(replacement);
     return withPage(*locale, caseFlag, [&](const auto &page) {
-        OutText result(*out);
-        const std::uint8_t *written = nullptr; // what stands before is in `out`, or replaced there
-        nlsStatus status = NLS_OK;
-        const auto replace = [&](const Match &match) {
-            status = written == nullptr ? result.begin(where.at, match.at) : result.append(written, match.at);
-            if (status != NLS_OK)
-                return false;
-            written = match.at;
-            if (result.append(instead.at, instead.end) != NLS_OK)
-                return false;
-            written = match.end;
-            ++*count;
-            return true;
-        };
-        if (const nlsStatus failure = findAll(page, *locale, sought, where, replace); failure != NLS_OK)
-            return failure;
-        if (written == nullptr && status == NLS_OK)
-            return result.copy(where.at, where.end);
-        // Where the text before the first match does not fit, all of it does not.
-        if (written != nullptr)
-            status = result.append(written, where.end);
-        return status == NLS_OK ? NLS_OK : result.blank(status);
+        const nlsStatus failure = findAll(page, *locale, sought, where, [&replacing](const Match &match) {
+            return replacing.replace(match);
+        });
+        return failure != NLS_OK ? failure : replacing.finish(where.end);
     });
 }

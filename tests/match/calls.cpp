@@ -11,6 +11,7 @@ namespace fixture {
 namespace {
 
 constexpr unsigned char kFiller = 0xEE;
+constexpr std::size_t kBehind = 80; // bytes that stand behind a string at the front of its area
 bool atFront = false;
 
 // Each string of a call has an area of its own.
@@ -27,11 +28,14 @@ GuardedBuffer &area(std::size_t which, std::size_t size) {
 const char *place(std::size_t which, const std::string &text) {
     Bytes bytes(text.begin(), text.end());
     bytes.push_back(0);
-    GuardedBuffer &buffer = area(which, bytes.size());
+    GuardedBuffer &buffer = area(which, bytes.size() + kBehind);
     if (!atFront)
         return reinterpret_cast<const char *>(buffer.readOnly(bytes));
-    unsigned char *const at = buffer.head(bytes.size());
+    // What stands behind the string looks much like it: none of that may be found.
+    unsigned char *const at = buffer.head(bytes.size() + kBehind);
     std::copy(bytes.begin(), bytes.end(), at);
+    for (std::size_t i = 0; i < kBehind; ++i)
+        at[bytes.size() + i] = bytes[i % bytes.size()];
     return reinterpret_cast<const char *>(at);
 }
 

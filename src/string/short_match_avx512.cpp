@@ -1,0 +1,40 @@
+// The short ways to match on processors with AVX-512.
+#include "locale/masks_avx512.hpp"
+#include "string/short_match_fast.hpp"
+
+namespace velnls::avx512 {
+
+#if defined(VELNLS_AVX512_KERNELS)
+
+ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *pattern,
+                        const std::uint8_t *text) {
+    if (matching.weights != nullptr)
+        return shortPlacesBy<WideMasks>(ShortBytes(), ShortByWeights(matching.weights), pattern, text);
+    return onPage(matching, [&](const auto &page, const auto &order) {
+        return shortPlacesBy<WideMasks>(page, order, pattern, text);
+    });
+}
+
+ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
+                    ShortSigns signs) {
+    if (matching.weights != nullptr)
+        return shortLikeBy<WideMasks>(ShortBytes(), ShortByWeights(matching.weights), pattern, text, signs);
+    return onPage(matching, [&](const auto &page, const auto &order) {
+        return shortLikeBy<WideMasks>(page, order, pattern, text, signs);
+    });
+}
+
+#else
+
+// On other processors nothing is settled; none is called.
+ShortPlaces shortPlaces(const ShortMatching &, const std::uint8_t *, const std::uint8_t *) {
+    return kUnsettledPlaces;
+}
+
+ShortLike shortLike(const ShortMatching &, const std::uint8_t *, const std::uint8_t *, ShortSigns) {
+    return ShortLike::Unsettled;
+}
+
+#endif
+
+} // namespace velnls::avx512
