@@ -33,6 +33,7 @@ struct PlaceFilter {
     ByteForms far;                // none: any
     std::size_t nearDistance = 0; // from the place to the byte that `near` is about
     std::size_t farDistance = 0;  // not below nearDistance
+    bool wide = false;            // find() may use AVX-512
 
     // The first place from `at` on that comes through, in a text of which all between `text` and `end` may be
     // read. The sieve stops short of the end: `stopped` is then the first place that it has not looked at,
@@ -45,6 +46,14 @@ struct PlaceFilter {
     static constexpr std::ptrdiff_t kShortText = 64;
     [[nodiscard]] std::uint64_t places(const std::uint8_t *text, std::size_t length) const;
 };
+
+// For processors with AVX-512: the first place from `at` on that comes through, or null where the end is
+// near; `at` then moves to the first place that was not looked at.
+namespace avx512 {
+
+const std::uint8_t *findPlace(const PlaceFilter &filter, const std::uint8_t *&at, const std::uint8_t *end);
+
+} // namespace avx512
 
 // Adds the indexes, 0 left out, at which a table of 256 bytes has a value. False when there is no room for
 // all.

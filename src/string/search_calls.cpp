@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 using namespace velnls;
 
@@ -86,6 +87,29 @@ nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought
                 break;
         }
         return NLS_OK;
+    }
+}
+
+// The same on pages of single bytes, where no text is cut: its end is looked for as the search goes on, so
+// that what is looked at is still near when it is copied. Gives the text's end.
+template <typename Page, typename Found>
+const std::uint8_t *findAllBytes(const Page &page, const Whole &sought, const std::uint8_t *text,
+                                 Found found) {
+    constexpr std::size_t kStretch = 1 << 14;
+    const std::ptrdiff_t length = sought.end - sought.at;
+    const std::uint8_t *known = text; // no NUL stands before
+    for (const std::uint8_t *at = text;;) {
+        const std::size_t more = ::strnlen(reinterpret_cast<const char *>(known), kStretch);
+        known += more;
+        QuickSearch search(page, sought.at, sought.end, at, known);
+        for (Match match = search.next(at); match.at != nullptr; match = search.next(at)) {
+            if (!found(match))
+                return known + std::strlen(reinterpret_cast<const char *>(known));
+            at = match.end;
+        }
+        if (more < kStretch)
+            return known;
+        at = std::max(at, known - (length - 1)); // a match may reach behind what was known
     }
 }
 
@@ -271,13 +295,16 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
         return status;
     if (sought.empty())
         return NLS_E_NULLARG;
-    const Whole where(text_);
-    if (const nlsStatus status = checkNotCut(*locale, where); status != NLS_OK)
-        return status;
+    const auto replace = [&replacing](const Match &match) { return replacing.replace(match); };
     return withPage(*locale, caseFlag, [&](const auto &page) {
-        const nlsStatus failure = findAll(page, *locale, sought, where, [&replacing](const Match &match) {
-            return replacing.replace(match);
-        });
-        return failure != NLS_OK ? failure : replacing.finish(where.end);
+        if constexpr (std::is_same_v<std::remove_cvref_t<decltype(page.characters())>, SingleBytes>) {
+            return replacing.finish(findAllBytes(page, sought, bytes(text_), replace));
+        } else {
+            const Whole where(text_);
+            nlsStatus status = checkNotCut(*locale, where);
+            if (status == NLS_OK)
+                status = findAll(page, *locale, sought, where, replace);
+            return status != NLS_OK ? status : replacing.finish(where.end);
+        }
     });
 }

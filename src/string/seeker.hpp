@@ -1,6 +1,7 @@
 // Looks for the places of a text where a run of characters may begin, for searching and for LIKE.
 #pragma once
 
+#include "convert/kernels/instruction_sets.hpp"
 #include "string/pages.hpp"
 
 namespace velnls {
@@ -23,6 +24,8 @@ public:
         if (filters_ && length <= PlaceFilter::kShortText && !cutsCharacter(page.characters(), start, end)) {
             knowsPlaces_ = true;
             places_ = filter_.places(start, static_cast<std::size_t>(length));
+        } else if (filters_ && length >= kWideWorth) {
+            filter_.wide = (instructionSets() & kWideVectors) != 0;
         }
     }
 
@@ -59,6 +62,8 @@ public:
     }
 
 private:
+    static constexpr std::ptrdiff_t kWideWorth = 256; // bytes of text
+
     const std::uint8_t *nextKnown(const std::uint8_t *at) {
         const std::ptrdiff_t passed = at - text_;
         if (passed >= PlaceFilter::kShortText)

@@ -1,7 +1,7 @@
 // Texts around the lengths of one vector and of one block, which are counted, cut and validated in one go: at
 // the front of a page with rubbish behind them, and ending where the page does; with each length, with a NUL
 // and with a byte that does not belong there at each place.
-#include "harness/kits.hpp"
+#include "harness/checks.hpp"
 #include "model/count.hpp"
 
 #include "guarded_buffer.hpp"
