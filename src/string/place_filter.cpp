@@ -156,9 +156,12 @@ bool ByteForms::add(std::uint8_t byte) {
 
 const std::uint8_t *PlaceFilter::find(const std::uint8_t *text, const std::uint8_t *at,
                                       const std::uint8_t *end, const std::uint8_t *&stopped) const {
-    if (wide)
-        if (const std::uint8_t *const place = avx512::findPlace(*this, at, end); place != nullptr)
+    if (wide) {
+        const std::uint8_t *const place = avx512::findPlace(*this, at, end, stopped);
+        if (place != nullptr)
             return place;
+        at = stopped;
+    }
     const unsigned most = near.count > far.count ? near.count : far.count;
     if (far.count == 0)
         return most == 1   ? findIn<1, 0>(*this, text, at, end, stopped)

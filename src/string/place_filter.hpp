@@ -47,11 +47,11 @@ struct PlaceFilter {
     [[nodiscard]] std::uint64_t places(const std::uint8_t *text, std::size_t length) const;
 };
 
-// For processors with AVX-512: the first place from `at` on that comes through, or null where the end is
-// near; `at` then moves to the first place that was not looked at.
+// For processors with AVX-512: as PlaceFilter::find, but it stops further from the end.
 namespace avx512 {
 
-const std::uint8_t *findPlace(const PlaceFilter &filter, const std::uint8_t *&at, const std::uint8_t *end);
+const std::uint8_t *findPlace(const PlaceFilter &filter, const std::uint8_t *at, const std::uint8_t *end,
+                              const std::uint8_t *&stopped);
 
 } // namespace avx512
 

@@ -38,7 +38,8 @@ public:
 };
 
 template <unsigned kNear, unsigned kFar>
-const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *&at, const std::uint8_t *end) {
+const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *at, const std::uint8_t *end,
+                           const std::uint8_t *&stopped) {
     const WideTest<kNear> near(filter.near);
     const WideTest<kFar> far(filter.far);
     const std::size_t nearDistance = filter.nearDistance;
@@ -54,26 +55,30 @@ const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *&at, c
             continue;
         return first != 0 ? at + __builtin_ctzll(first) : at + kBlock + __builtin_ctzll(second);
     }
+    stopped = at;
     return nullptr;
 }
 
 } // namespace
 
-const std::uint8_t *findPlace(const PlaceFilter &filter, const std::uint8_t *&at, const std::uint8_t *end) {
+const std::uint8_t *findPlace(const PlaceFilter &filter, const std::uint8_t *at, const std::uint8_t *end,
+                              const std::uint8_t *&stopped) {
     const unsigned most = filter.near.count > filter.far.count ? filter.near.count : filter.far.count;
     if (filter.far.count == 0)
-        return most == 1   ? findIn<1, 0>(filter, at, end)
-               : most == 2 ? findIn<2, 0>(filter, at, end)
-                           : findIn<4, 0>(filter, at, end);
-    return most == 1   ? findIn<1, 1>(filter, at, end)
-           : most == 2 ? findIn<2, 2>(filter, at, end)
-                       : findIn<4, 4>(filter, at, end);
+        return most == 1   ? findIn<1, 0>(filter, at, end, stopped)
+               : most == 2 ? findIn<2, 0>(filter, at, end, stopped)
+                           : findIn<4, 0>(filter, at, end, stopped);
+    return most == 1   ? findIn<1, 1>(filter, at, end, stopped)
+           : most == 2 ? findIn<2, 2>(filter, at, end, stopped)
+                       : findIn<4, 4>(filter, at, end, stopped);
 }
 
 #else
 
 // On other processors nothing is looked at; it is not called.
-const std::uint8_t *findPlace(const PlaceFilter &, const std::uint8_t *&, const std::uint8_t *) {
+const std::uint8_t *findPlace(const PlaceFilter &, const std::uint8_t *at, const std::uint8_t *,
+                              const std::uint8_t *&stopped) {
+    stopped = at;
     return nullptr;
 }
 
