@@ -9,6 +9,20 @@ namespace velnls {
 
 namespace {
 
+// One bit for each: two proofs that share one would each be taken for the other.
+constexpr std::uint32_t kProofs[] = {
+    kPairPage,       kNarrowLeads, kUtf8Trails, kOwnWeights, kAsciiWeights, kMatchesBytes, kMatchesAscii,
+    kMatchesWeights, kAsciiCase,   kCommonCase, kFoldsApart, kPairCase,     kKeepsBytes,   kInstructionSets};
+static_assert([] {
+    std::uint32_t seen = 0xFFFF; // those of the page and of the order
+    for (const std::uint32_t proof : kProofs) {
+        if ((seen & proof) != 0)
+            return false;
+        seen |= proof;
+    }
+    return true;
+}());
+
 // Collects the bytes that `isIn` names as ranges: how many there are, or more than fit.
 template <typename IsIn, unsigned kMost>
 unsigned findRanges(ByteRange (&ranges)[kMost], IsIn isIn) {
@@ -123,7 +137,7 @@ std::uint32_t proveMatching(const nlsLocale &locale, std::uint32_t proofs) {
             if (leads.first < 0x80)
                 return 0;
     if (locale.collation->kind == file::kBasic)
-        return kMatchesBytes | ((proofs & kAsciiFolds) != 0 ? kMatchesAscii : 0);
+        return kMatchesBytes | ((proofs & kFoldsApart) != 0 ? kMatchesAscii : 0);
     if (!hasByteWeights(locale) || table.has(file::kThroughShiftJis))
         return 0;
     return kMatchesWeights | ((proofs & kOwnWeights) != 0 ? kMatchesBytes : 0) |

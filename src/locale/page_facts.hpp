@@ -26,13 +26,13 @@ inline constexpr std::uint32_t kAsciiWeights = 0x0080'0000;
 
 // With kUtf8Page, kPairPage or kSingleBytePage, whose lead bytes are none of ASCII: under mode 1 characters
 // are equal when their bytes are.
-inline constexpr std::uint32_t kMatchesBytes = 0x0100'0000;
+inline constexpr std::uint32_t kMatchesBytes = 0x0400'0000;
 // The same under mode 0 for ASCII: a letter equals its other case, any other character itself alone; in
 // UTF-8, capital I with dot may equal "i".
-inline constexpr std::uint32_t kMatchesAscii = 0x0200'0000;
+inline constexpr std::uint32_t kMatchesAscii = 0x0800'0000;
 // With kSingleBytePage: under modes 0 and 1, bytes are equal when their weights are, that of "s" for those
 // that have none.
-inline constexpr std::uint32_t kMatchesWeights = 0x0400'0000;
+inline constexpr std::uint32_t kMatchesWeights = 0x1000'0000;
 
 struct [[gnu::packed]] ByteRange {
     std::uint8_t first;
