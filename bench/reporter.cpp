@@ -77,7 +77,7 @@ void TableReporter::ReportRuns(const std::vector<Run> &runs) {
         const bool held = result.ratio.median >= line.floor;
         if (!held)
             ++failures_;
-        std::printf("| %s | %s | %s | %s | %s | %s%.2f%s | %.2f | %.2f | %.1f | %s |\n", row.c_str(),
+        std::printf("| %s | %s | %s | %s | %s | %s%.2f%s | %.2f | %.2f | %.2g | %s |\n", row.c_str(),
                     size.c_str(), ours, result.peer.c_str(), theirs, held ? "" : "**", result.ratio.median,
                     held ? "" : "**", result.ratio.lowest, result.ratio.highest, line.floor,
                     instructionSet());
