@@ -21,13 +21,36 @@ ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *patte
 ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
                     ShortSigns signs);
 
-// What is proved of how characters match under a mode; without any of the bits for it where that is not
-// proved, or where one of the strings may not be looked at by a block.
-[[gnu::always_inline]] inline ShortMatching
-matchingOf(const nlsLocale &locale, unsigned mode, const std::uint8_t *pattern, const std::uint8_t *text) {
+// A pattern is used again and again: one that stands across two pages of memory is moved into a block of its
+// own, as far as that takes it.
+class ShortSource {
+public:
+    explicit ShortSource(const std::uint8_t *pattern) : at_(fitsBlock(pattern) ? pattern : move(pattern)) {}
+    ShortSource(const ShortSource &) = delete;
+    ShortSource &operator=(const ShortSource &) = delete;
+    [[nodiscard]] const std::uint8_t *at() const {
+        return at_;
+    }
+
+private:
+    [[gnu::noinline]] const std::uint8_t *move(const std::uint8_t *pattern) {
+        std::size_t length = 0;
+        for (; length < kShortBlock && pattern[length] != 0; ++length)
+            block_[length] = pattern[length];
+        if (length < kShortBlock)
+            block_[length] = 0; // behind it stands anything, as behind any string
+        return block_;
+    }
+
+    alignas(kShortBlock) std::uint8_t block_[kShortBlock];
+    const std::uint8_t *at_;
+};
+
+// What is proved of how characters match under a mode; nothing where that is not enough.
+[[gnu::always_inline]] inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     const std::uint32_t proofs = locale.header.proofs;
     const PageFacts &facts = factsOf(*locale.charTable);
-    if (mode > 1 || locale.collation == nullptr || !fitsBlock(pattern) || !fitsBlock(text))
+    if (mode > 1 || locale.collation == nullptr)
         return {0, facts, nullptr, false};
     if ((proofs & (mode == 0 ? kMatchesAscii : kMatchesBytes)) != 0)
         return {proofs, facts, nullptr, mode == 0};
@@ -38,7 +61,11 @@ matchingOf(const nlsLocale &locale, unsigned mode, const std::uint8_t *pattern, 
 
 [[gnu::always_inline]] inline ShortPlaces findShortly(const nlsLocale &locale, unsigned mode,
                                                       const std::uint8_t *pattern, const std::uint8_t *text) {
-    const ShortMatching matching = matchingOf(locale, mode, pattern, text);
+    if (!fitsBlock(text))
+        return kUnsettledPlaces;
+    const ShortSource source(pattern);
+    pattern = source.at();
+    const ShortMatching matching = matchingOf(locale, mode);
     if (matching.proofs == 0)
         return kUnsettledPlaces;
     return (matching.proofs & kWideVectors) != 0 ? avx512::shortPlaces(matching, pattern, text)
@@ -48,7 +75,11 @@ matchingOf(const nlsLocale &locale, unsigned mode, const std::uint8_t *pattern, 
 [[gnu::always_inline]] inline ShortLike likeShortly(const nlsLocale &locale, unsigned mode,
                                                     const std::uint8_t *pattern, const std::uint8_t *text,
                                                     ShortSigns signs) {
-    const ShortMatching matching = matchingOf(locale, mode, pattern, text);
+    if (!fitsBlock(text))
+        return ShortLike::Unsettled;
+    const ShortSource source(pattern);
+    pattern = source.at();
+    const ShortMatching matching = matchingOf(locale, mode);
     if (matching.proofs == 0)
         return ShortLike::Unsettled;
     return (matching.proofs & kWideVectors) != 0 ? avx512::shortLike(matching, pattern, text, signs)
