@@ -261,7 +261,7 @@ private:
             return false;
         return paged_ != nullptr ? pagedForms(foldOf(character), forms) : byteForms(foldOf(character), forms);
     }
-    [[gnu::noinline]] bool byteForms(std::uint32_t folded, FoldForms &forms) const {
+    [[gnu::cold, gnu::noinline]] bool byteForms(std::uint32_t folded, FoldForms &forms) const {
         for (unsigned byte = 1; byte < 256; ++byte) {
             const auto first = static_cast<std::uint8_t>(byte);
             const unsigned length = characters_.announced(first);
@@ -273,7 +273,7 @@ private:
         return forms.longest != 0;
     }
     // A page's index leaves out the high bit of the last byte, so either value of it is a form.
-    [[gnu::noinline]] bool pagedForms(std::uint32_t folded, FoldForms &forms) const {
+    [[gnu::cold, gnu::noinline]] bool pagedForms(std::uint32_t folded, FoldForms &forms) const {
         if (mapUtf8Case<Case::Lower>(*paged_, folded) == folded && !addNumber(folded, forms))
             return false;
         const auto fold = static_cast<std::uint16_t>(folded); // of one or two bytes

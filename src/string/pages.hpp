@@ -38,12 +38,18 @@ private:
     unsigned mode_;
 };
 
+// Where each comparison is a call by itself, the code around them is small rather than fast.
+template <typename Use>
+[[gnu::cold, gnu::noinline]] nlsStatus withAnyPage(const nlsLocale &locale, unsigned mode, const Use &use) {
+    return use(AnyPage(locale, mode));
+}
+
 // Calls `use` with the page of a locale under a mode, and gives what it gives.
 template <typename Use>
 nlsStatus withPage(const nlsLocale &locale, unsigned mode, Use use) {
     const Collation *const collation = locale.collation;
     if (collation == nullptr)
-        return use(AnyPage(locale, mode));
+        return withAnyPage(locale, mode, use);
     switch (collation->kind) {
     case file::kThai:
     case file::kSortExit:
@@ -67,7 +73,7 @@ nlsStatus withPage(const nlsLocale &locale, unsigned mode, Use use) {
         return use(
             BytePage(weightsOf(*collation, mode), mode == 0 && (locale.header.proofs & kAsciiWeights) != 0));
     }
-    return use(AnyPage(locale, mode));
+    return withAnyPage(locale, mode, use);
 }
 
 } // namespace velnls

@@ -202,8 +202,10 @@ nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text
     });
 }
 
-nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const char *text_, int32_t textLength,
-                        uint16_t caseFlag, uint32_t *position, char **found) {
+// For size: long texts are searched forwards.
+[[gnu::cold]] nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const char *text_,
+                                      int32_t textLength, uint16_t caseFlag, uint32_t *position,
+                                      char **found) {
     if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
         return status;
     if (position != nullptr)
