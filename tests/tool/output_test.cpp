@@ -57,6 +57,7 @@ TEST(OutputFile, BehindASymbolicLinkIsReplacedAndTheLinkStays) {
 }
 
 TEST(OutputFile, BehindASymbolicLinkIsMadeWhereItIsNotThereYet) {
+    NEEDS_POSIX("links that lead nowhere yet");
     const Folder folder;
     std::filesystem::create_symlink("text", folder.path("second"));
     std::filesystem::create_symlink(folder.path("second"), folder.path("first"));
