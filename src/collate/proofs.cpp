@@ -12,7 +12,8 @@ namespace {
 bool asciiFolds(const nlsLocale &locale) {
     constexpr std::uint32_t kMostTrails = 3;
     if (locale.caseTable == nullptr ||
-        (locale.header.proofs & kLongestTrails) >> kLongestTrailsShift > kMostTrails)
+        (locale.header.proofs & kLongestTrails) >> kLongestTrailsShift > kMostTrails ||
+        locale.charTable->trailCount(0) != 0)
         return false;
     for (std::uint8_t byte = 1; byte < 0x80; ++byte)
         if (locale.charTable->trailCount(byte) != 0 || foldNumber(locale, byte) != asciiLower(byte))

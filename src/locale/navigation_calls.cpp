@@ -63,7 +63,7 @@ nlsStatus nlsGetNextChar(nlsLocale *locale, const char *p, char **next) {
         const unsigned trails = table.trailCount(*at);
         if (trails == 0 && *at != 0)
             return stepTo(at + 1, next);
-        if (trails == 1 && at[1] != 0)
+        if (trails == 1 && *at != 0 && at[1] != 0) // a record may say anything of NUL
             return stepTo(at + 2, next);
     }
     return stepOver(table, at, next);

@@ -63,6 +63,8 @@ bool isNarrow(const CharTable &table, unsigned byte) {
 std::uint32_t provePairs(const CharTable &table) {
     const PageFacts &facts = factsOf(table);
     bool narrow = false;
+    if (table.trailCount(0) != 0) // a NUL ends a text, whatever a record says of it
+        return 0;
     for (unsigned byte = 0; byte < 256; ++byte) {
         const unsigned trails = table.trailCount(static_cast<std::uint8_t>(byte));
         if (trails != (contains(facts.leads, byte) ? 1 : 0) ||

@@ -109,7 +109,9 @@ const std::uint8_t *findAllBytes(const Page &page, const Whole &sought, const st
         }
         if (more < kStretch)
             return known;
-        at = std::max(at, known - (length - 1)); // a match may reach behind what was known
+        // A match may reach behind what was known.
+        if (known - at >= length)
+            at = known - (length - 1);
     }
 }
 

@@ -147,3 +147,39 @@ TEST(HostileRecord, NothingOutsideIsTouchedAndAStatusSaysWhatIsWrong) {
     EXPECT_GT(opened, 1000);
     EXPECT_GT(refused, 1000);
 }
+
+// The attributes of NUL are data too: a record that makes it begin a character ends no text later.
+TEST(HostileRecord, NulEndsATextWhateverItsAttributesSay) {
+    constexpr std::size_t kAttributeOfNul = 832;
+    for (std::size_t number = 0; number < World().kits.size(); ++number) {
+        World world(3);
+        const Kit &one = world.kits[number];
+        for (unsigned char attribute = 1; attribute < 16; ++attribute) {
+            kit::Stored stored = kit::store(one.locale, kit::kNewLevel);
+            ASSERT_GT(stored.data.size(), kAttributeOfNul);
+            stored.data[kAttributeOfNul] = attribute;
+            const std::uint32_t size = kit::sizeNeeded(stored, "copy", nullptr);
+            const kit::Rebuilt rebuilt(world.library.handle, stored, "copy", nullptr, nullptr, size);
+            if (rebuilt.status != NLS_OK)
+                continue;
+            SCOPED_TRACE(one.name + ", attribute " + std::to_string(attribute));
+            kit::GuardedText left;
+            kit::GuardedText right;
+            const char *const atPageEnd = left.terminated({});
+            char *next = nullptr;
+            EXPECT_EQ(nlsGetNextChar(rebuilt.locale, atPageEnd, &next), NLS_E_END);
+            EXPECT_EQ(next, atPageEnd);
+            for (const std::int16_t mode : kit::kModes) {
+                std::int16_t result = 77;
+                EXPECT_EQ(
+                    nlsCompare(rebuilt.locale, left.bytes({0, 'x'}), right.bytes({0, 'y'}), mode, &result),
+                    NLS_OK);
+                EXPECT_EQ(result, 0);
+                EXPECT_EQ(
+                    nlsCompare(rebuilt.locale, left.terminated({}), right.terminated({}), mode, &result),
+                    NLS_OK);
+                EXPECT_EQ(result, 0);
+            }
+        }
+    }
+}
