@@ -33,8 +33,9 @@ inline std::size_t leftInPage(const std::uint8_t *at) {
 }
 
 // Whether a block at `at` lies in one page.
-inline bool staysInPage(const std::uint8_t *at) {
-    return (reinterpret_cast<std::uintptr_t>(at) & (kSmallestPage - 1)) <= kSmallestPage - kAheadBytes;
+template <std::size_t kBytes = kAheadBytes>
+[[gnu::always_inline]] inline bool staysInPage(const std::uint8_t *at) {
+    return (reinterpret_cast<std::uintptr_t>(at) & (kSmallestPage - 1)) <= kSmallestPage - kBytes;
 }
 
 // Hides from the compiler what a pointer points at: it would take loads past the end of a known object for

@@ -11,19 +11,15 @@ namespace velnls::avx512 {
 template <Case kCase>
 void mapCommonUtf8(fast::CaseStretch &stretch) {
     constexpr std::size_t kBehind = 3; // bytes of a character that a block leaves incomplete
-    const std::uint8_t *at = stretch.at;
-    std::uint8_t *out = stretch.out;
-    std::size_t room = stretch.room;
-    while (at != stretch.end) {
-        const auto left = static_cast<std::size_t>(stretch.end - at);
+    fast::CaseStretch rest = stretch;  // in registers, which a stretch of the caller's is not
+    while (rest.at != rest.end) {
+        const auto left = static_cast<std::size_t>(rest.end - rest.at);
         const std::size_t size = left < kBlock ? left : kBlock;
         const Vector bytes =
-            size == kBlock ? _mm512_loadu_si512(at) : _mm512_maskz_loadu_epi8(lowBits(size), at);
-        if (_mm512_movepi8_mask(bytes) == 0 && size == kBlock && room >= kBlock) {
-            _mm512_storeu_si512(out, mapAsciiBlock<kCase>(bytes, ~std::uint64_t{0}));
-            at += kBlock;
-            out += kBlock;
-            room -= kBlock;
+            size == kBlock ? _mm512_loadu_si512(rest.at) : _mm512_maskz_loadu_epi8(lowBits(size), rest.at);
+        if (_mm512_movepi8_mask(bytes) == 0 && size == kBlock && rest.room >= kBlock) {
+            _mm512_storeu_si512(rest.out, mapAsciiBlock<kCase>(bytes, ~std::uint64_t{0}));
+            rest.advance(kBlock);
             continue;
         }
         std::uint64_t wrong = 0;
@@ -36,50 +32,45 @@ void mapCommonUtf8(fast::CaseStretch &stretch) {
             const std::uint64_t begins = ~trails & (_blsmsk_u64(wrong) >> 1);
             whole = begins == 0 ? 0 : 63 - static_cast<std::size_t>(_lzcnt_u64(begins));
         }
-        if (whole > room)
+        if (whole > rest.room)
             break;
-        if (wrong == 0 && size == kBlock && room >= kBlock + kBehind)
-            _mm512_storeu_si512(out, mapped);
+        if (wrong == 0 && size == kBlock && rest.room >= kBlock + kBehind)
+            _mm512_storeu_si512(rest.out, mapped);
         else
-            _mm512_mask_storeu_epi8(out, lowBits(whole), mapped);
-        at += whole;
-        out += whole;
-        room -= whole;
+            _mm512_mask_storeu_epi8(rest.out, lowBits(whole), mapped);
+        rest.advance(whole);
         if (wrong != 0)
             break;
     }
-    stretch = {at, stretch.end, out, room};
+    stretch = rest;
 }
 
 template <Case kCase>
 void mapPairs(const PageFacts &facts, fast::CaseStretch &stretch) {
-    const std::uint8_t *at = stretch.at;
-    std::uint8_t *out = stretch.out;
-    std::size_t room = stretch.room;
+    fast::CaseStretch rest = stretch; // in registers, which a stretch of the caller's is not
     std::uint64_t pending = 0;
-    while (at != stretch.end) {
-        const auto left = static_cast<std::size_t>(stretch.end - at);
+    while (rest.at != rest.end) {
+        const auto left = static_cast<std::size_t>(rest.end - rest.at);
         const std::size_t size = left < kBlock ? left : kBlock;
-        const WideMasks masks = size == kBlock ? WideMasks(at) : WideMasks(at, size);
+        const WideMasks masks = size == kBlock ? WideMasks(rest.at) : WideMasks(rest.at, size);
         std::uint64_t pendingBehind = pending;
         const std::uint64_t trails = pairTrails(leadsOf(masks, facts), pendingBehind);
         if (size != kBlock)
             pendingBehind = trails >> size & 1;
         // A lead byte is stored only where its trail byte fits too.
-        if (size + pendingBehind > room)
+        if (size + pendingBehind > rest.room)
             break;
         pending = pendingBehind;
         const Vector mapped = mapAsciiBlock<kCase>(masks.bytes(), ~trails);
         if (size == kBlock)
-            _mm512_storeu_si512(out, mapped);
+            _mm512_storeu_si512(rest.out, mapped);
         else
-            _mm512_mask_storeu_epi8(out, lowBits(size), mapped);
-        at += size;
-        out += size;
-        room -= size;
+            _mm512_mask_storeu_epi8(rest.out, lowBits(size), mapped);
+        rest.advance(size);
     }
     // A lead byte without its trail byte is left to the caller.
-    stretch = {at - pending, stretch.end, out - pending, room + pending};
+    rest.stepBack(pending);
+    stretch = rest;
 }
 
 template void mapCommonUtf8<Case::Upper>(fast::CaseStretch &);

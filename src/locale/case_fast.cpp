@@ -196,12 +196,6 @@ template <Case kCase>
     }
 }
 
-void advance(CaseStretch &stretch, std::size_t bytes) {
-    stretch.at += bytes;
-    stretch.out += bytes;
-    stretch.room -= bytes;
-}
-
 __m128i load(const std::uint8_t *at) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
 }
@@ -219,7 +213,7 @@ template <Case kCase>
         for (std::size_t i = 0; i < 4; ++i)
             _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out + i * kBlock),
                              mapAsciiBlock<kCase>(blocks[i]));
-        advance(stretch, kStride);
+        stretch.advance(kStride);
     }
 }
 
@@ -262,7 +256,7 @@ void mapCommonUtf8(CaseStretch &stretch) {
         if (stretch.room < kBlock + (incomplete != 0 ? kBehind : 0))
             break;
         _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapped);
-        advance(stretch, kBlock - incomplete);
+        stretch.advance(kBlock - incomplete);
         if (ascii)
             mapAsciiBlocks<kCase>(stretch);
     }
@@ -275,7 +269,7 @@ void mapCommonUtf8(CaseStretch &stretch) {
     if (!mapCommonBlock<kCase>(loadFirst(stretch.at, left), mapped, incomplete))
         return;
     storeFirst(stretch.out, mapped, left);
-    advance(stretch, left);
+    stretch.advance(left);
 }
 
 template <Case kCase>
@@ -286,7 +280,7 @@ void mapAscii(CaseStretch &stretch) {
         if (bitsOf(bytes) != 0)
             return;
         _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapAsciiBlock<kCase>(bytes));
-        advance(stretch, kBlock);
+        stretch.advance(kBlock);
     }
 }
 
@@ -297,7 +291,7 @@ void mapPairs(const PageFacts &facts, CaseStretch &stretch) {
         const Sse2Masks<1> block(stretch.at);
         if ((block.high() | pending) == 0) {
             _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapAsciiBlock<kCase>(block.piece(0)));
-            advance(stretch, kBlock);
+            stretch.advance(kBlock);
             mapAsciiBlocks<kCase>(stretch);
             continue;
         }
@@ -308,7 +302,7 @@ void mapPairs(const PageFacts &facts, CaseStretch &stretch) {
             break;
         pending = pendingBehind;
         _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapped);
-        advance(stretch, kBlock);
+        stretch.advance(kBlock);
     }
     if (const auto left = static_cast<std::size_t>(stretch.end - stretch.at);
         left != 0 && left < kBlock && stretch.room >= left) {
@@ -318,11 +312,11 @@ void mapPairs(const PageFacts &facts, CaseStretch &stretch) {
         if (left + pendingBehind <= stretch.room) {
             pending = pendingBehind;
             storeFirst(stretch.out, mapped, left);
-            advance(stretch, left);
+            stretch.advance(left);
         }
     }
     // A lead byte without its trail byte is left to the caller.
-    stretch = {stretch.at - pending, stretch.end, stretch.out - pending, stretch.room + pending};
+    stretch.stepBack(pending);
 }
 
 #else

@@ -38,6 +38,18 @@ struct CaseStretch {
     const std::uint8_t *end;
     std::uint8_t *out;
     std::size_t room;
+
+    // Behind bytes that are done, and back to them.
+    [[gnu::always_inline]] void advance(std::size_t bytes) {
+        at += bytes;
+        out += bytes;
+        room -= bytes;
+    }
+    [[gnu::always_inline]] void stepBack(std::size_t bytes) {
+        at -= bytes;
+        out -= bytes;
+        room += bytes;
+    }
 };
 
 // Each maps whole characters as far as blocks of them are what it is proved for, and moves on behind them.

@@ -17,7 +17,7 @@ struct Loaded {
 
 [[gnu::always_inline]] inline Loaded load(const ShortText &text) {
     const Loaded refused{_mm512_setzero_si512(), kNotShort};
-    if (leftInPage(text.at) < kBlock) [[unlikely]]
+    if (!staysInPage<kBlock>(text.at)) [[unlikely]]
         return refused;
     const Vector bytes = _mm512_loadu_si512(unknownPlace(text.at));
     const std::uint64_t ends = _mm512_testn_epi8_mask(bytes, bytes);

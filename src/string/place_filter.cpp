@@ -19,13 +19,13 @@ bool isAmong(const ByteForms &forms, std::uint8_t byte) {
 
 constexpr std::size_t kBlock = 16;
 
-// Comparison with up to kForms values; a shorter list repeats its first one.
+// Comparison with up to kForms values.
 template <unsigned kForms>
 class BlockTest {
 public:
     explicit BlockTest(const ByteForms &forms) {
         for (unsigned i = 0; i < kForms; ++i)
-            wanted_[i] = _mm_set1_epi8(static_cast<char>(forms.bytes[i < forms.count ? i : 0]));
+            wanted_[i] = _mm_set1_epi8(static_cast<char>(forms.repeated(i)));
     }
     // All bits of the bytes that are among the values.
     [[nodiscard]] __m128i operator()(const std::uint8_t *at) const {

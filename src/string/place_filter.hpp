@@ -16,6 +16,10 @@ struct ByteForms {
 
     // False when there is no room for one more.
     bool add(std::uint8_t byte);
+    // The form at a place; behind the last one the first again.
+    [[nodiscard]] std::uint8_t repeated(unsigned place) const {
+        return bytes[place < count ? place : 0];
+    }
     // An ASCII character, and its other case if it is a letter; or one byte. There are none yet.
     void addAscii(std::uint8_t byte) {
         bytes[0] = byte;

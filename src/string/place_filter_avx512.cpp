@@ -8,13 +8,13 @@ namespace velnls::avx512 {
 
 namespace {
 
-// Which of 64 bytes, of those in `among`, are one of kForms values; a shorter list repeats its first one.
+// Which of 64 bytes, of those in `among`, are one of kForms values.
 template <unsigned kForms>
 class WideTest {
 public:
     explicit WideTest(const ByteForms &forms) {
         for (unsigned i = 0; i < kForms; ++i)
-            wanted_[i] = _mm512_set1_epi8(static_cast<char>(forms.bytes[i < forms.count ? i : 0]));
+            wanted_[i] = _mm512_set1_epi8(static_cast<char>(forms.repeated(i)));
     }
     [[gnu::always_inline]] __mmask64 operator()(const std::uint8_t *at, __mmask64 among) const {
         const Vector block = _mm512_loadu_si512(at);

@@ -5,28 +5,24 @@
 
 namespace velnls::avx512 {
 
+#if defined(VELNLS_SHORT_TEXTS)
+
+ShortCount countShort(ShortPage page, const PageFacts &facts, const std::uint8_t *text, std::uint32_t limit) {
+    return onShortPage(page, facts, [&](const auto &characters) {
+        return shortCountBy<WideMasks>(characters, text, limit);
+    });
+}
+
+ShortStretch stretchOfShort(ShortPage page, const PageFacts &facts, const std::uint8_t *text,
+                            std::uint32_t start, std::uint32_t length) {
+    return onShortPage(page, facts, [&](const auto &characters) {
+        return shortStretchBy<WideMasks>(characters, text, start, length);
+    });
+}
+
+#endif
+
 #if defined(VELNLS_AVX512_KERNELS)
-
-ShortCount shortUtf8(const std::uint8_t *text, std::uint32_t limit) {
-    return shortCountBy<WideMasks>(ShortUtf8(), text, limit);
-}
-
-ShortCount shortPairs(const PageFacts &facts, const std::uint8_t *text, std::uint32_t limit) {
-    return shortCountBy<WideMasks>(ShortPairs<false>(facts), text, limit);
-}
-
-ShortCount shortValidPairs(const PageFacts &facts, const std::uint8_t *text, std::uint32_t limit) {
-    return shortCountBy<WideMasks>(ShortPairs<true>(facts), text, limit);
-}
-
-ShortStretch shortUtf8Stretch(const std::uint8_t *text, std::uint32_t start, std::uint32_t length) {
-    return shortStretchBy<WideMasks>(ShortUtf8(), text, start, length);
-}
-
-ShortStretch shortPairsStretch(const PageFacts &facts, const std::uint8_t *text, std::uint32_t start,
-                               std::uint32_t length) {
-    return shortStretchBy<WideMasks>(ShortPairs<false>(facts), text, start, length);
-}
 
 void putShort(char *to, const std::uint8_t *from, std::size_t length) {
     const Vector text = _mm512_maskz_loadu_epi8(lowBits(length), from);
@@ -35,27 +31,7 @@ void putShort(char *to, const std::uint8_t *from, std::size_t length) {
 
 #else
 
-// On other processors nothing is settled; none is called.
-ShortCount shortUtf8(const std::uint8_t *, std::uint32_t) {
-    return kUnsettledCount;
-}
-
-ShortCount shortPairs(const PageFacts &, const std::uint8_t *, std::uint32_t) {
-    return kUnsettledCount;
-}
-
-ShortCount shortValidPairs(const PageFacts &, const std::uint8_t *, std::uint32_t) {
-    return kUnsettledCount;
-}
-
-ShortStretch shortUtf8Stretch(const std::uint8_t *, std::uint32_t, std::uint32_t) {
-    return {0, 0, 0, false};
-}
-
-ShortStretch shortPairsStretch(const PageFacts &, const std::uint8_t *, std::uint32_t, std::uint32_t) {
-    return {0, 0, 0, false};
-}
-
+// Never called on other processors.
 void putShort(char *, const std::uint8_t *, std::size_t) {}
 
 #endif

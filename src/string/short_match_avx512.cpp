@@ -2,9 +2,9 @@
 #include "locale/masks_avx512.hpp"
 #include "string/short_match_fast.hpp"
 
-namespace velnls::avx512 {
+#if defined(VELNLS_SHORT_TEXTS)
 
-#if defined(VELNLS_AVX512_KERNELS)
+namespace velnls::avx512 {
 
 ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *pattern,
                         const std::uint8_t *text) {
@@ -24,17 +24,6 @@ ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, 
     });
 }
 
-#else
-
-// On other processors nothing is settled; none is called.
-ShortPlaces shortPlaces(const ShortMatching &, const std::uint8_t *, const std::uint8_t *) {
-    return kUnsettledPlaces;
-}
-
-ShortLike shortLike(const ShortMatching &, const std::uint8_t *, const std::uint8_t *, ShortSigns) {
-    return ShortLike::Unsettled;
-}
+} // namespace velnls::avx512
 
 #endif
-
-} // namespace velnls::avx512

@@ -1,8 +1,8 @@
 #include "string/short_match_fast.hpp"
 
-namespace velnls::fast {
-
 #if defined(VELNLS_SHORT_TEXTS)
+
+namespace velnls::fast {
 
 // Half a block holds most texts.
 ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *pattern,
@@ -22,16 +22,6 @@ ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, 
     });
 }
 
-#else
-
-ShortPlaces shortPlaces(const ShortMatching &, const std::uint8_t *, const std::uint8_t *) {
-    return kUnsettledPlaces;
-}
-
-ShortLike shortLike(const ShortMatching &, const std::uint8_t *, const std::uint8_t *, ShortSigns) {
-    return ShortLike::Unsettled;
-}
+} // namespace velnls::fast
 
 #endif
-
-} // namespace velnls::fast

@@ -21,6 +21,8 @@ ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *patte
 ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
                     ShortSigns signs);
 
+#if defined(VELNLS_SHORT_TEXTS)
+
 // A pattern is used again and again: one that stands across two pages of memory is moved into a block of its
 // own, as far as that takes it.
 class ShortSource {
@@ -59,31 +61,50 @@ private:
     return {0, facts, nullptr, false};
 }
 
-[[gnu::always_inline]] inline ShortPlaces findShortly(const nlsLocale &locale, unsigned mode,
-                                                      const std::uint8_t *pattern, const std::uint8_t *text) {
+// Calls `match` with the pattern in a block, where text and locale are for the short ways.
+template <typename Result, typename Match>
+[[gnu::always_inline]] inline Result matchShortly(const nlsLocale &locale, unsigned mode,
+                                                  const std::uint8_t *pattern, const std::uint8_t *text,
+                                                  Result unsettled, Match match) {
     if (!fitsBlock(text))
-        return kUnsettledPlaces;
-    const ShortSource source(pattern);
-    pattern = source.at();
+        return unsettled;
     const ShortMatching matching = matchingOf(locale, mode);
     if (matching.proofs == 0)
-        return kUnsettledPlaces;
-    return (matching.proofs & kWideVectors) != 0 ? avx512::shortPlaces(matching, pattern, text)
-                                                 : shortPlaces(matching, pattern, text);
+        return unsettled;
+    const ShortSource source(pattern);
+    return match(matching, source.at(), (matching.proofs & kWideVectors) != 0);
+}
+
+[[gnu::always_inline]] inline ShortPlaces findShortly(const nlsLocale &locale, unsigned mode,
+                                                      const std::uint8_t *pattern, const std::uint8_t *text) {
+    return matchShortly(locale, mode, pattern, text, kUnsettledPlaces,
+                        [text](const ShortMatching &matching, const std::uint8_t *block, bool wide) {
+                            return wide ? avx512::shortPlaces(matching, block, text)
+                                        : shortPlaces(matching, block, text);
+                        });
 }
 
 [[gnu::always_inline]] inline ShortLike likeShortly(const nlsLocale &locale, unsigned mode,
                                                     const std::uint8_t *pattern, const std::uint8_t *text,
                                                     ShortSigns signs) {
-    if (!fitsBlock(text))
-        return ShortLike::Unsettled;
-    const ShortSource source(pattern);
-    pattern = source.at();
-    const ShortMatching matching = matchingOf(locale, mode);
-    if (matching.proofs == 0)
-        return ShortLike::Unsettled;
-    return (matching.proofs & kWideVectors) != 0 ? avx512::shortLike(matching, pattern, text, signs)
-                                                 : shortLike(matching, pattern, text, signs);
+    return matchShortly(locale, mode, pattern, text, ShortLike::Unsettled,
+                        [text, signs](const ShortMatching &matching, const std::uint8_t *block, bool wide) {
+                            return wide ? avx512::shortLike(matching, block, text, signs)
+                                        : shortLike(matching, block, text, signs);
+                        });
 }
+
+#else
+
+inline ShortPlaces findShortly(const nlsLocale &, unsigned, const std::uint8_t *, const std::uint8_t *) {
+    return kUnsettledPlaces;
+}
+
+inline ShortLike likeShortly(const nlsLocale &, unsigned, const std::uint8_t *, const std::uint8_t *,
+                             ShortSigns) {
+    return ShortLike::Unsettled;
+}
+
+#endif
 
 } // namespace velnls::fast

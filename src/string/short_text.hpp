@@ -29,6 +29,14 @@ struct ShortStretch {
     std::uint8_t count;
     bool settled;
 };
+inline constexpr ShortStretch kUnsettledStretch{0, 0, 0, false};
+
+// What is proved of a page; with ValidPairs trail bytes have to be valid ones.
+enum class ShortPage : std::uint8_t {
+    Utf8,
+    Pairs,
+    ValidPairs
+};
 
 namespace {
 
@@ -93,6 +101,14 @@ public:
     }
 };
 
+// Calls `use` with a page of the kind.
+template <typename Use>
+[[gnu::always_inline]] inline auto onShortPage(ShortPage kind, const PageFacts &facts, Use use) {
+    if (kind == ShortPage::Utf8)
+        return use(ShortUtf8());
+    return kind == ShortPage::Pairs ? use(ShortPairs<false>(facts)) : use(ShortPairs<true>(facts));
+}
+
 // ---- What is asked of it
 // -----------------------------------------------------------------------------------
 
@@ -121,7 +137,7 @@ template <typename Masks, typename Page>
     const std::uint64_t needed = bitOf<Masks>(start + 1 > length ? start + 1 : length);
     const ShortStructure structure = page.structure(masks, stop);
     if (stop == 0 || needed == 0 || (ends != 0 && needed > ends) || structure.wrong != 0)
-        return {0, 0, 0, false};
+        return kUnsettledStretch;
     const std::uint64_t begins = (stop - 1) & ~structure.trails & (0 - from);
     if (begins == 0)
         return {0, 0, 0, true};

@@ -8,6 +8,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -204,27 +205,26 @@ TEST_F(ForwardedConverter, ArgumentsThatIcuRefusesAreRefused) {
     forwarded().close(nullptr);
 }
 
-// Half a character stays in the converter until something resets it.
-void feedHalf(UConverter *converter) {
-    const char half[] = "\xE6\x97";
-    const char *source = half;
+// What becomes of the bytes, behind those that the converter already holds.
+std::u16string feed(UConverter *converter, std::string_view bytes) {
+    const char *source = bytes.data();
+    const char *const end = source + bytes.size();
     char16_t room[4];
     char16_t *target = room;
     UErrorCode error = U_ZERO_ERROR;
-    forwarded().toUnicode(converter, &target, room + 4, &source, half + 2, nullptr, 0, &error);
+    forwarded().toUnicode(converter, &target, room + 4, &source, end, nullptr, 0, &error);
     EXPECT_EQ(error, U_ZERO_ERROR);
-    EXPECT_EQ(target, room);
-    EXPECT_EQ(source, half + 2);
+    EXPECT_EQ(source, end);
+    return {room, target};
+}
+
+// Half a character stays in the converter until something resets it.
+void feedHalf(UConverter *converter) {
+    EXPECT_EQ(feed(converter, "\xE6\x97"), u"");
 }
 
 std::u16string feedRest(UConverter *converter) {
-    const char rest[] = "\xA5";
-    const char *source = rest;
-    char16_t room[4];
-    char16_t *target = room;
-    UErrorCode error = U_ZERO_ERROR;
-    forwarded().toUnicode(converter, &target, room + 4, &source, rest + 1, nullptr, 0, &error);
-    return {room, target};
+    return feed(converter, "\xA5");
 }
 
 TEST_F(ForwardedConverter, StateLastsUntilItIsReset) {
