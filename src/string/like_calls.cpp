@@ -44,5 +44,7 @@ nlsStatus nlsSqlLike(nlsLocale *locale, const char *pattern, const char *string,
                                         reinterpret_cast<const std::uint8_t *>(string), mode, signs);
     if (brief != ShortLike::Unsettled)
         return brief == ShortLike::Yes ? kLikeYes : kLikeNo;
-    return withPage(*locale, mode, [&](const auto &page) { return likeOn(page, signs, pattern, string); });
+    return withPage(*locale, mode, [&signs, pattern, string](const auto &page) {
+        return likeOn(page, signs, pattern, string);
+    });
 }

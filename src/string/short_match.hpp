@@ -218,7 +218,7 @@ template <typename Sought>
 template <typename Masks, typename Page, typename Order>
 [[gnu::always_inline]] inline ShortLike shortLikeBy(const Page &page, const Order &order,
                                                     const std::uint8_t *pattern, const std::uint8_t *text,
-                                                    ShortSigns signs) {
+                                                    const ShortSigns &signs) {
     ShortPattern<Masks> wanted(pattern);
     if (wanted.end <= 1 || (wanted.high() != 0 && !wanted.divide(page)))
         return ShortLike::Unsettled;

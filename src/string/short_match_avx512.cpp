@@ -16,7 +16,7 @@ ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *patte
 }
 
 ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
-                    ShortSigns signs) {
+                    const ShortSigns &signs) {
     if (matching.weights != nullptr)
         return shortLikeBy<WideMasks>(ShortBytes(), ShortByWeights(matching.weights), pattern, text, signs);
     return onPage(matching, [&](const auto &page, const auto &order) {

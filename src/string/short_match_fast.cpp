@@ -14,7 +14,7 @@ ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *patte
 }
 
 ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
-                    ShortSigns signs) {
+                    const ShortSigns &signs) {
     return onPage(matching, [&](const auto &page, const auto &order) {
         const ShortLike half = shortLikeBy<Sse2Masks<2>>(page, order, pattern, text, signs);
         return half != ShortLike::Unsettled ? half

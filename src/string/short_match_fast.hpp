@@ -10,7 +10,7 @@ namespace velnls::avx512 {
 
 ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text);
 ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
-                    ShortSigns signs);
+                    const ShortSigns &signs);
 
 } // namespace velnls::avx512
 
@@ -19,7 +19,7 @@ namespace velnls::fast {
 // The same for every processor.
 ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text);
 ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
-                    ShortSigns signs);
+                    const ShortSigns &signs);
 
 #if defined(VELNLS_SHORT_TEXTS)
 
@@ -86,9 +86,9 @@ template <typename Result, typename Match>
 
 [[gnu::always_inline]] inline ShortLike likeShortly(const nlsLocale &locale, unsigned mode,
                                                     const std::uint8_t *pattern, const std::uint8_t *text,
-                                                    ShortSigns signs) {
+                                                    const ShortSigns &signs) {
     return matchShortly(locale, mode, pattern, text, ShortLike::Unsettled,
-                        [text, signs](const ShortMatching &matching, const std::uint8_t *block, bool wide) {
+                        [text, &signs](const ShortMatching &matching, const std::uint8_t *block, bool wide) {
                             return wide ? avx512::shortLike(matching, block, text, signs)
                                         : shortLike(matching, block, text, signs);
                         });
