@@ -17,6 +17,7 @@ namespace {
 class WideMasks {
 public:
     static constexpr unsigned kBytes = 64;
+    static constexpr bool kMaps = true;
 
     [[gnu::always_inline]] explicit WideMasks(const std::uint8_t *at) : bytes_(_mm512_loadu_si512(at)) {}
     [[gnu::always_inline]] WideMasks(const std::uint8_t *at, std::size_t count)

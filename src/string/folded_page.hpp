@@ -106,8 +106,12 @@ public:
                     PlaceFilter &filter) const {
         if (paged_ != nullptr && !Characters::kAsciiIsSingle)
             return false;
-        if (makeSimpleFilter(run, runEnd, filter))
-            return true;
+        return makeSimpleFilter(run, runEnd, filter) || makeFoldedFilter(run, runEnd, length, filter);
+    }
+
+private:
+    [[gnu::noinline]] bool makeFoldedFilter(const std::uint8_t *run, const std::uint8_t *runEnd,
+                                            std::ptrdiff_t length, PlaceFilter &filter) const {
         const bool searches = length >= kSearchWorth;
         FoldForms forms;
         if (!formsOf(characters_.characterAt(run), searches, forms) || forms.first.count == 0)
@@ -136,7 +140,6 @@ public:
         return true;
     }
 
-private:
     // How the characters begin and end that fold to the same number.
     struct FoldForms {
         ByteForms first;
@@ -222,8 +225,9 @@ private:
         return true;
     }
     [[nodiscard]] std::uint32_t foldOf(Character character) const {
-        if (foldsAsAscii(*character.at))
-            return foldOfAscii(*character.at);
+        return foldsAsAscii(*character.at) ? foldOfAscii(*character.at) : foldOfOther(character);
+    }
+    [[gnu::noinline]] [[nodiscard]] std::uint32_t foldOfOther(Character character) const {
         std::uint32_t number = *character.at;
         const unsigned announced = characters_.announced(*character.at);
         if (announced > 4)

@@ -8,16 +8,12 @@ namespace velnls::avx512 {
 #if defined(VELNLS_SHORT_TEXTS)
 
 ShortCount countShort(ShortPage page, const PageFacts &facts, const std::uint8_t *text, std::uint32_t limit) {
-    return onShortPage(page, facts, [&](const auto &characters) {
-        return shortCountBy<WideMasks>(characters, text, limit);
-    });
+    return shortCountBy<WideMasks>(page, facts, text, limit);
 }
 
 ShortStretch stretchOfShort(ShortPage page, const PageFacts &facts, const std::uint8_t *text,
                             std::uint32_t start, std::uint32_t length) {
-    return onShortPage(page, facts, [&](const auto &characters) {
-        return shortStretchBy<WideMasks>(characters, text, start, length);
-    });
+    return shortStretchBy<WideMasks>(page, facts, text, start, length);
 }
 
 #endif

@@ -12,18 +12,14 @@ using Half = Sse2Masks<2>; // for texts of which no more matters
 } // namespace
 
 ShortCount countShort(ShortPage page, const PageFacts &facts, const std::uint8_t *text, std::uint32_t limit) {
-    return onShortPage(page, facts, [&](const auto &characters) {
-        return limit < Half::kBytes ? shortCountBy<Half>(characters, text, limit)
-                                    : shortCountBy<Masks>(characters, text, limit);
-    });
+    return limit < Half::kBytes ? shortCountBy<Half>(page, facts, text, limit)
+                                : shortCountBy<Masks>(page, facts, text, limit);
 }
 
 ShortStretch stretchOfShort(ShortPage page, const PageFacts &facts, const std::uint8_t *text,
                             std::uint32_t start, std::uint32_t length) {
-    return onShortPage(page, facts, [&](const auto &characters) {
-        return start + length < Half::kBytes ? shortStretchBy<Half>(characters, text, start, length)
-                                             : shortStretchBy<Masks>(characters, text, start, length);
-    });
+    return start + length < Half::kBytes ? shortStretchBy<Half>(page, facts, text, start, length)
+                                         : shortStretchBy<Masks>(page, facts, text, start, length);
 }
 
 } // namespace velnls::fast

@@ -6,22 +6,49 @@
 
 namespace velnls::avx512 {
 
-ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *pattern,
-                        const std::uint8_t *text) {
-    if (matching.weights != nullptr)
-        return shortPlacesBy<WideMasks>(ShortBytes(), ShortByWeights(matching.weights), pattern, text);
-    return onPage(matching, [&](const auto &page, const auto &order) {
-        return shortPlacesBy<WideMasks>(page, order, pattern, text);
-    });
+namespace {
+
+template <ShortPage kPage, ShortOrder kOrder, typename Match>
+[[gnu::always_inline]] inline auto matchKnown(ShortMatching matching, Match match) {
+    matching.page = kPage;
+    matching.order = kOrder;
+    return match(matching);
 }
 
-ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
+// Calls `match` with page and order as constants: the code for each pair is by itself.
+template <typename Match>
+[[gnu::always_inline]] inline auto matchBy(ShortMatching matching, Match match) {
+    const bool folds = matching.order == ShortOrder::Ascii;
+    switch (matching.page) {
+    case ShortPage::Utf8:
+        return folds ? matchKnown<ShortPage::Utf8, ShortOrder::Ascii>(matching, match)
+                     : matchKnown<ShortPage::Utf8, ShortOrder::Bytes>(matching, match);
+    case ShortPage::Bytes:
+        if (matching.order == ShortOrder::Weights)
+            return matchKnown<ShortPage::Bytes, ShortOrder::Weights>(matching, match);
+        return folds ? matchKnown<ShortPage::Bytes, ShortOrder::Ascii>(matching, match)
+                     : matchKnown<ShortPage::Bytes, ShortOrder::Bytes>(matching, match);
+    default:
+        return folds ? matchKnown<ShortPage::Pairs, ShortOrder::Ascii>(matching, match)
+                     : matchKnown<ShortPage::Pairs, ShortOrder::Bytes>(matching, match);
+    }
+}
+
+} // namespace
+
+ShortPlaces shortPlaces(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text) {
+    return matchBy(
+        matching, [=](ShortMatching known) __attribute__((always_inline)) {
+            return shortPlacesBy<WideMasks>(known, pattern, text);
+        });
+}
+
+ShortLike shortLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
                     const ShortSigns &signs) {
-    if (matching.weights != nullptr)
-        return shortLikeBy<WideMasks>(ShortBytes(), ShortByWeights(matching.weights), pattern, text, signs);
-    return onPage(matching, [&](const auto &page, const auto &order) {
-        return shortLikeBy<WideMasks>(page, order, pattern, text, signs);
-    });
+    return matchBy(
+        matching, [ =, &signs ](ShortMatching known) __attribute__((always_inline)) {
+            return shortLikeBy<WideMasks>(known, pattern, text, signs);
+        });
 }
 
 } // namespace velnls::avx512

@@ -8,8 +8,8 @@
 // The kernels for processors with AVX-512; call them only where kWideVectors is proved.
 namespace velnls::avx512 {
 
-ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text);
-ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
+ShortPlaces shortPlaces(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text);
+ShortLike shortLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
                     const ShortSigns &signs);
 
 } // namespace velnls::avx512
@@ -17,8 +17,8 @@ ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, 
 namespace velnls::fast {
 
 // The same for every processor.
-ShortPlaces shortPlaces(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text);
-ShortLike shortLike(const ShortMatching &matching, const std::uint8_t *pattern, const std::uint8_t *text,
+ShortPlaces shortPlaces(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text);
+ShortLike shortLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
                     const ShortSigns &signs);
 
 #if defined(VELNLS_SHORT_TEXTS)
@@ -48,17 +48,24 @@ private:
     const std::uint8_t *at_;
 };
 
-// What is proved of how characters match under a mode; nothing where that is not enough.
+// What is proved of how characters match under a mode.
 [[gnu::always_inline]] inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     const std::uint32_t proofs = locale.header.proofs;
-    const PageFacts &facts = factsOf(*locale.charTable);
+    const bool bytes = (proofs & kSingleBytePage) != 0;
+    ShortMatching matching{ShortOrder::Unknown,
+                           bytes                       ? ShortPage::Bytes
+                           : (proofs & kUtf8Page) != 0 ? ShortPage::Utf8
+                                                       : ShortPage::Pairs,
+                           {&factsOf(*locale.charTable)}};
     if (mode > 1 || locale.collation == nullptr)
-        return {0, facts, nullptr, false};
-    if ((proofs & (mode == 0 ? kMatchesAscii : kMatchesBytes)) != 0)
-        return {proofs, facts, nullptr, mode == 0};
-    if ((proofs & kMatchesWeights) != 0 && (proofs & kWideVectors) != 0)
-        return {proofs, facts, weightsOf(*locale.collation, mode), false};
-    return {0, facts, nullptr, false};
+        return matching;
+    if ((proofs & (mode == 0 ? kMatchesAscii : kMatchesBytes)) != 0) {
+        matching.order = mode == 0 ? ShortOrder::Ascii : ShortOrder::Bytes;
+    } else if ((proofs & kMatchesWeights) != 0 && (proofs & kWideVectors) != 0) {
+        matching.order = ShortOrder::Weights;
+        matching.weights = weightsOf(*locale.collation, mode);
+    }
+    return matching;
 }
 
 // Calls `match` with the pattern in a block, where text and locale are for the short ways.
@@ -69,16 +76,16 @@ template <typename Result, typename Match>
     if (!fitsBlock(text))
         return unsettled;
     const ShortMatching matching = matchingOf(locale, mode);
-    if (matching.proofs == 0)
+    if (matching.order == ShortOrder::Unknown)
         return unsettled;
     const ShortSource source(pattern);
-    return match(matching, source.at(), (matching.proofs & kWideVectors) != 0);
+    return match(matching, source.at(), (locale.header.proofs & kWideVectors) != 0);
 }
 
 [[gnu::always_inline]] inline ShortPlaces findShortly(const nlsLocale &locale, unsigned mode,
                                                       const std::uint8_t *pattern, const std::uint8_t *text) {
     return matchShortly(locale, mode, pattern, text, kUnsettledPlaces,
-                        [text](const ShortMatching &matching, const std::uint8_t *block, bool wide) {
+                        [text](ShortMatching matching, const std::uint8_t *block, bool wide) {
                             return wide ? avx512::shortPlaces(matching, block, text)
                                         : shortPlaces(matching, block, text);
                         });
@@ -88,7 +95,7 @@ template <typename Result, typename Match>
                                                     const std::uint8_t *pattern, const std::uint8_t *text,
                                                     const ShortSigns &signs) {
     return matchShortly(locale, mode, pattern, text, ShortLike::Unsettled,
-                        [text, &signs](const ShortMatching &matching, const std::uint8_t *block, bool wide) {
+                        [text, &signs](ShortMatching matching, const std::uint8_t *block, bool wide) {
                             return wide ? avx512::shortLike(matching, block, text, signs)
                                         : shortLike(matching, block, text, signs);
                         });

@@ -31,11 +31,13 @@ struct ShortStretch {
 };
 inline constexpr ShortStretch kUnsettledStretch{0, 0, 0, false};
 
-// What is proved of a page; with ValidPairs trail bytes have to be valid ones.
-enum class ShortPage : std::uint8_t {
+// What is proved of a page: UTF-8, or characters of one and two bytes, or of one. With ValidPairs trail bytes
+// have to be valid ones.
+enum class ShortPage : std::uint32_t {
     Utf8,
     Pairs,
-    ValidPairs
+    ValidPairs,
+    Bytes
 };
 
 namespace {
@@ -64,61 +66,30 @@ struct ShortStructure {
     std::uint64_t wrong;
 };
 
-class ShortUtf8 {
-public:
-    template <typename Masks>
-    [[gnu::always_inline]] ShortStructure structure(const Masks &masks, std::uint64_t stop) const {
+template <typename Masks>
+[[gnu::always_inline]] inline ShortStructure structureOf(ShortPage page, const PageFacts &facts,
+                                                         const Masks &masks, std::uint64_t stop) {
+    if (page == ShortPage::Bytes)
+        return {0, 0};
+    if (page == ShortPage::Utf8) {
         const Utf8Structure utf8(masks, 0);
         return {(utf8.trails & (stop - 1)) | (utf8.announced & stop), utf8.irregular & (stop - 1)};
     }
-};
-
-// kChecked: trail bytes have to be valid ones.
-template <bool kChecked>
-class ShortPairs {
-public:
-    explicit ShortPairs(const PageFacts &facts) : facts_(facts) {}
-
-    template <typename Masks>
-    [[gnu::always_inline]] ShortStructure structure(const Masks &masks, std::uint64_t stop) const {
-        std::uint64_t pending = 0;
-        const std::uint64_t trails = pairTrails(leadsOf(masks, facts_) & (stop - 1), pending);
-        if constexpr (kChecked)
-            return {trails, trails & (stop - 1) & ~validTrailsOf(masks, facts_)};
-        return {trails, 0};
-    }
-
-private:
-    const PageFacts &facts_;
-};
-
-// Each byte is a character.
-class ShortBytes {
-public:
-    template <typename Masks>
-    [[gnu::always_inline]] ShortStructure structure(const Masks &, std::uint64_t) const {
-        return {0, 0};
-    }
-};
-
-// Calls `use` with a page of the kind.
-template <typename Use>
-[[gnu::always_inline]] inline auto onShortPage(ShortPage kind, const PageFacts &facts, Use use) {
-    if (kind == ShortPage::Utf8)
-        return use(ShortUtf8());
-    return kind == ShortPage::Pairs ? use(ShortPairs<false>(facts)) : use(ShortPairs<true>(facts));
+    std::uint64_t pending = 0;
+    const std::uint64_t trails = pairTrails(leadsOf(masks, facts) & (stop - 1), pending);
+    return {trails, page == ShortPage::ValidPairs ? trails & (stop - 1) & ~validTrailsOf(masks, facts) : 0};
 }
 
 // ---- What is asked of it
 // -----------------------------------------------------------------------------------
 
 // Characters up to the NUL or to `limit`, where neither cuts one.
-template <typename Masks, typename Page>
-[[gnu::always_inline]] inline ShortCount shortCountBy(const Page &page, const std::uint8_t *text,
-                                                      std::uint32_t limit) {
+template <typename Masks>
+[[gnu::always_inline]] inline ShortCount shortCountBy(ShortPage page, const PageFacts &facts,
+                                                      const std::uint8_t *text, std::uint32_t limit) {
     const Masks masks(text);
     const std::uint64_t stop = lowestOf(masks.equal(0) | bitOf<Masks>(limit));
-    const ShortStructure structure = page.structure(masks, stop);
+    const ShortStructure structure = structureOf(page, facts, masks, stop);
     if (stop == 0 || (structure.wrong | (structure.trails & stop)) != 0)
         return kUnsettledCount;
     return {placeOf(stop), Masks::population((stop - 1) & ~structure.trails)};
@@ -126,16 +97,17 @@ template <typename Masks, typename Page>
 
 // The characters that lie wholly in the `length` bytes from `start` on, of a text that has as many bytes as
 // either says.
-template <typename Masks, typename Page>
-[[gnu::always_inline]] inline ShortStretch shortStretchBy(const Page &page, const std::uint8_t *text,
-                                                          std::uint32_t start, std::uint32_t length) {
+template <typename Masks>
+[[gnu::always_inline]] inline ShortStretch shortStretchBy(ShortPage page, const PageFacts &facts,
+                                                          const std::uint8_t *text, std::uint32_t start,
+                                                          std::uint32_t length) {
     const Masks masks(text);
     const std::uint64_t ends = lowestOf(masks.equal(0));
     const std::uint64_t from = bitOf<Masks>(start);
     // No text reaches the last place of a block that has no NUL, so that the masks have a bit behind the end.
     const std::uint64_t stop = lowestOf(ends | bitOf<Masks>(start + length));
     const std::uint64_t needed = bitOf<Masks>(start + 1 > length ? start + 1 : length);
-    const ShortStructure structure = page.structure(masks, stop);
+    const ShortStructure structure = structureOf(page, facts, masks, stop);
     if (stop == 0 || needed == 0 || (ends != 0 && needed > ends) || structure.wrong != 0)
         return kUnsettledStretch;
     const std::uint64_t begins = (stop - 1) & ~structure.trails & (0 - from);
