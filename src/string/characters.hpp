@@ -1,7 +1,7 @@
 // Characters of a NUL-terminated string, and proofs of where they begin.
 #pragma once
 
-#include "locale/tables.hpp"
+#include "locale/page_facts.hpp"
 #include "locale/text.hpp"
 
 #include <algorithm>
@@ -33,9 +33,9 @@ inline Text textOf(Character character) {
 // Each byte is a character.
 struct SingleBytes {
     SingleBytes() = default;
-    explicit SingleBytes(const CharTable &) {}
+    explicit SingleBytes(const nlsLocale &) {}
 
-    static constexpr unsigned kReach = 0; // bytes before a place that may belong to a character across it
+    static constexpr bool kAreBytes = true;
 
     [[nodiscard]] static unsigned announced(std::uint8_t) {
         return 1;
@@ -43,36 +43,44 @@ struct SingleBytes {
     [[nodiscard]] static Character characterAt(const std::uint8_t *at) {
         return {at, *at != 0 ? 1u : 0u};
     }
+    [[nodiscard]] static unsigned reach() {
+        return 0;
+    }
 };
 
 // By a page's table.
-struct TableCharacters {
-    static constexpr unsigned kReach = 7;
-    static constexpr bool kAsciiIsSingle = false; // not proved
-    const CharTable &table;
+class TableCharacters {
+public:
+    explicit TableCharacters(const nlsLocale &locale)
+        : table_(*locale.charTable), isUtf8_((locale.header.proofs & kUtf8Page) != 0),
+          reach_(isUtf8_                                   ? 3
+                 : (locale.header.proofs & kPairPage) != 0 ? 1
+                                                           : 7) {}
+
+    static constexpr bool kAreBytes = false;
 
     [[nodiscard]] unsigned announced(std::uint8_t first) const {
-        return table.trailCount(first) + 1;
+        return table_.trailCount(first) + 1;
     }
     [[nodiscard]] Character characterAt(const std::uint8_t *at) const {
-        return {at, terminatedText(at).available(announced(*at))};
-    }
-};
-
-// By the table of a page that was proved to be UTF-8.
-struct Utf8Characters {
-    static constexpr unsigned kReach = 3;
-    static constexpr bool kAsciiIsSingle = true;
-    const CharTable &table;
-
-    [[nodiscard]] unsigned announced(std::uint8_t first) const {
-        return table.trailCount(first) + 1;
-    }
-    [[nodiscard]] Character characterAt(const std::uint8_t *at) const {
-        if (*at < 0x80)
+        const unsigned bytes = announced(*at);
+        if (bytes == 1)
             return {at, *at != 0 ? 1u : 0u};
-        return {at, terminatedText(at).available(announced(*at))};
+        return {at, terminatedText(at).available(bytes)};
     }
+    // Whether the page was proved to be UTF-8.
+    [[nodiscard]] bool isUtf8() const {
+        return isUtf8_;
+    }
+    // Bytes before a place that may belong to a character across it.
+    [[nodiscard]] unsigned reach() const {
+        return reach_;
+    }
+
+private:
+    const CharTable &table_;
+    bool isUtf8_;
+    unsigned reach_;
 };
 
 // Tells where characters begin in a text that is walked from its start, without walking all of it: a place
@@ -88,7 +96,7 @@ public:
 
     // The first boundary at or behind `place`. It lies behind the text's end where a character is cut there.
     const std::uint8_t *from(const std::uint8_t *place) {
-        if constexpr (Characters::kReach == 0)
+        if (characters_.reach() == 0)
             return place;
         if (place <= known_)
             return known_;
@@ -103,7 +111,7 @@ public:
 private:
     [[nodiscard]] bool isCrossed(const std::uint8_t *place) const {
         const auto reach = static_cast<unsigned>(
-            std::min<std::ptrdiff_t>(place - known_, static_cast<std::ptrdiff_t>(Characters::kReach)));
+            std::min<std::ptrdiff_t>(place - known_, static_cast<std::ptrdiff_t>(characters_.reach())));
         for (unsigned back = 1; back <= reach; ++back)
             if (characters_.announced(place[-static_cast<std::ptrdiff_t>(back)]) > back)
                 return true;
@@ -117,7 +125,7 @@ private:
 // Whether the end of a text falls inside a character. One begins at `start`.
 template <typename Characters>
 bool cutsCharacter(const Characters &characters, const std::uint8_t *start, const std::uint8_t *end) {
-    return Characters::kReach != 0 && Boundaries(characters, start).from(end) != end;
+    return characters.reach() != 0 && Boundaries(characters, start).from(end) != end;
 }
 
 } // namespace velnls

@@ -10,7 +10,9 @@
 
 namespace velnls {
 
-struct FoldedPageTraits {
+// BASIC by lower case: characters are equal when they fold to the same number.
+class FoldedPage {
+public:
     static constexpr bool kQuick = true;
     static constexpr bool kFirstByteDecides = false;
     static constexpr std::ptrdiff_t kFilterWorth = 8; // bytes of text that repay the making of a filter
@@ -19,19 +21,14 @@ struct FoldedPageTraits {
     static constexpr std::ptrdiff_t kUnfiltered = 3; // a character that is cut there may fold to any other
     static constexpr std::ptrdiff_t kAsciiSkipWorth = 48; // bytes of text
     static constexpr unsigned kMostLooked = 4; // characters behind the first that a filter looks at
-};
 
-// BASIC by lower case: characters are equal when they fold to the same number.
-template <typename Characters>
-class FoldedPage : public FoldedPageTraits {
-public:
     explicit FoldedPage(const nlsLocale &locale)
-        : characters_{*locale.charTable}, locale_(locale),
+        : characters_(locale), locale_(locale),
           paged_(locale.charTable->has(file::kUtf8) ? static_cast<const UnicodeCaseTable *>(locale.caseTable)
                                                     : nullptr),
-          asciiFolds_(paged_ == nullptr || !Characters::kAsciiIsSingle ? nullptr : lowerHalf(0)),
+          asciiFolds_(paged_ == nullptr || !characters_.isUtf8() ? nullptr : lowerHalf(0)),
           asciiKnown_((locale.header.proofs & kFoldsApart) != 0) {}
-    [[nodiscard]] const Characters &characters() const {
+    [[nodiscard]] const TableCharacters &characters() const {
         return characters_;
     }
     nlsStatus equal(Character a, Character b, bool &equal) const {
@@ -104,7 +101,7 @@ public:
     // By the first character, and by the furthest one that always stands at the same distance.
     bool makeFilter(const std::uint8_t *run, const std::uint8_t *runEnd, std::ptrdiff_t length,
                     PlaceFilter &filter) const {
-        if (paged_ != nullptr && !Characters::kAsciiIsSingle)
+        if (paged_ != nullptr && !characters_.isUtf8())
             return false;
         return makeSimpleFilter(run, runEnd, filter) || makeFoldedFilter(run, runEnd, length, filter);
     }
@@ -302,7 +299,7 @@ private:
         return last == 0 || characters_.announced(last) != 1 || forms.add(last, last, 1);
     }
 
-    Characters characters_;
+    TableCharacters characters_;
     const nlsLocale &locale_;
     const UnicodeCaseTable *paged_;  // null: no pages of UTF-8
     const std::uint8_t *asciiFolds_; // its values for ASCII; null: not for single bytes by themselves

@@ -18,8 +18,7 @@ class AnyPage {
 public:
     static constexpr bool kQuick = false;
 
-    AnyPage(const nlsLocale &locale, unsigned mode)
-        : characters_{*locale.charTable}, locale_(locale), mode_(mode) {}
+    AnyPage(const nlsLocale &locale, unsigned mode) : characters_(locale), locale_(locale), mode_(mode) {}
     [[nodiscard]] const TableCharacters &characters() const {
         return characters_;
     }
@@ -60,10 +59,7 @@ nlsStatus withPage(const nlsLocale &locale, unsigned mode, Use use) {
         // Where characters are counted as bytes, the quick pages' texts would end inside them.
         if (!locale.charTable->has(file::kMultibyte) && (locale.header.proofs & kSingleBytePage) == 0)
             break;
-        if ((locale.header.proofs & kUtf8Page) != 0)
-            return mode != 0 ? use(ExactPage<Utf8Characters>(locale))
-                             : use(FoldedPage<Utf8Characters>(locale));
-        return mode != 0 ? use(ExactPage<TableCharacters>(locale)) : use(FoldedPage<TableCharacters>(locale));
+        return mode != 0 ? use(ExactPage<TableCharacters>(locale)) : use(FoldedPage(locale));
     default:
         if (mode > 1 || (locale.header.proofs & kSingleBytePage) == 0 ||
             locale.charTable->has(file::kThroughShiftJis))

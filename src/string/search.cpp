@@ -16,15 +16,13 @@ bool isCut(const nlsLocale &locale, const std::uint8_t *text, const std::uint8_t
     const CharTable &table = *locale.charTable;
     if (!table.has(file::kMultibyte))
         return false;
-    if ((locale.header.proofs & kUtf8Page) != 0) {
-        // Mostly none of the last bytes announces any behind the end.
-        if (end - text >= 3 && end[-1] < 0xC0 && end[-2] < 0xE0 && end[-3] < 0xF0)
-            return false;
-        return cutsCharacter(Utf8Characters{table}, text, end);
-    }
+    // Mostly none of the last bytes of UTF-8 announces any behind the end.
+    if ((locale.header.proofs & kUtf8Page) != 0 && end - text >= 3 && end[-1] < 0xC0 && end[-2] < 0xE0 &&
+        end[-3] < 0xF0)
+        return false;
     if ((locale.header.proofs & kPairPage) != 0)
         return !beginsCharacter(table, end, text);
-    return cutsCharacter(TableCharacters{table}, text, end);
+    return cutsCharacter(TableCharacters(locale), text, end);
 }
 
 } // namespace velnls

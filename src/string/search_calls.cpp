@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <type_traits>
 
 using namespace velnls;
 
@@ -301,7 +300,7 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
         return NLS_E_NULLARG;
     const auto replace = [&replacing](const Match &match) { return replacing.replace(match); };
     return withPage(*locale, caseFlag, [&](const auto &page) {
-        if constexpr (std::is_same_v<std::remove_cvref_t<decltype(page.characters())>, SingleBytes>) {
+        if constexpr (std::remove_cvref_t<decltype(page.characters())>::kAreBytes) {
             return replacing.finish(findAllBytes(page, sought, bytes(text_), replace));
         } else {
             const Whole where(text_);
