@@ -1,10 +1,21 @@
-# Says how large the library is without its symbols: cmake -DSTRIP=... -DLIBRARY=... -P size.cmake
-# Says nothing where it cannot tell; a build never fails by it.
-set(stripped "${LIBRARY}.stripped")
-execute_process(COMMAND "${STRIP}" -o "${stripped}" "${LIBRARY}" RESULT_VARIABLE failed OUTPUT_QUIET ERROR_QUIET)
-if(NOT failed AND EXISTS "${stripped}")
-  file(SIZE "${stripped}" bytes)
-  get_filename_component(name "${LIBRARY}" NAME)
-  message("${name}: ${bytes} bytes when stripped")
+# Says how large a file of the build is, a library without its symbols:
+#   cmake -DFILE=... [-DSTRIP=...] [-DLIMIT=...] -P size.cmake
+# Says nothing where it cannot tell. A build never fails by it; with a limit in bytes, a larger file is an error.
+set(measured "${FILE}")
+set(state "")
+if(STRIP)
+  set(measured "${FILE}.stripped")
+  set(state " when stripped")
+  execute_process(COMMAND "${STRIP}" -o "${measured}" "${FILE}" OUTPUT_QUIET ERROR_QUIET)
 endif()
-file(REMOVE "${stripped}")
+if(EXISTS "${measured}")
+  file(SIZE "${measured}" bytes)
+  get_filename_component(name "${FILE}" NAME)
+  message("${name}: ${bytes} bytes${state}")
+endif()
+if(STRIP)
+  file(REMOVE "${measured}")
+endif()
+if(LIMIT AND NOT "${bytes}" LESS "${LIMIT}")
+  message(FATAL_ERROR "${FILE} must be smaller than ${LIMIT} bytes")
+endif()

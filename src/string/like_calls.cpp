@@ -16,12 +16,40 @@ template <typename Page>
                reinterpret_cast<const std::uint8_t *>(string));
 }
 
-// What the short way tells of a pattern that begins with an any-string wildcard. Any other is mostly decided
-// by its first character.
+// Whether pattern and string plainly begin with different characters, the pattern's being no sign. False
+// where it takes more to tell.
+bool beginsOtherwise(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *string,
+                     unsigned mode, const LikeSigns &signs) {
+    constexpr std::uint32_t kBehindAscii = 0x80;
+    const std::uint32_t proofs = locale.header.proofs;
+    const std::uint32_t wanted = *pattern;
+    const std::uint32_t found = *string;
+    if (wanted == 0 || found == 0 || mode > 1 || locale.collation == nullptr)
+        return false;
+    if (wanted == signs.escape || wanted == signs.oneCharacter)
+        return false;
+    if ((proofs & kMatchesWeights) != 0) {
+        const std::uint8_t *const weights = weightsOf(*locale.collation, mode);
+        const auto weightOf = [weights](std::uint32_t byte) {
+            return weights[byte] != 0 ? weights[byte] : weights[unsigned{'s'}];
+        };
+        return weightOf(wanted) != weightOf(found);
+    }
+    if ((wanted | found) >= kBehindAscii)
+        return false;
+    // No letter's other case differs in another bit.
+    const std::uint32_t difference = (wanted ^ found) & (mode == 1 ? ~0U : ~0x20U);
+    return difference != 0 && (proofs & (mode == 1 ? kMatchesBytes : kMatchesAscii)) != 0;
+}
+
+// What the short ways tell: of a pattern that begins with an any-string wildcard by masks, of any other by
+// the first character, which decides most.
 ShortLike likeShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *string,
                       unsigned mode, const LikeSigns &signs) {
     constexpr std::uint32_t kBehindAscii = 0x80;
-    if (*pattern != signs.anyString || (signs.anyString | signs.oneCharacter | signs.escape) >= kBehindAscii)
+    if (*pattern != signs.anyString)
+        return beginsOtherwise(locale, pattern, string, mode, signs) ? ShortLike::No : ShortLike::Unsettled;
+    if ((signs.anyString | signs.oneCharacter | signs.escape) >= kBehindAscii)
         return ShortLike::Unsettled;
     return fast::likeShortly(locale, mode, pattern, string,
                              {static_cast<std::uint8_t>(signs.escape),

@@ -165,34 +165,30 @@ template <typename Masks>
 }
 
 // The literals of a pattern that begins with an any-string sign: pieces between such signs, each of which
-// stands behind the one before, and a last one that ends where the text does.
+// stands behind the one before, and perhaps a last one that ends where the text does.
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike hasPieces(const ShortSought<Masks> &text, std::uint64_t trails,
                                                   std::uint64_t end, const std::uint8_t *pattern,
                                                   std::uint64_t signs, std::uint64_t patternEnd) {
+    const std::uint64_t tail = (signs & patternEnd >> 1) == 0 ? patternEnd : 0;
+    if (tail != 0 && (text.placesOf(pattern[placeOf(tail) - 1]) & end >> 1) == 0)
+        return ShortLike::No;
     std::uint64_t open = ~trails; // places where a piece may stand
-    std::uint64_t last = 0;       // where the last piece does
-    unsigned from = 64 - static_cast<unsigned>(__builtin_clzll(signs));
-    if (const unsigned length = placeOf(patternEnd) - from; length != 0) {
-        if ((text.placesOf(pattern[from + length - 1]) & end >> 1) == 0)
-            return ShortLike::No;
-        // The last literal takes repeats of itself, which may be how the text ends.
-        last = text.places(pattern + from, length, end) & (end >> length);
-        if (last == 0)
-            return ShortLike::Unsettled;
-    }
-    from = 1;
-    for (std::uint64_t left = signs & (signs - 1); left != 0; left &= left - 1) {
-        const unsigned sign = placeOf(left);
-        const unsigned length = sign - from;
+    unsigned from = 1;
+    for (std::uint64_t left = (signs & (signs - 1)) | tail; left != 0; left &= left - 1) {
+        const unsigned stop = placeOf(left);
+        const unsigned length = stop - from;
         const std::uint64_t places = text.places(pattern + from, length, end) & open;
+        // The last literal takes repeats of itself, so that other places may do too.
+        if (left == tail)
+            return (places & end >> length) != 0 ? ShortLike::Yes : ShortLike::Unsettled;
         if (places == 0)
             return ShortLike::No;
         // The first place leaves most behind it.
         open &= (0 - lowestOf(places)) << (length - 1) << 1;
-        from = sign + 1;
+        from = stop + 1;
     }
-    return last == 0 || (last & open) != 0 ? ShortLike::Yes : ShortLike::No;
+    return ShortLike::Yes;
 }
 
 // Patterns that begin with an any-string sign and have no other sign than those, and texts that are not

@@ -9,6 +9,7 @@ add_custom_command(
   OUTPUT ${velnls_data_folder}/velnls.dat ${velnls_data_folder}/velnls-small.dat
   COMMAND ${nlsgen_command} build --charmaps ${velnls_charmaps} --unicode ${velnls_unicode}
     --data ${PROJECT_SOURCE_DIR}/data --output ${velnls_data_folder}
+  COMMAND ${CMAKE_COMMAND} -DFILE=${velnls_data_folder}/velnls.dat -P ${PROJECT_SOURCE_DIR}/cmake/size.cmake
   DEPENDS ${nlsgen_dependency} ${velnls_data_sources}
   COMMENT "Making velnls.dat and velnls-small.dat"
   VERBATIM)

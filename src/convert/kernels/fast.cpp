@@ -204,20 +204,21 @@ nlsStatus utf8IntoPage(const MappingBody &body, Sink sink, Source &source, Targe
 // The wide kernels need none of the tables for long texts.
 nlsStatus utf8IntoPageWide(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
     const auto plain = [&body](Source &piece, Target &out) { return velnls::utf8ToPage(body, piece, out); };
-    const auto row = [&body](Source &text, Target &out) {
-        avx512::utf8ToByteRow(body, text, out);
-        if (text.at != text.end)
+    const bool isRow = (proofs & kByteRow) != 0;
+    const auto blocks = [&body, isRow](Source &text, Target &out) {
+        if (isRow)
+            avx512::utf8ToByteRow(body, text, out);
+        else
+            avx512::utf8ToPairs(body, text, out);
+        if (text.at == text.end)
+            return;
+        if (isRow)
             into(ByteRowSink(body, out.at, out.end), out,
                  [&](ByteRowSink &sink) { readUtf8Into(text, sink); });
-    };
-    const auto pairs = [&body](Source &text, Target &out) {
-        avx512::utf8ToPairs(body, text, out);
-        if (text.at != text.end)
+        else
             into(PairSink(body, out.at, out.end), out, [&](PairSink &sink) { readUtf8Into(text, sink); });
     };
-    if ((proofs & kByteRow) != 0)
-        return alternate(source, target, 1, row, utf8Window, plain, endsUtf8);
-    return alternate(source, target, 1, pairs, utf8Window, plain, endsUtf8);
+    return alternate(source, target, 1, blocks, utf8Window, plain, endsUtf8);
 }
 
 [[gnu::noinline]] nlsStatus utf8ToPageRest(const MappingBody &body, std::uint32_t proofs, Source &source,
