@@ -11,8 +11,8 @@ set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 
 # Libraries come from the cross compiler's folders; programs that run during the build, and CMake packages that
-# are nothing but headers, from this system.
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+# are nothing but headers, from this system. An ICU for Windows, where there is one, is a folder of its own.
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${ICU_ROOT})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

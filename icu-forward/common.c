@@ -7,6 +7,11 @@
 
 #include <unicode/ucnv.h>
 
+#if defined(_WIN32)
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#endif
+
 UConverter *converter_open(const char *name, UErrorCode *error) NAMED("ucnv_open");
 void converter_close(UConverter *converter) NAMED("ucnv_close");
 void converter_fromUnicode(UConverter *converter, char **target, const char *targetEnd, const UChar **source,
@@ -107,14 +112,32 @@ void converter_close(UConverter *converter) {
     freeSlot(slot);
 }
 
-/* When the library is unloaded, or the program ends. A slot that is still taken then is someone's leak. */
-__attribute__((destructor)) static void closeSlots(void) {
+/* When the library is unloaded. A slot that is still taken then is someone's leak. */
+static void closeSlots(void) {
     unsigned i;
     for (i = 0; i < SLOTS; ++i) {
         if (__atomic_exchange_n(&slots[i].taken, 1, __ATOMIC_ACQUIRE) == 0)
             ucnv_close(slots[i].converter);
     }
 }
+
+#if defined(_WIN32)
+/*
+ * Not when the program ends: its other threads were stopped then wherever they were, perhaps inside ICU, and
+ * the system takes all memory back.
+ */
+BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, LPVOID programEnds) {
+    (void)library;
+    if (reason == DLL_PROCESS_DETACH && programEnds == NULL)
+        closeSlots();
+    return TRUE;
+}
+#else
+/* When the program ends too. */
+__attribute__((destructor)) static void atUnload(void) {
+    closeSlots();
+}
+#endif
 
 void converter_fromUnicode(UConverter *converter, char **target, const char *targetEnd, const UChar **source,
                            const UChar *sourceEnd, int32_t *offsets, UBool flush, UErrorCode *error) {

@@ -5,10 +5,10 @@
 #include "forward.h"
 
 /* ICU's data itself; a reference, so that the link is not optimised away. */
-extern const char icudata[] __asm__(VELNLS_ICU_DATA_SYMBOL);
+extern IMPORTED const char U_ICUDATA_ENTRY_POINT[];
 
-const void *icudata_qmx(void) __attribute__((visibility("default")));
+EXPORTED const void *icudata_qmx(void);
 
 const void *icudata_qmx(void) {
-    return icudata;
+    return U_ICUDATA_ENTRY_POINT;
 }
