@@ -41,11 +41,16 @@ std::recursive_mutex inUse; // of the logs
 
 constexpr std::int32_t kOverflow = 15;
 constexpr std::int32_t kNotTerminated = -124;
+constexpr std::int32_t kValidLocale = 1;
+constexpr std::int32_t kCaseLevel = 3; // the attribute, and its values
+constexpr std::int32_t kOff = 16;
+constexpr std::int32_t kOn = 17;
 
 struct Object {
     std::string name;
     bool open = true;
     std::int32_t strength = 2;
+    bool caseLevel = false;
 };
 
 bool aligned(const void *units) {
@@ -120,6 +125,11 @@ bool failsNow(std::int32_t *error) {
     return *error > 0;
 }
 
+void noteUse(const Object &collator) {
+    icu.usedStrength = collator.strength;
+    icu.usedCaseLevel = collator.caseLevel;
+}
+
 // How an order without an answer of the test's compares: unit by unit.
 std::int32_t plainOrder(const std::u16string &a, const std::u16string &b) {
     return a < b ? -1 : a == b ? 0 : 1;
@@ -135,13 +145,18 @@ extern "C" {
 
 void *fake_ucnv_open(const char *name, std::int32_t *error);
 void fake_ucnv_close(void *converter);
+void fake_ucnv_reset(void *converter);
 std::int32_t fake_ucnv_fromUChars(void *converter, char *target, std::int32_t capacity,
                                   const std::uint16_t *source, std::int32_t length, std::int32_t *error);
 std::int32_t fake_ucnv_toUChars(void *converter, std::uint16_t *target, std::int32_t capacity,
                                 const char *source, std::int32_t length, std::int32_t *error);
 void *fake_ucol_open(const char *locale, std::int32_t *error);
 void fake_ucol_close(void *collator);
+const char *fake_ucol_getLocaleByType(const void *collator, std::int32_t type, std::int32_t *error);
+std::int32_t fake_ucol_getStrength(const void *collator);
 void fake_ucol_setStrength(void *collator, std::int32_t strength);
+std::int32_t fake_ucol_getAttribute(const void *collator, std::int32_t attribute, std::int32_t *error);
+void fake_ucol_setAttribute(void *collator, std::int32_t attribute, std::int32_t value, std::int32_t *error);
 std::int32_t fake_ucol_strcoll(const void *collator, const std::uint16_t *a, std::int32_t lengthA,
                                const std::uint16_t *b, std::int32_t lengthB);
 std::int32_t fake_ucol_getSortKey(const void *collator, const std::uint16_t *source, std::int32_t length,
@@ -174,6 +189,13 @@ void fake_ucnv_close(void *converter) {
     EXPECT_TRUE(object->open);
     object->open = false; // never freed, so that a second close is seen
     --icu.openConverters;
+}
+
+void fake_ucnv_reset(void *converter) {
+    const std::scoped_lock lock(inUse);
+    const auto &object = *static_cast<Object *>(converter);
+    icu.calls.push_back({"ucnv_reset", object.name, 0, 0, true});
+    EXPECT_TRUE(object.open);
 }
 
 std::int32_t fake_ucnv_toUChars(void *converter, std::uint16_t *target, std::int32_t capacity,
@@ -240,6 +262,46 @@ void fake_ucol_close(void *collator) {
     --icu.openCollators;
 }
 
+const char *fake_ucol_getLocaleByType(const void *collator, std::int32_t type, std::int32_t *error) {
+    const std::scoped_lock lock(inUse);
+    const auto &object = *static_cast<const Object *>(collator);
+    EXPECT_TRUE(object.open);
+    EXPECT_EQ(type, kValidLocale);
+    EXPECT_EQ(*error, 0);
+    icu.calls.push_back({"ucol_getLocaleByType", object.name, type, 0, true});
+    *error = icu.validLocaleError;
+    const auto other = icu.validLocale.find(object.name);
+    return other == icu.validLocale.end() ? object.name.c_str() : other->second;
+}
+
+std::int32_t fake_ucol_getStrength(const void *collator) {
+    const std::scoped_lock lock(inUse);
+    const auto &object = *static_cast<const Object *>(collator);
+    EXPECT_TRUE(object.open);
+    icu.calls.push_back({"ucol_getStrength", object.name, 0, 0, true});
+    return object.strength;
+}
+
+std::int32_t fake_ucol_getAttribute(const void *collator, std::int32_t attribute, std::int32_t *error) {
+    const std::scoped_lock lock(inUse);
+    const auto &object = *static_cast<const Object *>(collator);
+    EXPECT_TRUE(object.open);
+    EXPECT_EQ(attribute, kCaseLevel);
+    EXPECT_EQ(*error, 0);
+    icu.calls.push_back({"ucol_getAttribute", object.name, attribute, 0, true});
+    return object.caseLevel ? kOn : kOff;
+}
+
+void fake_ucol_setAttribute(void *collator, std::int32_t attribute, std::int32_t value, std::int32_t *error) {
+    const std::scoped_lock lock(inUse);
+    auto &object = *static_cast<Object *>(collator);
+    EXPECT_TRUE(object.open);
+    EXPECT_EQ(attribute, kCaseLevel);
+    EXPECT_EQ(*error, 0);
+    icu.calls.push_back({"ucol_setAttribute", object.name, attribute, value, true});
+    object.caseLevel = value == kOn; // the default is off
+}
+
 void fake_ucol_setStrength(void *collator, std::int32_t strength) {
     const std::scoped_lock lock(inUse);
     auto &object = *static_cast<Object *>(collator);
@@ -254,6 +316,7 @@ std::int32_t fake_ucol_strcoll(const void *collator, const std::uint16_t *a, std
     const auto &object = *static_cast<const Object *>(collator);
     EXPECT_TRUE(object.open);
     icu.calls.push_back({"ucol_strcoll", object.name, lengthA, lengthB, aligned(a) && aligned(b)});
+    noteUse(object);
     const std::u16string first = text(a, lengthA);
     const std::u16string second = text(b, lengthB);
     return icu.order ? icu.order(first, second, object.strength) : plainOrder(first, second);
@@ -265,6 +328,7 @@ std::int32_t fake_ucol_getSortKey(const void *collator, const std::uint16_t *sou
     const auto &object = *static_cast<const Object *>(collator);
     EXPECT_TRUE(object.open);
     icu.calls.push_back({"ucol_getSortKey", object.name, length, capacity, aligned(source)});
+    noteUse(object);
     if (icu.key)
         return icu.key(text(source, length), key, capacity);
     // The strength as a digit, then two bytes per unit.

@@ -17,8 +17,8 @@ using fixture::Bytes;
 struct Call {
     std::string name;
     std::string text;          // the name to open
-    std::int32_t number = 0;   // strength, or length of the source
-    std::int32_t capacity = 0; // of the target
+    std::int32_t number = 0;   // strength, attribute, or length of the source
+    std::int32_t capacity = 0; // of the target, or the attribute's value
     bool aligned = true;       // units at even addresses
 };
 
@@ -31,11 +31,17 @@ struct Icu {
     std::function<std::int32_t(std::u16string, std::u16string, std::int32_t strength)> order;
     std::function<std::int32_t(std::u16string, std::uint8_t *key, std::int32_t capacity)> key;
     bool nullCollator = false;
+    // The locale that a collator says it is for, by the name it was opened with, where that is not the same.
+    std::map<std::string, const char *> validLocale;
+    std::int32_t validLocaleError = 0;
 
     std::vector<Call> calls;
     int openConverters = 0;
     int openCollators = 0;
     int conversions = 0;
+    // Of the collator, in the last order or key.
+    std::int32_t usedStrength = -1;
+    bool usedCaseLevel = false;
 
     [[nodiscard]] std::vector<std::string> names() const;
     [[nodiscard]] int count(const std::string &name) const;

@@ -106,4 +106,14 @@ void Home::putIcu() const {
     put("languages", "icui18n-qmx");
 }
 
+#if defined(VELNLS_ICU_TODAY)
+void Home::putForwarders(const std::string &missing) const {
+    for (const std::string forwarder : {"icudata-qmx", "icuuc-qmx", "icui18n-qmx"})
+        put(forwarder, forwarder);
+    for (const std::string part : {"dt", "uc", "in"})
+        if (part != missing)
+            put("icu" + part + VELNLS_ICU_TODAY, "icu" + part + VELNLS_ICU_TODAY);
+}
+#endif
+
 } // namespace process

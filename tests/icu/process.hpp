@@ -67,6 +67,9 @@ public:
     void put(const std::string &built, const std::string &name) const;
     // All three of the fake ICU.
     void putIcu() const;
+    // The forwarding libraries, and beside them the fake of today's ICU but for the one that is `missing`:
+    // "dt", "uc", "in".
+    void putForwarders(const std::string &missing = "") const;
 
 private:
     std::string path_;

@@ -1,0 +1,30 @@
+# The forwarding libraries as files: what the library looks up is exported, under the names of the release that it looks
+# for and nothing else, and the only library that each needs besides the system's own is one of ICU's.
+include(${CMAKE_CURRENT_LIST_DIR}/exports.cmake)
+
+file(STRINGS ${BINDING} lines REGEX "VERSIONED\\(\"")
+string(REGEX MATCHALL "\"uc[a-zA-Z0-9_]+\"" names "${lines}")
+list(TRANSFORM names REPLACE "\"" "")
+list(TRANSFORM names APPEND ${SUFFIX})
+list(SORT names)
+
+set(found)
+foreach(library icuuc-qmx icui18n-qmx icudata-qmx)
+  velnls_read_dll(${FOLDER}/${library}.dll exports entries needed)
+  list(LENGTH exports count)
+  if(NOT entries EQUAL count)
+    message(FATAL_ERROR "${library} has ${entries} entries and ${count} names")
+  endif()
+  list(APPEND found ${exports})
+  list(FILTER needed EXCLUDE REGEX "^(KERNEL32|msvcrt)\\.dll$")
+  if(NOT needed MATCHES "^icu(dt|uc|in)[0-9]+\\.dll$")
+    message(FATAL_ERROR "${library} needs ${needed}")
+  endif()
+endforeach()
+
+list(REMOVE_ITEM found icudata_qmx)
+list(SORT found)
+list(LENGTH found count)
+if(NOT found STREQUAL names OR NOT count EQUAL 19)
+  message(FATAL_ERROR "exports:\n${found}\nlooked up:\n${names}")
+endif()
