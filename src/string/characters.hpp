@@ -35,8 +35,6 @@ struct SingleBytes {
     SingleBytes() = default;
     explicit SingleBytes(const nlsLocale &) {}
 
-    static constexpr bool kAreBytes = true;
-
     [[nodiscard]] static unsigned announced(std::uint8_t) {
         return 1;
     }
@@ -56,8 +54,6 @@ public:
           reach_(isUtf8_                                   ? 3
                  : (locale.header.proofs & kPairPage) != 0 ? 1
                                                            : 7) {}
-
-    static constexpr bool kAreBytes = false;
 
     [[nodiscard]] unsigned announced(std::uint8_t first) const {
         return table_.trailCount(first) + 1;

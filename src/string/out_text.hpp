@@ -50,12 +50,23 @@ public:
     // Leaves the string as it was when the piece does not fit.
     nlsStatus append(const std::uint8_t *from, const std::uint8_t *to) {
         // The room can be -1, and then not even an empty piece fits.
-        const std::int64_t room = std::int64_t{static_cast<std::int32_t>(string_.size)} -
-                                  static_cast<std::int32_t>(string_.length) - 1;
-        if (to - from > room)
+        if (to - from > room())
             return NLS_E_BUFFER;
         put(from, to);
         return NLS_OK;
+    }
+    // For who writes behind the text without this class: where that is, how many bytes there are before the
+    // NUL's, and up to where it then goes.
+    [[nodiscard]] char *end() const {
+        return string_.buffer + string_.length;
+    }
+    [[nodiscard]] std::int64_t room() const {
+        return std::int64_t{static_cast<std::int32_t>(string_.size)} -
+               static_cast<std::int32_t>(string_.length) - 1;
+    }
+    void endAt(char *end) {
+        string_.length = static_cast<std::uint32_t>(end - string_.buffer);
+        *end = '\0';
     }
     // Empties the string and leaves blanks where its text was. Gives `status`.
     nlsStatus blank(nlsStatus status) {

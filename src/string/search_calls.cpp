@@ -1,6 +1,7 @@
 // nlsSearchForw, nlsSearchBack, nlsReplace, nlsReplaceAll.
 #include "locale/checks.hpp"
 #include "string/out_text.hpp"
+#include "string/replace_blocks.hpp"
 #include "string/search.hpp"
 #include "string/short_match_fast.hpp"
 
@@ -59,15 +60,17 @@ nlsStatus findFirst(const Page &page, const nlsLocale &locale, const Whole &soug
     }
 }
 
-// Calls `found(match)` for one match after the other, none of which overlap, until it gives false. The status
-// of the first search; a later one that fails only ends the search.
+// Calls `found(match)` for one match after the other, none of which overlap, until it gives null; on quick
+// pages the search goes on where it says. The status of the first search; a later one that fails only ends
+// the search.
 template <typename Page, typename Found>
 nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought, const Whole &where,
                   Found found) {
     if constexpr (Page::kQuick) {
         QuickSearch search(page, sought.at, sought.end, where.at, where.end);
-        for (Match match = search.next(where.at); match.at != nullptr && found(match);)
-            match = search.next(match.end);
+        const std::uint8_t *at = where.at;
+        for (Match match{}; at != nullptr && (match = search.next(at)).at != nullptr;)
+            at = found(match);
         return NLS_OK;
     } else {
         Counted pattern{};
@@ -79,7 +82,7 @@ nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought
         if (const nlsStatus status = search.forwards(rest, match); status != NLS_OK)
             return status;
         // The text is counted once: behind a match, its rest has the pattern's characters less.
-        while (match.at != nullptr && found(match)) {
+        while (match.at != nullptr && found(match) != nullptr) {
             rest.at = match.end;
             rest.characters -= pattern.characters;
             if (search.forwards(rest, match) != NLS_OK)
@@ -89,29 +92,12 @@ nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought
     }
 }
 
-// The same on pages of single bytes, where no text is cut: its end is looked for as the search goes on, so
-// that what is looked at is still near when it is copied. Gives the text's end.
-template <typename Page, typename Found>
-const std::uint8_t *findAllBytes(const Page &page, const Whole &sought, const std::uint8_t *text,
-                                 Found found) {
-    constexpr std::size_t kStretch = 1 << 14;
-    const std::ptrdiff_t length = sought.end - sought.at;
-    const std::uint8_t *known = text; // no NUL stands before
-    for (const std::uint8_t *at = text;;) {
-        const std::size_t more = ::strnlen(reinterpret_cast<const char *>(known), kStretch);
-        known += more;
-        QuickSearch search(page, sought.at, sought.end, at, known);
-        for (Match match = search.next(at); match.at != nullptr; match = search.next(at)) {
-            if (!found(match))
-                return known + std::strlen(reinterpret_cast<const char *>(known));
-            at = match.end;
-        }
-        if (more < kStretch)
-            return known;
-        // A match may reach behind what was known.
-        if (known - at >= length)
-            at = known - (length - 1);
-    }
+// Whether characters match by their bytes, in a page in which blocks can tell where they begin.
+bool replacesByBlocks(const nlsLocale &locale, unsigned mode, const Whole &sought) {
+    const std::uint32_t proofs = locale.header.proofs;
+    return mode == 1 && (proofs & kMatchesBytes) != 0 && (proofs & kWideVectors) != 0 &&
+           (proofs & (kUtf8Page | kSingleBytePage)) != 0 &&
+           sought.end - sought.at <= avx512::ByteReplacement::kMost;
 }
 
 // Puts a text together in the caller's string with its matches replaced.
@@ -121,19 +107,34 @@ public:
               std::uint32_t &count)
         : result_(out, locale.header.proofs), where_(where), replacement_(replacement), count_(count) {}
 
-    // Replaces a match behind the ones before. False where no room is left.
-    bool replace(const Match &match) {
+    // Replaces a match behind the ones before. Null where no room is left; otherwise the match's end.
+    const std::uint8_t *replace(const Match &match) {
         if (insteadEnd_ == nullptr)
             insteadEnd_ = bytes(replacement_) + std::strlen(replacement_);
         status_ = written_ == nullptr ? result_.begin(where_, match.at) : result_.append(written_, match.at);
         if (status_ != NLS_OK)
-            return false;
+            return nullptr;
         written_ = match.at;
         if (result_.append(bytes(replacement_), insteadEnd_) != NLS_OK)
-            return false;
+            return nullptr;
         written_ = match.end;
         ++count_;
-        return true;
+        return written_;
+    }
+    // Behind a match, replaces what follows as far as blocks go. Gives the place behind that.
+    const std::uint8_t *replaceBlocks(const Whole &sought, const Whole &where, bool isUtf8) {
+        const avx512::ByteReplacement by{sought.at, sought.end - sought.at, bytes(replacement_),
+                                         insteadEnd_ - bytes(replacement_), isUtf8};
+        // Where the room may not do, each piece is looked at before it is written.
+        if (by.insteadLength > by.kMost || where.end - written_ < by.kWorthwhile ||
+            by.longestOf(where.end - written_) > result_.room())
+            return written_;
+        avx512::ReplacedText text{where.at, written_, where.end, result_.end(), count_};
+        avx512::replaceBlocks(by, text);
+        result_.endAt(text.out);
+        written_ = text.at;
+        count_ = text.count;
+        return written_;
     }
     // Adds what is left of the text up to its end.
     nlsStatus finish(const std::uint8_t *end) {
@@ -298,16 +299,16 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
         return status;
     if (sought.empty())
         return NLS_E_NULLARG;
-    const auto replace = [&replacing](const Match &match) { return replacing.replace(match); };
+    const bool goesByBlocks = replacesByBlocks(*locale, caseFlag, sought);
+    const bool isUtf8 = (locale->header.proofs & kUtf8Page) != 0;
+    const Whole where(text_);
+    if (const nlsStatus status = checkNotCut(*locale, where); status != NLS_OK)
+        return status;
     return withPage(*locale, caseFlag, [&](const auto &page) {
-        if constexpr (std::remove_cvref_t<decltype(page.characters())>::kAreBytes) {
-            return replacing.finish(findAllBytes(page, sought, bytes(text_), replace));
-        } else {
-            const Whole where(text_);
-            nlsStatus status = checkNotCut(*locale, where);
-            if (status == NLS_OK)
-                status = findAll(page, *locale, sought, where, replace);
-            return status != NLS_OK ? status : replacing.finish(where.end);
-        }
+        const nlsStatus status = findAll(page, *locale, sought, where, [&](const Match &match) {
+            const std::uint8_t *const at = replacing.replace(match);
+            return goesByBlocks && at != nullptr ? replacing.replaceBlocks(sought, where, isUtf8) : at;
+        });
+        return status != NLS_OK ? status : replacing.finish(where.end);
     });
 }

@@ -199,6 +199,27 @@ TEST(AgainstTwins, ReplaceAll) {
     });
 }
 
+// Long texts are replaced by blocks where the room is sure to do.
+TEST(AgainstTwins, ReplaceAllInLongTexts) {
+    onEveryPage(3000, [](const MatchPage &page, Maker &maker, std::uint16_t mode) {
+        std::string text;
+        const unsigned length = 256 + maker.below(500);
+        while (text.size() < length)
+            text += maker.text(20);
+        const std::string pattern = maker.pattern(text, maker.below(4) == 0 ? 70 : 5);
+        if (pattern.empty())
+            return;
+        const std::string instead = maker.characters(maker.below(4) == 0 ? 70 : 6);
+        const auto bytes = static_cast<std::uint32_t>(text.size());
+        const model::Out before =
+            fixture::emptyOut(maker.below(2) == 0 ? 80 * bytes : bytes + maker.below(bytes));
+        ASSERT_TRUE(same(model::replaceAll(page.page, pattern, instead, text, mode, before),
+                         fixture::replaceAll(page.page, pattern, instead, text, mode, before)))
+            << "pattern " << shown(pattern) << "by " << shown(instead) << "text " << shown(text) << "size "
+            << before.size;
+    });
+}
+
 TEST(AgainstTwins, FindCharacters) {
     onEveryPage(6000, [](const MatchPage &page, Maker &maker, std::uint16_t mode) {
         const std::string text = maker.text(lengthFor(maker));
