@@ -163,7 +163,8 @@ int32_t converter_toUChars(UConverter *converter, UChar *target, int32_t capacit
     const Slot *const slot = slotOf(converter);
     if (slot != NULL && !slot->used && error != NULL && *error == U_ZERO_ERROR && length > 0 &&
         capacity >= length && source != NULL && target != NULL) {
-        const ptrdiff_t count = decodeUtf8((const unsigned char *)source, (size_t)length, target);
+        const ptrdiff_t count =
+            decodeUtf8((const unsigned char *)source, (size_t)length, target, (size_t)capacity);
         if (count >= 0) {
             if (count < capacity)
                 target[count] = 0;

@@ -8,9 +8,9 @@
 #include <unicode/utypes.h>
 
 /*
- * Decodes `length` bytes into `units`, which has room for as many units. Returns how many there are; -1, with
- * anything in `units`, when the text is not well formed.
+ * Decodes `length` bytes into `units`, which has `room` for as many units at least. Returns how many there
+ * are; -1 when the text is not well formed. Anything may stand in `units` behind what is returned.
  */
-ptrdiff_t decodeUtf8(const unsigned char *text, size_t length, UChar *units);
+ptrdiff_t decodeUtf8(const unsigned char *text, size_t length, UChar *units, size_t room);
 
 #endif
