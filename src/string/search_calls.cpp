@@ -271,6 +271,51 @@ nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replace
     return NLS_OK;
 }
 
+namespace {
+
+// Replaces by masks of one block what that settles: false where it settles nothing.
+[[gnu::always_inline]] inline bool replaceShortly(const nlsLocale &locale, const char *pattern,
+                                                  const char *text_, unsigned mode, Replacing &replacing,
+                                                  nlsStatus &status) {
+    const ShortPlaces brief = fast::findShortly(locale, mode, bytes(pattern), bytes(text_));
+    if (!brief.settled())
+        return false;
+    for (std::uint64_t left = brief.places; left != 0;) {
+        const unsigned place = static_cast<unsigned>(__builtin_ctzll(left));
+        const std::uint8_t *const at = bytes(text_) + place;
+        if (replacing.replace({at, at + brief.patternLength}) == nullptr)
+            break;
+        // None of the matches overlap.
+        left &= ~std::uint64_t{0} << (place + brief.patternLength - 1) << 1;
+    }
+    status = replacing.finish(bytes(text_) + brief.textLength);
+    return true;
+}
+
+// A function of its own, so that a short text does not pay for what this keeps.
+[[gnu::noinline]] nlsStatus replaceByPage(const nlsLocale &locale, const char *pattern, const char *text_,
+                                          unsigned mode, Replacing &replacing) {
+    const Whole sought(pattern);
+    if (const nlsStatus status = checkNotCut(locale, sought); status != NLS_OK)
+        return status;
+    if (sought.empty())
+        return NLS_E_NULLARG;
+    const bool goesByBlocks = replacesByBlocks(locale, mode, sought);
+    const bool isUtf8 = (locale.header.proofs & kUtf8Page) != 0;
+    const Whole where(text_);
+    if (const nlsStatus status = checkNotCut(locale, where); status != NLS_OK)
+        return status;
+    return withPage(locale, mode, [&](const auto &page) {
+        const nlsStatus status = findAll(page, locale, sought, where, [&](const Match &match) {
+            const std::uint8_t *const at = replacing.replace(match);
+            return goesByBlocks && at != nullptr ? replacing.replaceBlocks(sought, where, isUtf8) : at;
+        });
+        return status != NLS_OK ? status : replacing.finish(where.end);
+    });
+}
+
+} // namespace
+
 nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *replacement, const char *text_,
                         uint16_t caseFlag, nlsStr *out, uint32_t *count) {
     if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
@@ -282,33 +327,7 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
         return NLS_E_NOCHARTAB;
     *count = 0;
     Replacing replacing(*locale, bytes(text_), replacement, *out, *count);
-    if (const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytes(pattern), bytes(text_));
-        brief.settled()) {
-        for (std::uint64_t left = brief.places; left != 0;) {
-            const unsigned place = static_cast<unsigned>(__builtin_ctzll(left));
-            const std::uint8_t *const at = bytes(text_) + place;
-            if (!replacing.replace({at, at + brief.patternLength}))
-                break;
-            // None of the matches overlap.
-            left &= ~std::uint64_t{0} << (place + brief.patternLength - 1) << 1;
-        }
-        return replacing.finish(bytes(text_) + brief.textLength);
-    }
-    const Whole sought(pattern);
-    if (const nlsStatus status = checkNotCut(*locale, sought); status != NLS_OK)
+    if (nlsStatus status = NLS_OK; replaceShortly(*locale, pattern, text_, caseFlag, replacing, status))
         return status;
-    if (sought.empty())
-        return NLS_E_NULLARG;
-    const bool goesByBlocks = replacesByBlocks(*locale, caseFlag, sought);
-    const bool isUtf8 = (locale->header.proofs & kUtf8Page) != 0;
-    const Whole where(text_);
-    if (const nlsStatus status = checkNotCut(*locale, where); status != NLS_OK)
-        return status;
-    return withPage(*locale, caseFlag, [&](const auto &page) {
-        const nlsStatus status = findAll(page, *locale, sought, where, [&](const Match &match) {
-            const std::uint8_t *const at = replacing.replace(match);
-            return goesByBlocks && at != nullptr ? replacing.replaceBlocks(sought, where, isUtf8) : at;
-        });
-        return status != NLS_OK ? status : replacing.finish(where.end);
-    });
+    return replaceByPage(*locale, pattern, text_, caseFlag, replacing);
 }
