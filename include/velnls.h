@@ -816,7 +816,8 @@ NLS_API nlsStatus nlsCreateConversion(nlsHandle *handle, nlsLocale *source, nlsL
  *
  * For every converter, also where 17 has no value (-), a destination of 4 times the source's bytes and 4
  * more is large enough for the output and its terminator; so is property 17 times the source's bytes
- * and 4 more where it has one, but for kind 51.
+ * and 4 more where it has one, but for kind 51. Pages of ICU's that put marks or escape sequences between
+ * their characters, or have characters of more than four bytes, may take more.
  *
  * Returns:
  *   13  'conversion' is null or the handle of one of its locales closed
@@ -875,9 +876,9 @@ NLS_API nlsStatus nlsGetStrConversionProperty(nlsConversion *conversion, int32_t
  *   ICU           converters (kinds 5 and 6) end the text at its first NUL too. Between UTF-8 and such a
  *                 page the destination must have room for the UTF-16 form beside a first byte, twice the
  *                 source's bytes and 3 more: else the call gives 2 and nothing is converted; so it does
- *                 for texts of more than 2000 bytes whose output would run over that form, which cannot
- *                 be where four times the source's bytes are there. Whatever ICU calls an error is 16, too
- *                 small a destination among it, and then nothing is counted. What ICU substitutes is not
+ *                 for texts of 2000 bytes and more whose output would overtake that form, which lies at
+ *                 the destination's end. Whatever ICU calls an error is 16, too small a destination among
+ *                 it, and then nothing is counted. What ICU substitutes is not
  *                 reported. A UTF-16 SOURCE AT AN ODD ADDRESS OR OF THE OTHER BYTE ORDER IS CHANGED IN
  *                 PLACE AND CHANGED BACK; AT AN ODD ADDRESS SO IS THE BYTE BEHIND ITS TERMINATOR (BEHIND
  *                 ITS LENGTH WHERE IT HAS NONE): IT MUST BE WRITABLE.

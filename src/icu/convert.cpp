@@ -113,26 +113,40 @@ private:
     bool terminated_ = false;
 };
 
-// From UTF-16 to the character set, into the whole target.
-nlsStatus fromUnits(Converter *converter, const Unit *units, std::int32_t length, std::int64_t capacity,
-                    Target &target, ErrorCode &error) {
-    error = kNoError;
-    const std::int32_t written =
-        functions().converters.fromUChars(converter, reinterpret_cast<char *>(target.at),
-                                          static_cast<std::int32_t>(capacity), units, length, &error);
-    if (failed(error) || written < 0 || written > capacity)
+// What ICU made of units: how many bytes, or how many it would have taken.
+struct Made {
+    std::int64_t bytes;
+    ErrorCode error;
+};
+
+// From UTF-16 to the character set, into the first `capacity` bytes of the target.
+Made fromUnits(Converter *converter, const Unit *units, std::int64_t length, std::int64_t capacity,
+               const Target &target) {
+    ErrorCode error = kNoError;
+    const std::int32_t bytes = functions().converters.fromUChars(
+        converter, reinterpret_cast<char *>(target.at), static_cast<std::int32_t>(capacity), units,
+        static_cast<std::int32_t>(length), &error);
+    return {bytes, error};
+}
+
+// Takes what was made into the target's whole room.
+nlsStatus take(const Made &made, Target &target) {
+    if (failed(made.error) || made.bytes < 0 || made.bytes > target.room())
         return NLS_E_NULLARG;
-    target.at += written;
+    target.at += made.bytes;
     return NLS_OK;
 }
 
 nlsStatus fromUtf16(Converter *converter, bool swapped, const Source &source, Target &target) {
     const NativeUnits units(source, swapped);
-    ErrorCode error = kNoError;
-    return fromUnits(converter, units.units(), units.length(), target.room(), target, error);
+    return take(fromUnits(converter, units.units(), units.length(), target.room(), target), target);
 }
 
 // ---- UTF-8, by way of UTF-16 ----
+
+bool isHighSurrogate(Unit unit) {
+    return (unit & 0xFC00) == 0xD800;
+}
 
 // Whether text at `units`, on its way to UTF-8 at `target`, is never overwritten before it has been read.
 // Counts the bytes that it becomes.
@@ -143,12 +157,38 @@ bool isReadBeforeWritten(const Unit *units, std::int32_t count, const std::uint8
     bytes = 0;
     for (std::int32_t i = 0; i < count; ++i) {
         const Unit unit = units[i];
-        const bool pair = (unit & 0xFC00) == 0xD800 && i + 1 < count && (units[i + 1] & 0xFC00) == 0xDC00;
+        const bool pair = isHighSurrogate(unit) && i + 1 < count && (units[i + 1] & 0xFC00) == 0xDC00;
         bytes += unit < 0x80 ? 1 : unit < 0x800 ? 2 : pair ? 4 : 3;
         i += pair ? 1 : 0;
         safe = safe && bytes <= ahead + (i + 1) * kUnitSize;
     }
     return safe;
+}
+
+// The same on the way to a page of ICU's, which alone knows what a unit becomes: it is asked about stretches
+// whose output would end before their own first unit, as long as there are such, and about single characters.
+// A page that writes more for a stretch by itself than within a text may be refused for it.
+bool isReadBeforeWritten(Converter *converter, const Unit *units, std::int64_t count, const Target &target) {
+    std::int64_t ahead = reinterpret_cast<const std::uint8_t *>(units) - target.at;
+    std::int64_t length = 1;
+    while (count > 0) {
+        length = std::min(length, count);
+        if (length < count && isHighSurrogate(units[length - 1]))
+            ++length;
+        const Made made = fromUnits(converter, units, length, 0, target);
+        const std::int64_t first = length > 1 && isHighSurrogate(units[0]) ? 2 : 1; // units of a character
+        if (made.bytes > ahead + first * kUnitSize) {
+            if (length == first)
+                return false;
+            length = std::max<std::int64_t>(length / 4, 1);
+            continue;
+        }
+        ahead += length * kUnitSize - made.bytes;
+        units += length;
+        count -= length;
+        length *= 2;
+    }
+    return true;
 }
 
 // The UTF-16 form between the two steps. The target must have room for it behind a first byte, whatever the
@@ -229,8 +269,7 @@ nlsStatus toUtf8(Converter *converter, const Source &source, Target &target) {
         if (!isReadBeforeWritten(pivot.units(), pivot.count(), target.at, bytes))
             return bytes > target.room() ? NLS_E_NULLARG : NLS_E_BUFFER;
     }
-    ErrorCode error = kNoError;
-    return fromUnits(utf8.get(), pivot.units(), pivot.length(), target.room(), target, error);
+    return take(fromUnits(utf8.get(), pivot.units(), pivot.length(), target.room(), target), target);
 }
 
 nlsStatus fromUtf8(Converter *converter, const Source &source, Target &target) {
@@ -244,14 +283,17 @@ nlsStatus fromUtf8(Converter *converter, const Source &source, Target &target) {
         return NLS_E_ICU;
     if (!pivot.fill(utf8.get(), source))
         return NLS_E_NULLARG;
-    ErrorCode error = kNoError;
-    if (pivot.onStack())
-        return fromUnits(converter, pivot.units(), pivot.length(), target.room(), target, error);
-    // What a unit becomes is ICU's knowledge, so the output may not touch the units at all.
-    pivot.moveToEnd();
-    const std::int64_t free = reinterpret_cast<const std::uint8_t *>(pivot.units()) - target.at;
-    const nlsStatus status = fromUnits(converter, pivot.units(), pivot.length(), free, target, error);
-    return status != NLS_OK && error == kBufferOverflow ? NLS_E_BUFFER : status;
+    if (!pivot.onStack()) {
+        pivot.moveToEnd();
+        // Most output leaves the units alone; where it does not, they have to be read before.
+        const std::int64_t free = reinterpret_cast<const std::uint8_t *>(pivot.units()) - target.at;
+        const Made made = fromUnits(converter, pivot.units(), pivot.length(), free, target);
+        if (made.error != kBufferOverflow || made.bytes > target.room())
+            return take(made, target);
+        if (!isReadBeforeWritten(converter, pivot.units(), pivot.count(), target))
+            return NLS_E_BUFFER;
+    }
+    return take(fromUnits(converter, pivot.units(), pivot.length(), target.room(), target), target);
 }
 
 } // namespace

@@ -10,6 +10,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <tuple>
+#include <vector>
 
 namespace {
 
@@ -385,10 +388,8 @@ TEST(IcuConversion, ATargetWithoutRoomForTheUtf16FormGives2) {
                 EXPECT_TRUE(seen("nlsConvertFromUCS2", 2, fixture::convert(conversion, text, area).status));
                 EXPECT_EQ(fake::icu.conversions, 0) << "before ICU is asked";
                 const auto result = fixture::convert(conversion, text, area + 1);
-                if (length <= 7) {
-                    EXPECT_TRUE(seen("nlsConvertFromUCS2", 0, result.status)) << length;
-                    EXPECT_EQ(result.text(), text);
-                }
+                EXPECT_TRUE(seen("nlsConvertFromUCS2", 0, result.status)) << length;
+                EXPECT_EQ(result.text(), text);
                 fake::icu.conversions = 0;
             }
             EXPECT_TRUE(seen("nlsConvertFromUCS2", 2, fixture::convert(conversion, bytesOf("a"), 0).status));
@@ -436,42 +437,72 @@ TEST(IcuConversion, LongTextsKeepTheirUtf16FormInTheTarget) {
     });
 }
 
-TEST(IcuConversion, LongTextsInTightTargetsAreRightOrRefused) {
+// What becomes of units that lie at the end of a target of `size` bytes, which is even, and turn into as many
+// bytes each as `lengths` says, written from its beginning.
+nlsStatus expectedOf(const std::vector<std::size_t> &lengths, std::size_t size) {
+    const std::size_t before = size - 2 * (lengths.size() + 1);
+    std::size_t written = 0;
+    bool overtaken = false;
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+        written += lengths[i];
+        overtaken = overtaken || written > before + 2 * (i + 1);
+    }
+    return written > size ? NLS_E_NULLARG : overtaken ? NLS_E_BUFFER : NLS_OK;
+}
+
+TEST(IcuConversion, LongTextsInTightTargetsAreRefusedOnlyWhereOutputOvertakesTheUtf16Form) {
     withIcu([](world::Open &open) {
-        nlsConversion *const to = open.conversion("X", "UTF-8");
-        nlsConversion *const from = open.conversion("UTF-8", "WIDE");
-        int right = 0;
-        for (const char *const shape : {"a", "\x81", "a\x81",
-                                        "\x81"
-                                        "aaaa"}) {
-            Bytes text = repeated(bytesOf(shape), 2600);
-            text.resize(2600);
-            for (const bool tail : {false, true}) { // the wide characters first, or the narrow ones
-                std::sort(text.begin(), text.end());
-                if (tail)
-                    std::reverse(text.begin(), text.end());
-                const Bytes utf8 = fixture::convert(to, text, 60000).text();
-                const Bytes wide = fixture::convert(from, utf8, 60000).text();
-                for (std::uint32_t size = 5203; size < 5203 + 9000; size += 61) {
-                    const auto there = fixture::convert(to, text, size);
-                    if (there.status == NLS_OK) {
-                        EXPECT_EQ(there.text(), utf8);
-                        ++right;
-                    } else {
-                        EXPECT_TRUE(
-                            seen("nlsConvertFromUCS2", there.status == NLS_E_BUFFER ? 2 : 16, there.status));
-                    }
-                    const auto back = fixture::convert(from, utf8, size);
-                    if (back.status == NLS_OK) {
-                        EXPECT_EQ(back.text(), wide);
-                        ++right;
-                    } else {
-                        EXPECT_TRUE(back.status == NLS_E_BUFFER || back.status == NLS_E_NULLARG);
-                    }
+        std::map<std::uint32_t, int> counts;
+        const auto check = [&](nlsConversion *conversion, const Bytes &text, std::uint32_t size,
+                               const std::vector<std::size_t> &lengths, const Bytes &whole) {
+            const auto result = fixture::convert(conversion, text, size);
+            EXPECT_EQ(result.status, expectedOf(lengths, size)) << size;
+            if (result.status == NLS_OK)
+                EXPECT_EQ(result.text(), whole);
+            else
+                EXPECT_TRUE(
+                    seen("nlsConvertFromUCS2", result.status == NLS_E_BUFFER ? 2 : 16, result.status));
+            ++counts[result.status];
+        };
+        // Every size near the least that does, and some beside.
+        const auto checkSizes = [&](nlsConversion *conversion, const Bytes &text,
+                                    const std::vector<std::size_t> &lengths) {
+            const Bytes whole = fixture::convert(conversion, text, 60000).text();
+            const auto least = static_cast<std::uint32_t>(2 * text.size() + 3);
+            std::uint32_t enough = least;
+            while (expectedOf(lengths, enough) != NLS_OK)
+                ++enough;
+            for (std::uint32_t size = least;
+                 size<least + 9000; size += size + 70> enough && size < enough + 9 ? 1 : 61)
+                check(conversion, text, size, lengths, whole);
+        };
+        // X widens a byte to three in UTF-8, BROAD another one to four.
+        for (const auto &[conversion, wide, width] :
+             {std::tuple(open.conversion("X", "UTF-8"), '\x81', 3U),
+              std::tuple(open.conversion("UTF-8", "BROAD"), 'w', 4U)}) {
+            for (const std::string &shape :
+                 {std::string("a"), std::string{wide}, std::string{'a', wide}, wide + std::string("aaaa")}) {
+                Bytes text = repeated(bytesOf(shape), 2600);
+                text.resize(2600);
+                // As it is, narrow characters first, wide ones first, narrow ones on both sides.
+                for (const int order : {0, 1, 2, 3}) {
+                    const auto isNarrow = [](unsigned char byte) { return byte == 'a'; };
+                    if (order != 0)
+                        std::stable_partition(text.begin(), text.end(), isNarrow);
+                    if (order == 2)
+                        std::reverse(text.begin(), text.end());
+                    if (order == 3)
+                        std::rotate(text.begin(), text.begin() + 600, text.end());
+                    std::vector<std::size_t> lengths;
+                    for (const unsigned char byte : text)
+                        lengths.push_back(isNarrow(byte) ? 1 : width);
+                    checkSizes(conversion, text, lengths);
                 }
             }
         }
-        EXPECT_GT(right, 200);
+        EXPECT_GT(counts[NLS_OK], 1000);
+        EXPECT_GT(counts[NLS_E_BUFFER], 20);
+        EXPECT_GT(counts[NLS_E_NULLARG], 100);
     });
 }
 

@@ -118,6 +118,10 @@ std::u16string text(const std::uint16_t *units, std::int32_t length) {
     return {reinterpret_cast<const char16_t *>(units), static_cast<std::size_t>(length)};
 }
 
+bool widens(const std::string &page, std::uint16_t unit) {
+    return (page == "WIDE" && unit >= 0x80) || (page == "BROAD" && unit == 'w');
+}
+
 bool failsNow(std::int32_t *error) {
     const auto planned = icu.conversionError.find(icu.conversions++);
     if (planned != icu.conversionError.end())
@@ -235,8 +239,7 @@ std::int32_t fake_ucnv_fromUChars(void *converter, char *target, std::int32_t ca
         bytes = encodeUtf8(units);
     } else {
         for (const std::uint16_t unit : units)
-            bytes.insert(bytes.end(), unit >= 0x80 && object.name == "WIDE" ? 4 : 1,
-                         static_cast<char>(unit & 0xFF));
+            bytes.insert(bytes.end(), widens(object.name, unit) ? 4 : 1, static_cast<char>(unit & 0xFF));
     }
     return put(bytes, target, capacity, error);
 }

@@ -23,7 +23,7 @@ struct Call {
 };
 
 // The fake ICU. Its page "X" has one byte per character: 00-7F as they are, 80-FF as U+4E80 to U+4EFF. "WIDE"
-// writes four bytes for each unit that is not ASCII. "utf8" is strict UTF-8.
+// writes four bytes for each unit that is not ASCII, "BROAD" for each "w". "utf8" is strict UTF-8.
 struct Icu {
     std::map<std::string, std::int32_t> openError; // by name; of converters and collators
     // Error of the n-th conversion from now on (0 first), and what the next order or key call answers.

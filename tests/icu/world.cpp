@@ -15,11 +15,11 @@ unsigned char insensitiveWeight(unsigned byte) {
 }
 
 DataFile file() {
-    DataFile data(64);
+    DataFile data(80);
     data.codePage("UTF-8", CharacterTable::utf8());
     data.codePage("UTF-16", CharacterTable::singleByte(kMultibyte | kWide));
     data.codePage("UTF-16BE", CharacterTable::singleByte(kMultibyte | kWide));
-    for (const char *const page : {"X", "WIDE", "MISSING"}) {
+    for (const char *const page : {"X", "WIDE", "BROAD", "MISSING"}) {
         data.codePage(page, CharacterTable::singleByte());
         data.conversion(page, "UTF-8", 177);
         data.conversion("UTF-8", page, 176);

@@ -8,7 +8,7 @@ namespace world {
 
 using fixture::Bytes;
 
-// Pages: UTF-8, UTF-16, UTF-16BE, and by ICU X, WIDE, MISSING; P has weights, exits ("site", "other") and
+// Pages: UTF-8, UTF-16, UTF-16BE, and by ICU X, WIDE, BROAD, MISSING; P has weights, exits ("site", "other") and
 // BASIC; LENDER lends the exit "lent" to BORROWER by a byte table.
 fixture::DataFile file();
 
