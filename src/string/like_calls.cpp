@@ -70,7 +70,7 @@ nlsStatus nlsSqlLike(nlsLocale *locale, const char *pattern, const char *string,
     const LikeSigns signs{escape, oneChar, anyString};
     const ShortLike brief = likeShortly(*locale, reinterpret_cast<const std::uint8_t *>(pattern),
                                         reinterpret_cast<const std::uint8_t *>(string), mode, signs);
-    if (brief != ShortLike::Unsettled)
+    if (brief == ShortLike::Yes || brief == ShortLike::No)
         return brief == ShortLike::Yes ? kLikeYes : kLikeNo;
     return withPage(*locale, mode, [&signs, pattern, string](const auto &page) {
         return likeOn(page, signs, pattern, string);

@@ -163,10 +163,8 @@ const std::uint8_t *PlaceFilter::find(const std::uint8_t *text, const std::uint8
         at = stopped;
     }
     const unsigned most = near.count > far.count ? near.count : far.count;
-    if (far.count == 0)
-        return most == 1   ? findIn<1, 0>(*this, text, at, end, stopped)
-               : most == 2 ? findIn<2, 0>(*this, text, at, end, stopped)
-                           : findIn<4, 0>(*this, text, at, end, stopped);
+    if (far.count == 0) // patterns of one character: a few needless comparisons, and less code
+        return findIn<4, 0>(*this, text, at, end, stopped);
     return most == 1   ? findIn<1, 1>(*this, text, at, end, stopped)
            : most == 2 ? findIn<2, 2>(*this, text, at, end, stopped)
                        : findIn<4, 4>(*this, text, at, end, stopped);

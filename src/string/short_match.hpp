@@ -31,7 +31,11 @@ enum class ShortLike {
     No,
     Yes,
     Unsettled,
+    TextGoesOn, // behind the block; the pattern is for the short ways
 };
+
+// What capital I with dot begins with, in UTF-8.
+inline constexpr std::uint8_t kDottedILead = 0xC4;
 
 // How characters match: by their bytes, by those under the case of ASCII, or single bytes by their weights,
 // those without one by that of "s".
@@ -78,17 +82,13 @@ struct ShortPattern {
     }
     // Whether characters that match under the case of ASCII do so by their bytes, changed as ASCII or as they
     // are: `order` becomes which. It has been divided.
-    [[gnu::always_inline]] bool foldsAsAscii(ShortPage page, const Masks &text, std::uint64_t textEnd,
-                                             ShortOrder &order) const {
+    [[gnu::always_inline]] bool foldsAsAscii(ShortPage page, ShortOrder &order) const {
         if (page == ShortPage::Bytes)
             return high() == 0;
-        if (page == ShortPage::Utf8) {
-            // Characters of three bytes from the lead byte E3 up to EE equal themselves alone, and no byte of
-            // a longer character is a letter. Capital I with dot, which begins with C4, may fold to "i".
-            if ((high() & ~trails & ~masks.inRange(0xE3, 0xEE - 0xE3)) != 0)
-                return false;
-            return (masks.lowered().equal('i') & (end - 1)) == 0 || (text.equal(0xC4) & (textEnd - 1)) == 0;
-        }
+        // Characters of three bytes from the lead byte E3 up to EE equal themselves alone, and no byte of a
+        // longer character is a letter.
+        if (page == ShortPage::Utf8)
+            return (high() & ~trails & ~masks.inRange(0xE3, 0xEE - 0xE3)) == 0;
         if (high() == 0)
             return true;
         // Characters of two bytes equal themselves alone, and their second byte may look like a letter;
@@ -97,6 +97,22 @@ struct ShortPattern {
         const std::uint64_t pairs = trails | trails >> 1;
         const std::uint64_t letters = masks.lowered().inRange('a', 25) & (end - 1);
         return ((high() | letters) & ~pairs) == 0;
+    }
+    // Whether it may match capital I with dot, which may fold to "i".
+    [[nodiscard]] [[gnu::always_inline]] bool mayMeetDottedI(ShortPage page) const {
+        return page == ShortPage::Utf8 && (masks.lowered().equal('i') & (end - 1)) != 0;
+    }
+    // The order of matching as foldsAsAscii() has it, of a text that ends at `textEnd`; Unknown where there
+    // is none.
+    [[gnu::always_inline]] ShortOrder orderIn(ShortMatching matching, const Masks &text,
+                                              std::uint64_t textEnd) const {
+        ShortOrder order = matching.order;
+        if (order != ShortOrder::Ascii)
+            return order;
+        if (!foldsAsAscii(matching.page, order) ||
+            (mayMeetDottedI(matching.page) && (text.equal(kDottedILead) & (textEnd - 1)) != 0))
+            return ShortOrder::Unknown;
+        return order;
     }
 };
 
@@ -156,8 +172,8 @@ template <typename Masks>
     if (wanted.end <= 1 || end == 0 || (structure.wrong | (structure.trails & end)) != 0 ||
         !wanted.divide(matching))
         return kUnsettledPlaces;
-    ShortOrder order = matching.order;
-    if (order == ShortOrder::Ascii && !wanted.foldsAsAscii(matching.page, masks, end, order))
+    const ShortOrder order = wanted.orderIn(matching, masks, end);
+    if (order == ShortOrder::Unknown)
         return kUnsettledPlaces;
     const unsigned length = placeOf(wanted.end);
     const ShortSought<Masks> sought(masks, order, matching.weights);
@@ -208,11 +224,13 @@ template <typename Masks>
         return ShortLike::Unsettled;
     const Masks masks(text);
     const std::uint64_t end = lowestOf(masks.equal(0));
+    if (end == 0)
+        return ShortLike::TextGoesOn;
     const ShortStructure structure = structureOf(matching.page, *matching.facts, masks, end);
-    if (end <= 1 || (structure.wrong | (structure.trails & end)) != 0)
+    if (end == 1 || (structure.wrong | (structure.trails & end)) != 0)
         return ShortLike::Unsettled;
-    ShortOrder order = matching.order;
-    if (order == ShortOrder::Ascii && !wanted.foldsAsAscii(matching.page, masks, end, order))
+    const ShortOrder order = wanted.orderIn(matching, masks, end);
+    if (order == ShortOrder::Unknown)
         return ShortLike::Unsettled;
     const ShortSought<Masks> sought(masks, order, matching.weights);
     return hasPieces(sought, structure.trails, end, pattern, any, wanted.end);

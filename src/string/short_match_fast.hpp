@@ -11,6 +11,9 @@ namespace velnls::avx512 {
 ShortPlaces shortPlaces(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text);
 ShortLike shortLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
                     const ShortSigns &signs);
+// What shortLike() says of a text that goes on behind its block.
+ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
+                   const ShortSigns &signs);
 
 } // namespace velnls::avx512
 
@@ -96,8 +99,12 @@ template <typename Result, typename Match>
                                                     const ShortSigns &signs) {
     return matchShortly(locale, mode, pattern, text, ShortLike::Unsettled,
                         [text, &signs](ShortMatching matching, const std::uint8_t *block, bool wide) {
-                            return wide ? avx512::shortLike(matching, block, text, signs)
-                                        : shortLike(matching, block, text, signs);
+                            if (!wide)
+                                return shortLike(matching, block, text, signs);
+                            const ShortLike result = avx512::shortLike(matching, block, text, signs);
+                            return result == ShortLike::TextGoesOn
+                                       ? avx512::longLike(matching, block, text, signs)
+                                       : result;
                         });
 }
 

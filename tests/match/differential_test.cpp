@@ -305,4 +305,28 @@ TEST(AgainstTwins, LikeInLongTexts) {
     });
 }
 
+// Texts that go on behind a block, by patterns of several pieces with and without a last one.
+TEST(AgainstTwins, LikeByPiecesInLinesOfText) {
+    const model::Signs signs{'!', '_', '%'};
+    int matches = 0;
+    onEveryPage(4000, [&](const MatchPage &page, Maker &maker, std::uint16_t mode) {
+        std::string text;
+        const unsigned length = 50 + maker.below(160);
+        while (text.size() < length)
+            text += maker.text(12);
+        std::string pattern;
+        for (unsigned pieces = 1 + maker.below(3); pieces > 0; --pieces)
+            pattern += "%" + maker.pattern(text, 4);
+        if (maker.below(3) == 0) // how the text ends, which is mostly not what a piece is
+            pattern += "%" + text.substr(text.size() - maker.below(4));
+        else if (maker.below(2) == 0)
+            pattern += "%";
+        const nlsStatus expected = model::like(page.page, pattern, text, mode, signs);
+        ASSERT_EQ(fixture::like(page.page, pattern, text, mode, signs), expected)
+            << "pattern " << shown(pattern) << "text " << shown(text);
+        matches += expected == 1 ? 1 : 0;
+    });
+    EXPECT_GT(matches, 10000);
+}
+
 } // namespace

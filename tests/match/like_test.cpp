@@ -57,6 +57,36 @@ TEST(Like, TheAnyStringWildcardTakesNothingAndEverything) {
     }
 }
 
+TEST(Like, BytesInsideABrokenCharacterAreNoPlaceInLongTextsEither) {
+    for (const std::size_t before : {0U, 1U, 2U, 40U, 70U, 140U})
+        for (const std::size_t behind : {0U, 30U, 70U, 140U}) {
+            const auto with = [&](const std::string &middle) {
+                return std::string(before, 'x') + middle + std::string(behind, 'x');
+            };
+            for (const char *const swallowed : {"\xC3"
+                                                "c",
+                                                "\xE3"
+                                                "xc",
+                                                "\xF0"
+                                                "xxc"}) {
+                EXPECT_EQ(like("utf8 folded", "%c%", with(swallowed)), kNo) << before << ' ' << behind;
+                EXPECT_EQ(like("utf8 folded", "%c%", with(swallowed + std::string("c"))), kYes);
+            }
+            EXPECT_EQ(like("utf8 folded", "%c%", with("\xF0xxxc")), kYes) << "behind the broken character";
+        }
+}
+
+TEST(Like, CapitalIWithDotFoldsToIInLongTextsToo) {
+    for (const std::size_t before : {0U, 1U, 63U, 64U, 140U})
+        for (const std::size_t behind : {0U, 70U, 140U}) {
+            const std::string text = std::string(before, 'x') + "\xC4\xB0" + std::string(behind, 'x');
+            for (const char *const pattern : {"%i%", "%I%"}) {
+                EXPECT_EQ(like("utf8 folded", pattern, text, 0), kYes) << before << ' ' << behind;
+                EXPECT_EQ(like("utf8 folded", pattern, text, 1), kNo) << before << ' ' << behind;
+            }
+        }
+}
+
 TEST(Like, TheEmptyStringMatchesOnlyTheAnyStringWildcardAndTheEmptyPattern) {
     for (const char *page : kPages) {
         EXPECT_EQ(like(page, "", ""), kYes) << page;

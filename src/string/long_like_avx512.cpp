@@ -1,0 +1,116 @@
+// LIKE on texts that go on behind a block, for processors with AVX-512: the pieces of the pattern are looked
+// for one behind the other, by their first and last bytes in 64 places at once.
+#include "locale/masks_avx512.hpp"
+#include "string/short_match_fast.hpp"
+
+#include <cstring>
+
+#if defined(VELNLS_SHORT_TEXTS)
+
+namespace velnls::avx512 {
+
+namespace {
+
+// Whether no byte of UTF-8 before a place announces one that stands there: broken text can.
+bool beginsCharacter(const std::uint8_t *text, const std::uint8_t *place) {
+    const std::ptrdiff_t before = place - text;
+    return (before < 1 || place[-1] < 0xC0) && (before < 2 || place[-2] < 0xE0) &&
+           (before < 3 || place[-3] < 0xF0);
+}
+
+// Text and pattern as their order makes them.
+class LongSought {
+public:
+    LongSought(ShortOrder order, const std::uint8_t *weights, const std::uint8_t *pattern)
+        : order_(order), weights_(weights) {
+        _mm512_storeu_si512(pattern_, ordered(_mm512_loadu_si512(pattern)));
+        _mm512_storeu_si512(pattern_ + kShortBlock, _mm512_setzero_si512());
+    }
+
+    // The first place from `at` on where the pattern's `length` bytes from `from` on stand, before `limit`;
+    // null: there is none.
+    const std::uint8_t *find(unsigned from, unsigned length, const std::uint8_t *at,
+                             const std::uint8_t *limit) const {
+        const Vector first = _mm512_set1_epi8(static_cast<char>(pattern_[from]));
+        const Vector last = _mm512_set1_epi8(static_cast<char>(pattern_[from + length - 1]));
+        for (; limit - at >= static_cast<std::ptrdiff_t>(length); at += kShortBlock) {
+            const std::uint64_t inside = lowBits(static_cast<std::size_t>(limit - at) - length + 1);
+            std::uint64_t places = equal(inside, at, first) & equal(inside, at + length - 1, last);
+            for (; places != 0; places &= places - 1)
+                if (const std::uint8_t *const place = at + placeOf(places);
+                    standing(from, length, place) == lowBits(length))
+                    return place;
+        }
+        return nullptr;
+    }
+    // Which of those bytes stand at a place.
+    [[nodiscard]] [[gnu::noinline]] std::uint64_t standing(unsigned from, unsigned length,
+                                                           const std::uint8_t *place) const {
+        return equal(lowBits(length), place, _mm512_loadu_si512(pattern_ + from));
+    }
+
+private:
+    [[nodiscard]] Vector ordered(Vector bytes) const {
+        if (order_ == ShortOrder::Weights)
+            return WideMasks(bytes).mapped(weights_, weights_[unsigned{'s'}]).bytes();
+        return order_ == ShortOrder::Ascii ? WideMasks(bytes).lowered().bytes() : bytes;
+    }
+    [[nodiscard]] std::uint64_t equal(std::uint64_t inside, const std::uint8_t *text, Vector wanted) const {
+        return _mm512_mask_cmpeq_epi8_mask(inside, ordered(_mm512_maskz_loadu_epi8(inside, text)), wanted);
+    }
+
+    alignas(kShortBlock) std::uint8_t pattern_[2 * kShortBlock];
+    ShortOrder order_;
+    const std::uint8_t *weights_;
+};
+
+} // namespace
+
+ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
+                   const ShortSigns &signs) {
+    const bool isUtf8 = matching.page == ShortPage::Utf8;
+    // Where a pair begins is known by all that stands before.
+    if (!isUtf8 && matching.page != ShortPage::Bytes)
+        return ShortLike::Unsettled;
+    ShortPattern<WideMasks> wanted(pattern);
+    if (!wanted.divide(matching))
+        return ShortLike::Unsettled;
+    const std::uint8_t *end = text + std::strlen(reinterpret_cast<const char *>(text));
+    if (matching.order == ShortOrder::Ascii &&
+        (!wanted.foldsAsAscii(matching.page, matching.order) ||
+         (wanted.mayMeetDottedI(matching.page) &&
+          std::memchr(text, kDottedILead, static_cast<std::size_t>(end - text)) != nullptr)))
+        return ShortLike::Unsettled;
+    // The signs are ASCII, which no byte of a longer character is.
+    const std::uint64_t any = wanted.masks.equal(signs.anyString) & (wanted.end - 1);
+    const LongSought sought(matching.order, matching.weights, pattern);
+    const auto isBoundary = [isUtf8, text](const std::uint8_t *place) {
+        return !isUtf8 || beginsCharacter(text, place);
+    };
+    const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
+    if (const unsigned length = placeOf(wanted.end) - tail; length != 0) {
+        end -= length;
+        const std::uint64_t standing = sought.standing(tail, length, end);
+        if ((standing >> (length - 1)) == 0)
+            return ShortLike::No;
+        // The last literal takes repeats of itself, which may be how the text ends.
+        if (standing != lowBits(length) || !isBoundary(end))
+            return ShortLike::Unsettled;
+    }
+    unsigned from = 1;
+    for (std::uint64_t left = any & (any - 1); left != 0; left &= left - 1) {
+        const unsigned stop = placeOf(left);
+        const std::uint8_t *const place = sought.find(from, stop - from, text, end);
+        if (place == nullptr)
+            return ShortLike::No;
+        if (!isBoundary(place))
+            return ShortLike::Unsettled;
+        text = place + (stop - from);
+        from = stop + 1;
+    }
+    return ShortLike::Yes;
+}
+
+} // namespace velnls::avx512
+
+#endif
