@@ -61,7 +61,8 @@ CharacterTable longCharacters() {
     return table;
 }
 
-UnicodeCase unicodeCase() {
+// Where capital I with dot is no counterpart of "i", ASCII letters pair up among themselves.
+UnicodeCase unicodeCase(bool asciiPairs) {
     UnicodeCase table;
     for (std::uint16_t i = 0; i < 26; ++i)
         table.lower.emplace_back(halfOf('A' + i), halfOf('a' + i));
@@ -73,15 +74,16 @@ UnicodeCase unicodeCase() {
     table.lower.emplace_back(0xC5, 0xE5);
     table.lower.emplace_back(0x1F08, 0x1F00); // three bytes, E1
     table.lower.emplace_back(0xFF21, 0xFF41); // EF
-    for (const auto &[lower, upper] : table.lower)
-        table.upper.emplace_back(upper, lower);
+    for (const auto &[upper, lower] : table.lower)
+        if (upper != 0x130 || !asciiPairs)
+            table.upper.emplace_back(lower, upper);
     return table;
 }
 
 } // namespace
 
 DataFile matchFile() {
-    DataFile file(48);
+    DataFile file(56);
     file.codePage("SINGLE", CharacterTable::singleByte());
     file.collation("SINGLE", "plain", plainWeights());
     file.collation("SINGLE", "merged", mergedWeights());
@@ -96,7 +98,8 @@ DataFile matchFile() {
     file.codePage("UTF-8", CharacterTable::utf8());
     file.collation("UTF-8", "basic", CollationTable::basic());
     file.collation("UTF-8", "weights", plainWeights());
-    file.caseTable("UTF-8", "some", unicodeCase());
+    file.caseTable("UTF-8", "some", unicodeCase(false));
+    file.caseTable("UTF-8", "pairs", unicodeCase(true));
     file.codePage("LONG", longCharacters());
     file.collation("LONG", "basic", CollationTable::basic());
     return file;
@@ -142,6 +145,7 @@ const std::vector<PageData> &matchPageData() {
         {"double basic", "DOUBLE", "basic", "ascii", pairs, doubles},
         {"double weights", "DOUBLE", "weights", nullptr, pairs, doubles},
         {"utf8 folded", "UTF-8", "basic", "some", utf8, unicode},
+        {"utf8 folded, ASCII in pairs", "UTF-8", "basic", "pairs", utf8, unicode},
         {"utf8 without case", "UTF-8", "basic", nullptr, utf8, unicode},
         {"utf8 weights", "UTF-8", "weights", nullptr, utf8, unicode},
         {"long", "LONG", "basic", nullptr, longCharacters(), longer},
