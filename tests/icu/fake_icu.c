@@ -6,6 +6,8 @@
 #define VERSIONED_(name, suffix) PASTE(name, suffix)
 #define VERSIONED(name) VERSIONED_(name, FAKE_SUFFIX)
 
+#include "fake_forward.h"
+
 #include <stdint.h>
 
 #if defined(FAKE_DATA)
@@ -13,18 +15,6 @@ const char icudt_fake[] = "data";
 #endif
 
 #if defined(FAKE_COMMON)
-#define FORWARD(result, name, parameters, arguments)                                                         \
-    result fake_##name parameters;                                                                           \
-    result VERSIONED(name) parameters;                                                                       \
-    result VERSIONED(name) parameters {                                                                      \
-        return fake_##name arguments;                                                                        \
-    }
-#define FORWARD_VOID(name, parameters, arguments)                                                            \
-    void fake_##name parameters;                                                                             \
-    void VERSIONED(name) parameters;                                                                         \
-    void VERSIONED(name) parameters {                                                                        \
-        fake_##name arguments;                                                                               \
-    }
 FORWARD(void *, ucnv_open, (const char *name, int32_t *error), (name, error))
 FORWARD_VOID(ucnv_close, (void *converter), (converter))
 FORWARD(int32_t, ucnv_fromUChars,
@@ -52,18 +42,6 @@ UNEXPECTED(ucnv_flushCache)
 #endif
 
 #if defined(FAKE_LANGUAGES)
-#define FORWARD(result, name, parameters, arguments)                                                         \
-    result fake_##name parameters;                                                                           \
-    result VERSIONED(name) parameters;                                                                       \
-    result VERSIONED(name) parameters {                                                                      \
-        return fake_##name arguments;                                                                        \
-    }
-#define FORWARD_VOID(name, parameters, arguments)                                                            \
-    void fake_##name parameters;                                                                             \
-    void VERSIONED(name) parameters;                                                                         \
-    void VERSIONED(name) parameters {                                                                        \
-        fake_##name arguments;                                                                               \
-    }
 FORWARD(void *, ucol_open, (const char *locale, int32_t *error), (locale, error))
 FORWARD_VOID(ucol_close, (void *collator), (collator))
 FORWARD_VOID(ucol_setStrength, (void *collator, int32_t strength), (collator, strength))

@@ -3,6 +3,8 @@
  * under the names and with the types of that ICU's headers. Every function hands over to the test program.
  * Compiled in three variants: FAKE_DATA, FAKE_COMMON, FAKE_LANGUAGES.
  */
+#include "fake_forward.h"
+
 #include <unicode/ucnv.h>
 #include <unicode/ucol.h>
 
@@ -11,16 +13,8 @@ extern const char U_ICUDATA_ENTRY_POINT[];
 const char U_ICUDATA_ENTRY_POINT[] = "data of today";
 #endif
 
-#define FORWARD(result, name, parameters, arguments)                                                         \
-    result fake_##name parameters;                                                                           \
-    result name parameters {                                                                                 \
-        return fake_##name arguments;                                                                        \
-    }
-#define FORWARD_VOID(name, parameters, arguments)                                                            \
-    void fake_##name parameters;                                                                             \
-    void name parameters {                                                                                   \
-        fake_##name arguments;                                                                               \
-    }
+#define VERSIONED(name) name /* which the headers rename */
+
 /* Forwarded too, and never called by velnls. */
 void fake_unexpected(const char *name);
 #define UNEXPECTED(result, name, parameters)                                                                 \
