@@ -144,5 +144,35 @@ TEST_F(InstalledIcu, EachOfThe55NamesSortsLinesAsIcuDoes) {
     EXPECT_GE(unlikeRoot, 45) << "the lines do not tell the collations apart";
 }
 
+// Where two long texts differ first.
+testing::AssertionResult same(const std::string &text, const std::string &expected) {
+    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(text.size(), expected.size()));
+    const auto at = std::mismatch(text.begin(), end, expected.begin()).first;
+    if (at == end && text.size() == expected.size()) {
+        return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure() << "different from byte " << at - text.begin() << ", " << text.size()
+                                       << " bytes and not " << expected.size();
+}
+
+TEST_F(InstalledIcu, EveryCodePointToGb18030AndBackIsAsItWasAndAsIcuHasIt) {
+    const std::u16string all = direct::codePoints(1, 0x110000);
+    ASSERT_EQ(all.size(), 0xFFFFu - 0x800 + 2 * 0x100000);
+    const std::string text = direct::utf8(all);
+    const std::string code = direct::gb18030(all);
+    for (const std::vector<std::string> &data : {std::vector<std::string>{}, {"--data", VELNLS_DATA}}) {
+        const auto converted = [&](const char *from, const char *to, const std::string &input) {
+            std::vector<std::string> arguments = {"convert", "-f", from, "-t", to};
+            arguments.insert(arguments.end(), data.begin(), data.end());
+            const Result result = runTool(arguments, input);
+            EXPECT_EQ(result.exitCode, 0) << result.err;
+            EXPECT_EQ(result.err, "");
+            return result.out;
+        };
+        EXPECT_TRUE(same(converted("UTF-8", "GB18030", text), code));
+        EXPECT_TRUE(same(converted("GB18030", "UTF-8", code), text));
+    }
+}
+
 } // namespace
 } // namespace velnls::tool
