@@ -1,11 +1,11 @@
 #include "collate/sort_exit.hpp"
 
 #include "core/arena.hpp"
-#include "platform/path_text.hpp"
+#include "platform/libraries.hpp"
+#include "platform/path_list.hpp"
 #include "platform/spin_scope.hpp"
 
 #include <cstring>
-#include <string_view>
 
 namespace velnls {
 
@@ -33,21 +33,18 @@ bool recordInUse(SortExit &exit) {
 // The first file of the name in the directories of PATH decides. An empty directory is none: elsewhere it
 // would stand for the current one.
 void *loadFromPath() {
-    const char *const list = platform::environmentValue("PATH");
-    std::string_view rest = list == nullptr ? "" : list;
+    platform::PathList directories(platform::environmentValue("PATH"));
     constexpr char kSeparator[] = {platform::kDirectorySeparator, '\0'};
-    while (!rest.empty()) {
-        const std::size_t end = rest.find(platform::kPathListSeparator);
-        const std::string_view directory(rest.data(), end == std::string_view::npos ? rest.size() : end);
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-        if (directory.empty())
-            continue;
+    while (true) {
         platform::PathText path;
-        path << directory << kSeparator << kLibraryName << platform::kLibraryEnding;
+        if (!directories.next(path))
+            return nullptr;
+        if (path.isEmpty())
+            continue;
+        path << kSeparator << kLibraryName << platform::kLibraryEnding;
         if (path.get() != nullptr && platform::isFile(path.get()))
             return platform::loadLibrary(path.get());
     }
-    return nullptr;
 }
 
 template <typename Entry>

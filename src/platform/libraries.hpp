@@ -7,10 +7,12 @@ namespace velnls::platform {
 #if defined(_WIN32)
 inline constexpr char kDirectorySeparator = '\\';
 inline constexpr char kPathListSeparator = ';';
+inline constexpr char kPathListQuote = '"';
 inline constexpr char kLibraryEnding[] = ".dll";
 #else
 inline constexpr char kDirectorySeparator = '/';
 inline constexpr char kPathListSeparator = ':';
+inline constexpr char kPathListQuote = '\0'; // none: NUL stands in no list
 #if defined(__APPLE__)
 inline constexpr char kLibraryEnding[] = ".dylib";
 #else

@@ -20,6 +20,9 @@ public:
         text_[length_] = '\0';
         return *this;
     }
+    [[nodiscard]] bool isEmpty() const {
+        return whole_ && length_ == 0;
+    }
     // Null when a part did not fit.
     [[nodiscard]] const char *get() const {
         return whole_ ? text_ : nullptr;

@@ -94,6 +94,58 @@ TEST(Exit, ADirectoryWithATooLongNameIsPassedOver) {
     });
 }
 
+#if defined(_WIN32)
+TEST(Exit, QuotesInPathAreDroppedAndASemicolonBetweenThemSeparatesNothing) {
+    withExit("exit", [](const Home &home) {
+        const std::string bin = home.path() + "\\b;i n";
+        std::filesystem::rename(home.bin(), bin);
+        const std::string library = bin + "\\usortwin.dll";
+        const std::string nowhere = process::kNoSuchFolder;
+        const std::string halfQuoted = home.path() + "\\\"b;i\" n";
+        const std::string whole = "\"" + bin + "\"";
+        for (const std::string &path :
+             {whole, process::pathOf({nowhere, whole, nowhere}), process::pathOf({"\"\"", whole}),
+              process::pathOf({halfQuoted, nowhere}), nowhere + ";\"" + bin}) {
+            process::forgetLoaderCalls();
+            process::setVariable("PATH", path);
+            world::Open open;
+            EXPECT_TRUE(seen("nlsCreateLocale", 0, open.tryLocale("P", "site"))) << path;
+            EXPECT_EQ(process::loaderCalls(), Calls{"load " + library} + kLookUps) << path;
+        }
+        process::forgetLoaderCalls();
+        for (const std::string &path : {bin, "\"" + nowhere + ";" + bin, "\"" + nowhere + ";" + whole}) {
+            process::setVariable("PATH", path);
+            world::Open open;
+            EXPECT_TRUE(seen("nlsCreateLocale", 25, open.tryLocale("P", "site"))) << path;
+        }
+        EXPECT_EQ(process::loaderCalls(), Calls{});
+    });
+}
+#else
+TEST(Exit, AQuoteInPathIsACharacterOfADirectorysName) {
+    withExit("exit", [](const Home &home) {
+        const std::string quoted = home.path() + "/\"bin\"";
+        process::setVariable("PATH", quoted);
+        {
+            world::Open open;
+            EXPECT_TRUE(seen("nlsCreateLocale", 25, open.tryLocale("P", "site"))) << "no such directory";
+        }
+        process::setVariable("PATH", "\"" + quoted + ":" + home.bin() + ":" + quoted + "\"");
+        {
+            world::Open open;
+            EXPECT_TRUE(seen("nlsCreateLocale", 0, open.tryLocale("P", "site"))) << "colons separate";
+            EXPECT_EQ(process::loaderCalls(), Calls{"load " + home.library("usortwin")} + kLookUps);
+        }
+        std::filesystem::rename(home.bin(), quoted);
+        process::forgetLoaderCalls();
+        process::setVariable("PATH", quoted);
+        world::Open open;
+        EXPECT_TRUE(seen("nlsCreateLocale", 0, open.tryLocale("P", "site")));
+        EXPECT_EQ(process::loaderCalls(), Calls{"load " + quoted + "/usortwin.so"} + kLookUps);
+    });
+}
+#endif
+
 TEST(Exit, WithoutInitAndTermItIsUsed) {
     withExit("exit_plain", [](const Home &) {
         world::Open open;

@@ -11,7 +11,8 @@ int main(int argc, char **argv) {
     if (VELNLS_SANITIZED && testing::GTEST_FLAG(filter) == "*")
         testing::GTEST_FLAG(filter) =
             "-Binding.*:Exit.ItIs*:Exit.TheFirst*:Exit.TheCurrent*:Exit.WithoutCompOrCopy*:Exit.AnInit*:"
-            "Exit.AHandle*:Exit.WithoutRoom*:Exit.NlsClose*:Exit.HandlesWith*:ForwardLoad.Velnls*";
+            "Exit.AHandle*:Exit.AQuote*:Exit.WithoutRoom*:Exit.NlsClose*:Exit.HandlesWith*:"
+            "ForwardLoad.Velnls*";
     if (process::isChild())
         return RUN_ALL_TESTS();
     fixture::watchStatusRows({
