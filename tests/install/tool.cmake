@@ -15,8 +15,8 @@ foreach(text "openings sjis SHIFT-JIS" "moment koi8r KOI8-R" "erlkoenig 1252 125
   run(${CMAKE_COMMAND} -E compare_files ${result} ${texts}/${name}.${ending}.txt)
 endforeach()
 
-# Where the way to ICU was installed, the command finds it beside itself.
-if(EXISTS ${PREFIX}/bin/icuuc-qmx.so)
+# Where the build found ICU, the way to it was installed, and the command finds it beside itself.
+if(ICU)
   set(velnls ${CMAKE_COMMAND} -E env --unset=BINPATHX ${PREFIX}/bin/velnls)
   run(${velnls} convert -f UTF-8 -t GB18030 -o ${WORK}/gb.txt ${texts}/openings.utf8.txt)
   run(${velnls} convert -f GB18030 -t UTF-8 -o ${WORK}/back.txt ${WORK}/gb.txt)

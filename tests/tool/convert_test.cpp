@@ -87,10 +87,11 @@ TEST(Convert, TheJapanesePagesTurnIntoEachOther) {
     EXPECT_EQ(converted({"-f", "EUCJIS", "-t", "SHIFT-JIS"}, "\xB0\xA1\x8E\xB1"), "\x88\x9F\xB1");
 }
 
-// ICU is bound at run time; where it is not there, the message says what is missing.
-TEST(Convert, APageOfIcuWorksOrNamesIcu) {
+// ICU is bound at run time. A build that found it must reach it, unless the program is of another build.
+TEST(Convert, APageOfIcuWorksWhereTheBuildFoundIcuAndElseNamesIcu) {
     const Result result = runTool({"convert", "-f", "GB18030"}, "a\xC8\xD5\x81\x30\x81\x30");
-    if (result.exitCode == 0) {
+    if (result.exitCode == 0 || (VELNLS_ICU_EXPECTED && !toolIsForWindows())) {
+        EXPECT_EQ(result.exitCode, 0) << result.err;
         EXPECT_EQ(result.out, "a\xE6\x97\xA5\xC2\x80");
         return;
     }
