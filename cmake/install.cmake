@@ -13,6 +13,12 @@ if(VELNLS_INSTALL)
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES ${PROJECT_SOURCE_DIR}/include/velnls.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+  # The sources of the examples alone: what someone built among them is not installed.
+  set(velnls_examples_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/velnls/examples)
+  install(FILES ${PROJECT_SOURCE_DIR}/examples/convert.c DESTINATION ${velnls_examples_dir})
+  install(FILES ${PROJECT_SOURCE_DIR}/examples/sort-exit/README.md
+    ${PROJECT_SOURCE_DIR}/examples/sort-exit/usortwin.c DESTINATION ${velnls_examples_dir}/sort-exit)
+
   # find_package(velnls) gives velnls::velnls and velnls::velnls_static.
   set(velnls_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/velnls)
   set(velnls_data_file ${CMAKE_INSTALL_DATADIR}/velnls/velnls.dat)

@@ -9,7 +9,9 @@ foreach(path
     include/velnls.h
     ${LIBDIR}/libvelnls.so ${LIBDIR}/libvelnls.so.1 ${LIBDIR}/libvelnls.so.1.0.0 ${LIBDIR}/libvelnls.a
     ${LIBDIR}/cmake/velnls/velnls-config.cmake ${LIBDIR}/pkgconfig/velnls.pc
-    bin/velnls bin/nlsgen share/velnls/velnls.dat)
+    bin/velnls bin/nlsgen share/velnls/velnls.dat
+    share/doc/velnls/examples/convert.c
+    share/doc/velnls/examples/sort-exit/README.md share/doc/velnls/examples/sort-exit/usortwin.c)
   if(NOT EXISTS ${PREFIX}/${path})
     message(SEND_ERROR "not installed: ${path}")
   endif()
