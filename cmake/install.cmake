@@ -3,9 +3,6 @@
 # are installed where they are built.
 include(CMakePackageConfigHelpers)
 
-# A project that takes velnls in with add_subdirectory does not want it in its own installation.
-option(VELNLS_INSTALL "Make rules that install the library" ${PROJECT_IS_TOP_LEVEL})
-
 if(VELNLS_INSTALL)
   install(TARGETS velnls velnls_static EXPORT velnls-targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
