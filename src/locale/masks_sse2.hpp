@@ -39,6 +39,7 @@ class Sse2Masks {
 public:
     // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): a constant expression, in a template
     static constexpr unsigned kBytes = 16 * kPieces;
+    // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): the same
     static constexpr bool kMaps = false; // there is no mapped()
 
     [[gnu::always_inline]] explicit Sse2Masks(const std::uint8_t *at) {

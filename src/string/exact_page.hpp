@@ -10,16 +10,18 @@
 
 namespace velnls {
 
-// BASIC by bytes: characters are equal when their bytes are. Only one that the string's end cuts may differ
-// from another in blanks.
-template <typename Characters>
-class ExactPage {
-public:
+struct ExactPageTraits {
     static constexpr bool kQuick = true;
     static constexpr bool kFirstByteDecides = true;   // equal characters begin alike
     static constexpr std::ptrdiff_t kFilterWorth = 8; // bytes of text that repay the making of a filter
     static constexpr std::ptrdiff_t kUnfiltered = 0;
+};
 
+// BASIC by bytes: characters are equal when their bytes are. Only one that the string's end cuts may differ
+// from another in blanks.
+template <typename Characters>
+class ExactPage : public ExactPageTraits {
+public:
     explicit ExactPage(const nlsLocale &locale) : characters_(locale) {}
     [[nodiscard]] const Characters &characters() const {
         return characters_;
