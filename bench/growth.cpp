@@ -145,20 +145,23 @@ double processorSeconds() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-// The best of some passes, each long enough for the clock.
+// The best of some passes, each of as many calls as it takes: reading the clock costs as much as some of
+// them.
 double secondsOf(const Call &call) {
     call();
     double best = 1e9;
-    for (int pass = 0; pass < kPasses; ++pass) {
+    int calls = 1;
+    for (int pass = 0; pass < kPasses;) {
         const double start = processorSeconds();
-        double now = start;
-        int calls = 0;
-        do {
+        for (int i = 0; i < calls; ++i)
             call();
-            ++calls;
-            now = processorSeconds();
-        } while (now - start < kShortestPass);
-        best = std::min(best, (now - start) / calls);
+        const double taken = processorSeconds() - start;
+        if (taken < kShortestPass) {
+            calls *= 2;
+            continue;
+        }
+        best = std::min(best, taken / calls);
+        ++pass;
     }
     return best;
 }
