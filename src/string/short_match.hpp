@@ -58,6 +58,14 @@ struct ShortMatching {
 
 namespace {
 
+template <typename Masks>
+[[gnu::always_inline]] inline ShortStructure structureOf(ShortMatching matching, const Masks &masks,
+                                                         std::uint64_t stop) {
+    // Single bytes have no facts.
+    return matching.page == ShortPage::Bytes ? ShortStructure{0, 0}
+                                             : structureOf(matching.page, *matching.facts, masks, stop);
+}
+
 // A pattern, up to its NUL at `end`, a bit.
 template <typename Masks>
 struct ShortPattern {
@@ -76,7 +84,7 @@ struct ShortPattern {
     [[gnu::always_inline]] bool divide(ShortMatching matching) {
         if (high() == 0)
             return true;
-        const ShortStructure structure = structureOf(matching.page, *matching.facts, masks, end);
+        const ShortStructure structure = structureOf(matching, masks, end);
         trails = structure.trails;
         return (structure.wrong | (trails & end)) == 0;
     }
@@ -168,7 +176,7 @@ template <typename Masks>
     ShortPattern<Masks> wanted(pattern);
     const Masks masks(text);
     const std::uint64_t end = lowestOf(masks.equal(0));
-    const ShortStructure structure = structureOf(matching.page, *matching.facts, masks, end);
+    const ShortStructure structure = structureOf(matching, masks, end);
     if (wanted.end <= 1 || end == 0 || (structure.wrong | (structure.trails & end)) != 0 ||
         !wanted.divide(matching))
         return kUnsettledPlaces;
@@ -226,7 +234,7 @@ template <typename Masks>
     const std::uint64_t end = lowestOf(masks.equal(0));
     if (end == 0)
         return ShortLike::TextGoesOn;
-    const ShortStructure structure = structureOf(matching.page, *matching.facts, masks, end);
+    const ShortStructure structure = structureOf(matching, masks, end);
     if (end == 1 || (structure.wrong | (structure.trails & end)) != 0)
         return ShortLike::Unsettled;
     const ShortOrder order = wanted.orderIn(matching, masks, end);
