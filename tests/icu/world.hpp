@@ -8,8 +8,8 @@ namespace world {
 
 using fixture::Bytes;
 
-// Pages: UTF-8, UTF-16, UTF-16BE, and by ICU X, WIDE, BROAD, MISSING; P has weights, exits ("site", "other") and
-// BASIC; LENDER lends the exit "lent" to BORROWER by a byte table.
+// Pages: UTF-8, UTF-16, UTF-16BE, and by ICU X, WIDE, BROAD, MISSING; P has weights, exits ("site", "other")
+// and BASIC; LENDER lends the exit "lent" to BORROWER by a byte table.
 fixture::DataFile file();
 
 // A handle over it.
