@@ -51,9 +51,10 @@ class TableCharacters {
 public:
     explicit TableCharacters(const nlsLocale &locale)
         : table_(*locale.charTable), isUtf8_((locale.header.proofs & kUtf8Page) != 0),
-          reach_(isUtf8_                                   ? 3
-                 : (locale.header.proofs & kPairPage) != 0 ? 1
-                                                           : 7) {}
+          reach_(isUtf8_ ? 3 : kMostTrails) {
+        if ((locale.header.proofs & kPairPage) != 0)
+            reach_ = 1;
+    }
 
     [[nodiscard]] unsigned announced(std::uint8_t first) const {
         return table_.trailCount(first) + 1;
@@ -74,6 +75,8 @@ public:
     }
 
 private:
+    static constexpr unsigned kMostTrails = 7;
+
     const CharTable &table_;
     bool isUtf8_;
     unsigned reach_;

@@ -29,11 +29,9 @@ bool beginsOtherwise(const nlsLocale &locale, const std::uint8_t *pattern, const
     if (wanted == signs.escape || wanted == signs.oneCharacter)
         return false;
     if ((proofs & kMatchesWeights) != 0) {
-        const std::uint8_t *const weights = weightsOf(*locale.collation, mode);
-        const auto weightOf = [weights](std::uint32_t byte) {
-            return weights[byte] != 0 ? weights[byte] : weights[unsigned{'s'}];
-        };
-        return weightOf(wanted) != weightOf(found);
+        bool equal = false;
+        BytePage(weightsOf(*locale.collation, mode)).equal({pattern, 1}, {string, 1}, equal);
+        return !equal;
     }
     if ((wanted | found) >= kBehindAscii)
         return false;

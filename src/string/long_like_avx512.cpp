@@ -2,6 +2,7 @@
 // for one behind the other, by their first and last bytes in 64 places at once.
 #include "locale/masks_avx512.hpp"
 #include "string/short_match_fast.hpp"
+#include "string/utf8_boundary.hpp"
 
 #include <cstring>
 
@@ -10,13 +11,6 @@
 namespace velnls::avx512 {
 
 namespace {
-
-// Whether no byte of UTF-8 before a place announces one that stands there: broken text can.
-bool beginsCharacter(const std::uint8_t *text, const std::uint8_t *place) {
-    const std::ptrdiff_t before = place - text;
-    return (before < 1 || place[-1] < 0xC0) && (before < 2 || place[-2] < 0xE0) &&
-           (before < 3 || place[-3] < 0xF0);
-}
 
 // Text and pattern as their order makes them.
 class LongSought {
@@ -85,7 +79,7 @@ ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const st
     const std::uint64_t any = wanted.masks.equal(signs.anyString) & (wanted.end - 1);
     const LongSought sought(matching.order, matching.weights, pattern);
     const auto isBoundary = [isUtf8, text](const std::uint8_t *place) {
-        return !isUtf8 || beginsCharacter(text, place);
+        return !isUtf8 || nothingReachesAcross(text, place);
     };
     const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
     if (const unsigned length = placeOf(wanted.end) - tail; length != 0) {

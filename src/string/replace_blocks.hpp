@@ -27,7 +27,7 @@ struct ByteReplacement {
 // A text with what has become of it so far, in a buffer that has room for the longest it can become.
 struct ReplacedText {
     const std::uint8_t *begin; // of the whole text
-    const std::uint8_t *at;    // a character begins here
+    const std::uint8_t *at;    // what stands before is done; first, a character begins here
     const std::uint8_t *end;
     char *out; // no part of the text
     std::uint32_t count;

@@ -1,6 +1,7 @@
 #include "string/replace_blocks.hpp"
 
 #include "core/avx512.hpp"
+#include "string/utf8_boundary.hpp"
 
 namespace velnls::avx512 {
 
@@ -9,11 +10,6 @@ namespace velnls::avx512 {
 namespace {
 
 constexpr std::int64_t kBlock = sizeof(Vector);
-
-// Whether bytes before a place of UTF-8 announce none from there on.
-[[gnu::always_inline]] inline bool beginsCharacter(const std::uint8_t *begin, const std::uint8_t *place) {
-    return place - begin >= 3 && place[-1] < 0xC0 && place[-2] < 0xE0 && place[-3] < 0xF0;
-}
 
 } // namespace
 
@@ -47,7 +43,7 @@ void replaceBlocks(const ByteReplacement &replacement, ReplacedText &text) {
             *out++ = static_cast<char>(*at++);
             continue;
         }
-        if (replacement.isUtf8 && !beginsCharacter(text.begin, at))
+        if (replacement.isUtf8 && !nothingReachesAcross(text.begin, at))
             break;
         _mm512_mask_storeu_epi8(out, inInstead, instead);
         at += length;

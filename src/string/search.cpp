@@ -2,6 +2,7 @@
 
 #include "locale/page_facts.hpp"
 #include "string/count.hpp"
+#include "string/utf8_boundary.hpp"
 
 namespace velnls {
 
@@ -17,8 +18,7 @@ bool isCut(const nlsLocale &locale, const std::uint8_t *text, const std::uint8_t
     if (!table.has(file::kMultibyte))
         return false;
     // Mostly none of the last bytes of UTF-8 announces any behind the end.
-    if ((locale.header.proofs & kUtf8Page) != 0 && end - text >= 3 && end[-1] < 0xC0 && end[-2] < 0xE0 &&
-        end[-3] < 0xF0)
+    if ((locale.header.proofs & kUtf8Page) != 0 && nothingReachesAcross(text, end))
         return false;
     if ((locale.header.proofs & kPairPage) != 0)
         return !beginsCharacter(table, end, text);

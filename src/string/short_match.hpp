@@ -5,6 +5,7 @@
 // unsettled goes the general ways, such as a text or a pattern that is not what its page means.
 #pragma once
 
+#include "locale/case_fast.hpp"
 #include "string/short_text.hpp"
 
 namespace velnls {
@@ -35,7 +36,7 @@ enum class ShortLike {
 };
 
 // What capital I with dot begins with, in UTF-8.
-inline constexpr std::uint8_t kDottedILead = 0xC4;
+inline constexpr std::uint8_t kDottedILead = kDottedI >> 8;
 
 // How characters match: by their bytes, by those under the case of ASCII, or single bytes by their weights,
 // those without one by that of "s".

@@ -31,8 +31,8 @@ struct ShortStretch {
 };
 inline constexpr ShortStretch kUnsettledStretch{0, 0, 0, false};
 
-// What is proved of a page: UTF-8, or characters of one and two bytes, or of one. With ValidPairs trail bytes
-// have to be valid ones.
+// What is proved of a page: UTF-8, or characters of one and two bytes; with ValidPairs trail bytes have to be
+// valid ones. Bytes, of which each is a character, need no structure.
 enum class ShortPage : std::uint32_t {
     Utf8,
     Pairs,
@@ -69,8 +69,6 @@ struct ShortStructure {
 template <typename Masks>
 [[gnu::always_inline]] inline ShortStructure structureOf(ShortPage page, const PageFacts &facts,
                                                          const Masks &masks, std::uint64_t stop) {
-    if (page == ShortPage::Bytes)
-        return {0, 0};
     if (page == ShortPage::Utf8) {
         const Utf8Structure utf8(masks, 0);
         return {(utf8.trails & (stop - 1)) | (utf8.announced & stop), utf8.irregular & (stop - 1)};

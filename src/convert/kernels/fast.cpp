@@ -201,15 +201,21 @@ nlsStatus utf8IntoPage(const MappingBody &body, Sink sink, Source &source, Targe
     return alternate(source, target, 1, blocks, utf8Window, plain, endsUtf8);
 }
 
-// The wide kernels need none of the tables for long texts.
-nlsStatus utf8IntoPageWide(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
-    const auto plain = [&body](Source &piece, Target &out) { return velnls::utf8ToPage(body, piece, out); };
-    const bool isRow = (proofs & kByteRow) != 0;
-    const auto blocks = [&body, isRow](Source &text, Target &out) {
+[[gnu::always_inline]] inline auto wideUtf8ToPage(const MappingBody &body, bool isRow) {
+    return [&body, isRow](Source &text, Target &out) {
         if (isRow)
             avx512::utf8ToByteRow(body, text, out);
         else
             avx512::utf8ToPairs(body, text, out);
+    };
+}
+
+// The wide kernels need none of the tables for long texts.
+nlsStatus utf8IntoPageWide(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
+    const auto plain = [&body](Source &piece, Target &out) { return velnls::utf8ToPage(body, piece, out); };
+    const bool isRow = (proofs & kByteRow) != 0;
+    const auto blocks = [wide = wideUtf8ToPage(body, isRow), &body, isRow](Source &text, Target &out) {
+        wide(text, out);
         if (text.at == text.end)
             return;
         if (isRow)
@@ -243,14 +249,7 @@ nlsStatus utf8IntoPageWide(const MappingBody &body, std::uint32_t proofs, Source
 } // namespace
 
 nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
-    const bool isRow = (proofs & kByteRow) != 0;
-    const auto wide = [&body, isRow](Source &text, Target &out) {
-        if (isRow)
-            avx512::utf8ToByteRow(body, text, out);
-        else
-            avx512::utf8ToPairs(body, text, out);
-    };
-    if (finishes(proofs, wide, source, target))
+    if (finishes(proofs, wideUtf8ToPage(body, (proofs & kByteRow) != 0), source, target))
         return NLS_OK;
     return utf8ToPageRest(body, proofs, source, target);
 }
