@@ -3,9 +3,9 @@
 #include "collate/byte_key.hpp"
 #include "collate/checks.hpp"
 #include "collate/compare.hpp"
+#include "collate/first_block.hpp"
 #include "collate/first_characters.hpp"
 #include "collate/key.hpp"
-#include "collate/quick.hpp"
 #include "collate/weights.hpp"
 #include "icu/collate.hpp"
 #include "locale/case_text.hpp"
@@ -13,6 +13,20 @@
 #include <cstring>
 
 using namespace velnls;
+
+namespace velnls {
+
+nlsStatus compareOnByBytes(const char *a, const char *b, std::int16_t *out) {
+    return give(compareBytes(boundedText(a, -1), boundedText(b, -1)), out);
+}
+
+nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char *b,
+                             const std::uint8_t *weights, std::int16_t *out) {
+    const WeightOrder order{weights, locale->charTable};
+    return give(compareByByteWeightsOn(order, boundedText(a, -1), boundedText(b, -1)), out);
+}
+
+} // namespace velnls
 
 namespace {
 
@@ -31,75 +45,50 @@ namespace {
     return status;
 }
 
-const std::uint8_t *bytesOf(const char *text) {
-    return reinterpret_cast<const std::uint8_t *>(text);
-}
-
-nlsStatus give(int order, std::int16_t *out) {
-    *out = static_cast<std::int16_t>(order);
-    return NLS_OK;
-}
-
-// ---- The ways of nlsCompare. Each has five arguments like the call itself, so that it can jump there.
+// ---- The ways of nlsCompare. Each has five arguments at most, like the call itself, so that it can jump
+// there.
 
 [[gnu::noinline]] nlsStatus compareWhole(const nlsLocale *locale, const char *a, const char *b,
                                          std::int16_t mode, std::int16_t *out) {
     return compareAny(locale, a, b, mode, out, -1, -1);
 }
 
-[[gnu::noinline]] nlsStatus compareAllBytes(const char *a, const char *b, std::int16_t *out) {
-    return give(compareBytes(boundedText(a, -1), boundedText(b, -1)), out);
-}
+struct Differences {
+#if defined(VELNLS_READS_AHEAD)
+    [[gnu::always_inline]] std::uint32_t operator()(const std::uint8_t *a, const std::uint8_t *b) const {
+        return differencesAhead(a, b);
+    }
+#endif
+};
 
-nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out) {
-    const int order = orderOfFirstBytes(bytesOf(a), bytesOf(b));
-    if (order == kUnsettled) [[unlikely]]
-        return compareAllBytes(a, b, out);
-    return give(order, out);
-}
-
-// From where both strings are at a character of their own.
-[[gnu::noinline]] nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char *b,
-                                               const std::uint8_t *weights, std::int16_t *out) {
-    const WeightOrder order{weights, locale->charTable};
-    return give(compareByByteWeightsOn(order, boundedText(a, -1), boundedText(b, -1)), out);
+[[gnu::noinline]] nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out) {
+    return compareFirstBytesBy(Differences(), a, b, out);
 }
 
 [[gnu::noinline]] nlsStatus compareFirstWeights(const nlsLocale *locale, const char *a, const char *b,
                                                 const std::uint8_t *weights, std::int16_t *out) {
-    unsigned alike = 0;
-    const int order = orderOfFirstWeights(weights, bytesOf(a), bytesOf(b), alike);
-    if (order == kUnsettled) [[unlikely]]
-        return compareOnByWeights(locale, a + alike, b + alike, weights, out);
-    return give(order, out);
+    return compareFirstWeightsBy(Differences(), locale, a, b, weights, out);
+}
+
+[[gnu::always_inline]] inline nlsStatus compareByBytes(std::uint32_t proofs, const char *a, const char *b,
+                                                       std::int16_t *out) {
+    return (proofs & kWideVectors) != 0 ? avx512::compareFirstBytes(a, b, out) : compareFirstBytes(a, b, out);
 }
 
 // Many strings differ in their first bytes already.
-[[gnu::always_inline]] inline nlsStatus compareByBytes(const nlsLocale *locale, const char *a, const char *b,
-                                                       const std::uint8_t *weights, std::int16_t *out) {
+[[gnu::always_inline]] inline nlsStatus compareByWeights(const nlsLocale *locale, std::uint32_t proofs,
+                                                         const char *a, const char *b,
+                                                         const std::uint8_t *weights, std::int16_t *out) {
     const int order = orderOfWeights(weights[*bytesOf(a)], weights[*bytesOf(b)]);
-    return order != kUnsettled ? give(order, out) : compareFirstWeights(locale, a, b, weights, out);
+    if (order != kUnsettled)
+        return give(order, out);
+    return (proofs & kWideVectors) != 0 ? avx512::compareFirstWeights(locale, a, b, weights, out)
+                                        : compareFirstWeights(locale, a, b, weights, out);
 }
 
-[[gnu::noinline]] nlsStatus compareAllFolded(const nlsLocale *locale, const char *a, const char *b,
-                                             std::int16_t *out) {
+[[gnu::noinline]] nlsStatus compareOnFolded(const nlsLocale *locale, const char *a, const char *b,
+                                            std::int16_t *out) {
     return give(compareFolded(*locale, boundedText(a, -1), boundedText(b, -1)), out);
-}
-
-[[gnu::noinline]] nlsStatus compareFirstFoldedBytes(const nlsLocale *locale, const char *a, const char *b,
-                                                    const std::uint8_t *lower, std::int16_t *out) {
-    unsigned alike = 0;
-    const int order = orderOfFirstWeights(lower, bytesOf(a), bytesOf(b), alike);
-    if (order == kUnsettled) [[unlikely]]
-        return compareAllFolded(locale, a + alike, b + alike, out);
-    return give(order, out);
-}
-
-[[gnu::always_inline]] inline nlsStatus compareByFoldedBytes(const nlsLocale *locale, const char *a,
-                                                             const char *b, std::int16_t *out) {
-    const std::uint8_t *const lower = static_cast<const ByteCaseTable *>(locale->caseTable)->lower;
-    const int order = orderOfWeights(lower[*bytesOf(a)], lower[*bytesOf(b)]);
-    return order != kUnsettled ? give(order, out) : compareFirstFoldedBytes(locale, a, b, lower, out);
 }
 
 template <typename Page>
@@ -107,7 +96,7 @@ template <typename Page>
                                                    std::int16_t *out) {
     const int order = orderOfFirstCharacters(Page(*locale), bytesOf(a), bytesOf(b));
     if (order == kUnsettled) [[unlikely]]
-        return compareAllFolded(locale, a, b, out);
+        return compareOnFolded(locale, a, b, out);
     return give(order, out);
 }
 
@@ -115,9 +104,10 @@ template <typename Page>
 [[gnu::always_inline]] inline nlsStatus compareFolding(const nlsLocale *locale, std::uint32_t proofs,
                                                        const char *a, const char *b, std::int16_t *out) {
     if ((proofs & kByteOrder) != 0)
-        return compareByFoldedBytes(locale, a, b, out);
+        return compareByWeights(locale, proofs, a, b,
+                                static_cast<const ByteCaseTable *>(locale->caseTable)->lower, out);
     if ((proofs & kAsciiOrder) == 0)
-        return compareAllFolded(locale, a, b, out);
+        return compareOnFolded(locale, a, b, out);
     if ((proofs & kUtf8Page) != 0)
         return compareFirstCharacters<FirstUtf8>(locale, a, b, out);
     if ((proofs & kPairPage) != 0)
@@ -129,11 +119,13 @@ template <typename Page>
 
 nlsStatus nlsCompare(nlsLocale *locale, const char *a, const char *b, int16_t mode, int16_t *result) {
     const std::uint32_t proofs = provedOrder(locale);
-    if (a != nullptr && b != nullptr && result != nullptr) [[likely]] {
+    if (proofs != 0 && a != nullptr && b != nullptr && result != nullptr) [[likely]] {
         if ((proofs & kByteWeights) != 0 && (mode & ~1) == 0)
-            return compareByBytes(locale, a, b, provedWeights(*locale, static_cast<unsigned>(mode)), result);
+            return compareByWeights(locale, proofs, a, b, provedWeights(*locale, static_cast<unsigned>(mode)),
+                                    result);
         if ((proofs & kBasicOrder) != 0)
-            return mode != 0 ? compareFirstBytes(a, b, result) : compareFolding(locale, proofs, a, b, result);
+            return mode != 0 ? compareByBytes(proofs, a, b, result)
+                             : compareFolding(locale, proofs, a, b, result);
     }
     return compareWhole(locale, a, b, mode, result);
 }

@@ -4,6 +4,8 @@
 #include "convert/kernels/instruction_sets.hpp"
 #include "core/file_layout.hpp"
 
+#include <cstring>
+
 namespace velnls {
 
 namespace {
@@ -22,9 +24,11 @@ bool asciiFolds(const nlsLocale &locale) {
 }
 
 bool bytesFold(const nlsLocale &locale) {
-    return (locale.header.proofs & kSingleBytePage) != 0 && locale.caseTable != nullptr &&
-           !locale.charTable->has(file::kUtf8) &&
-           static_cast<const ByteCaseTable *>(locale.caseTable)->lower[0] == 0;
+    if ((locale.header.proofs & kSingleBytePage) == 0 || locale.caseTable == nullptr ||
+        locale.charTable->has(file::kUtf8))
+        return false;
+    const std::uint8_t *const lower = static_cast<const ByteCaseTable *>(locale.caseTable)->lower;
+    return lower[0] == 0 && std::memchr(lower + 1, 0, 0xFF) == nullptr;
 }
 
 } // namespace

@@ -14,7 +14,8 @@ inline constexpr std::uint32_t kBasicKeys = 0x0800;
 // With kBasicOrder: no character is longer than four bytes, ASCII bytes are characters of their own, and
 // their lower case by the locale's case table is that of ASCII.
 inline constexpr std::uint32_t kAsciiOrder = 0x0400;
-// With kBasicOrder: single bytes, and lower case by the locale's table is NUL for NUL: an order by weights.
+// With kBasicOrder: single bytes, and lower case by the locale's table is NUL for NUL alone: an order by
+// weights.
 inline constexpr std::uint32_t kByteOrder = 0x1000;
 
 // Bits for a locale's proofs, whose other fields are complete.

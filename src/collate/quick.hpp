@@ -42,9 +42,7 @@ inline int signOf(int difference) {
 
 // Of two weights that are not alike, and where none is 0.
 [[gnu::always_inline]] inline int orderOfWeights(unsigned weightA, unsigned weightB) {
-    constexpr unsigned kMost = 0xFF;
-    return weightA != weightB && ((weightA - 1) | (weightB - 1)) <= kMost ? orderOf(weightA, weightB)
-                                                                          : kUnsettled;
+    return weightA != weightB && weightA * weightB != 0 ? orderOf(weightA, weightB) : kUnsettled;
 }
 
 #if defined(VELNLS_READS_AHEAD)
@@ -55,40 +53,6 @@ inline int signOf(int difference) {
 }
 
 inline constexpr unsigned kUnknownPlace = ~0U;
-
-// The first place where two strings differ or both end, as far as the first block goes; kUnknownPlace behind
-// that. Most strings differ in the first half of it: the second one is looked at only where they do not.
-
-[[gnu::always_inline]] inline unsigned firstDifference(const std::uint8_t *a, const std::uint8_t *b) {
-    if (!canLookAhead(a, b)) [[unlikely]]
-        return kUnknownPlace;
-    if (const std::uint32_t places = differencesInHalf(a, b); places != 0) [[likely]]
-        return firstOf(places);
-    if (const std::uint32_t places = differencesInHalf(a + kHalfBytes, b + kHalfBytes); places != 0)
-        [[likely]]
-        return kHalfBytes + firstOf(places);
-    return kUnknownPlace;
-}
-
-// The order by the bytes themselves.
-[[gnu::always_inline]] inline int orderOfFirstBytes(const std::uint8_t *a, const std::uint8_t *b) {
-    const unsigned at = firstDifference(a, b);
-    return at == kUnknownPlace ? kUnsettled : byteOrder(a[at], b[at]);
-}
-
-// The order by weights, with 0 for that of NUL; unsettled where the first bytes that differ are of one
-// weight, or one of them is of the weight 0. `alike` becomes how many bytes both begin with, as far as known.
-[[gnu::always_inline]] inline int orderOfFirstWeights(const std::uint8_t *weights, const std::uint8_t *a,
-                                                      const std::uint8_t *b, unsigned &alike) {
-    alike = 0;
-    const unsigned at = firstDifference(a, b);
-    if (at == kUnknownPlace) [[unlikely]]
-        return kUnsettled;
-    alike = at;
-    if (const int order = orderOfWeights(weights[a[at]], weights[b[at]]); order != kUnsettled) [[likely]]
-        return order;
-    return (a[at] | b[at]) == 0 ? 0 : kUnsettled;
-}
 
 // The order by characters folded to lower case, where bytes of ASCII are characters of their own.
 // `page.orderOfFirst(a, b)`: the order of texts whose first characters settle it already.
@@ -131,14 +95,6 @@ template <typename Page>
 
 #else
 
-inline int orderOfFirstBytes(const std::uint8_t *, const std::uint8_t *) {
-    return kUnsettled;
-}
-inline int orderOfFirstWeights(const std::uint8_t *, const std::uint8_t *, const std::uint8_t *,
-                               unsigned &alike) {
-    alike = 0;
-    return kUnsettled;
-}
 template <typename Page>
 int orderOfFirstCharacters(const Page &, const std::uint8_t *, const std::uint8_t *) {
     return kUnsettled;

@@ -1,0 +1,101 @@
+// The ways of nlsCompare through the first blocks of strings that their first bytes do not settle.
+#pragma once
+
+#include "collate/quick.hpp"
+#include "locale/locale.hpp"
+#include "velnls.h"
+
+namespace velnls {
+
+inline const std::uint8_t *bytesOf(const char *text) {
+    return reinterpret_cast<const std::uint8_t *>(text);
+}
+
+inline nlsStatus give(int order, std::int16_t *out) {
+    *out = static_cast<std::int16_t>(order);
+    return NLS_OK;
+}
+
+// To the ends of two strings, from places where both are at a step of their own. The ways below jump here
+// with what they do not settle, so that they have nothing to keep.
+nlsStatus compareOnByBytes(const char *a, const char *b, std::int16_t *out);
+nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char *b,
+                             const std::uint8_t *weights, std::int16_t *out);
+
+#if defined(VELNLS_READS_AHEAD)
+
+// `places(a, b)`: where the first blocks differ or both have a NUL, as differencesAhead() has it. Which place
+// that is nobody could foresee: it is found without a jump.
+
+template <typename Places>
+[[gnu::always_inline]] inline nlsStatus compareFirstBytesBy(Places places, const char *a, const char *b,
+                                                            std::int16_t *out) {
+    if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
+        return compareOnByBytes(a, b, out);
+    const std::uint32_t differences = places(bytesOf(a), bytesOf(b));
+    if (differences == 0) [[unlikely]]
+        return compareOnByBytes(a + kAheadBytes, b + kAheadBytes, out);
+    a += firstOf(differences);
+    b += firstOf(differences);
+    const int order = byteOrder(*bytesOf(a), *bytesOf(b));
+    return order != kUnsettled ? give(order, out) : compareOnByBytes(a, b, out);
+}
+
+// Whether a string has ended that the other goes on behind, and not by a blank, which may be the first of
+// those at an end.
+[[gnu::always_inline]] inline bool endsBeforeMore(unsigned a, unsigned b) {
+    return (a == 0 || b == 0) && (a | b) != ' ';
+}
+
+// By weights, with 0 for that of NUL.
+template <typename Places>
+[[gnu::always_inline]] inline nlsStatus
+compareFirstWeightsBy(Places places, const nlsLocale *locale, const char *a, const char *b,
+                      const std::uint8_t *weights, std::int16_t *out) {
+    if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
+        return compareOnByWeights(locale, a, b, weights, out);
+    std::uint32_t left = places(bytesOf(a), bytesOf(b));
+    if (left == 0) [[unlikely]]
+        return compareOnByWeights(locale, a + kAheadBytes, b + kAheadBytes, weights, out);
+    for (; left != 0; left >>= 1, ++a, ++b) {
+        const unsigned alike = firstOf(left);
+        left >>= alike;
+        a += alike;
+        b += alike;
+        const unsigned weightA = weights[*bytesOf(a)];
+        const unsigned weightB = weights[*bytesOf(b)];
+        if (weightA != weightB) {
+            if ((weightA != 0 && weightB != 0) || endsBeforeMore(*bytesOf(a), *bytesOf(b)))
+                return give(orderOf(weightA, weightB), out);
+            return compareOnByWeights(locale, a, b, weights, out);
+        }
+        if (weightA == 0)
+            return (*a | *b) == 0 ? give(0, out) : compareOnByWeights(locale, a, b, weights, out);
+    }
+    return compareOnByWeights(locale, a, b, weights, out);
+}
+
+#else
+
+template <typename Places>
+nlsStatus compareFirstBytesBy(Places, const char *a, const char *b, std::int16_t *out) {
+    return compareOnByBytes(a, b, out);
+}
+template <typename Places>
+nlsStatus compareFirstWeightsBy(Places, const nlsLocale *locale, const char *a, const char *b,
+                                const std::uint8_t *weights, std::int16_t *out) {
+    return compareOnByWeights(locale, a, b, weights, out);
+}
+
+#endif
+
+// For processors with AVX-512; call these only where kWideVectors is proved.
+namespace avx512 {
+
+nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out);
+nlsStatus compareFirstWeights(const nlsLocale *locale, const char *a, const char *b,
+                              const std::uint8_t *weights, std::int16_t *out);
+
+} // namespace avx512
+
+} // namespace velnls
