@@ -273,28 +273,21 @@ nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replace
 
 namespace {
 
-// Replaces by masks of one block what that settles: false where it settles nothing.
-[[gnu::always_inline]] inline bool replaceShortly(const nlsLocale &locale, const char *pattern,
-                                                  const char *text_, unsigned mode, Replacing &replacing,
-                                                  nlsStatus &status) {
-    const ShortPlaces brief = fast::findShortly(locale, mode, bytes(pattern), bytes(text_));
-    if (!brief.settled())
-        return false;
-    for (std::uint64_t left = brief.places; left != 0;) {
+// Replaces what was found in a text of one block.
+nlsStatus replaceAt(const ShortPlaces &found, const std::uint8_t *text_, Replacing &replacing) {
+    for (std::uint64_t left = found.places; left != 0;) {
         const unsigned place = static_cast<unsigned>(__builtin_ctzll(left));
-        const std::uint8_t *const at = bytes(text_) + place;
-        if (replacing.replace({at, at + brief.patternLength}) == nullptr)
+        const std::uint8_t *const at = text_ + place;
+        if (replacing.replace({at, at + found.patternLength}) == nullptr)
             break;
         // None of the matches overlap.
-        left &= ~std::uint64_t{0} << (place + brief.patternLength - 1) << 1;
+        left &= ~std::uint64_t{0} << (place + found.patternLength - 1) << 1;
     }
-    status = replacing.finish(bytes(text_) + brief.textLength);
-    return true;
+    return replacing.finish(text_ + found.textLength);
 }
 
-// A function of its own, so that a short text does not pay for what this keeps.
-[[gnu::noinline]] nlsStatus replaceByPage(const nlsLocale &locale, const char *pattern, const char *text_,
-                                          unsigned mode, Replacing &replacing) {
+nlsStatus replaceByPage(const nlsLocale &locale, const char *pattern, const char *text_, unsigned mode,
+                        Replacing &replacing) {
     const Whole sought(pattern);
     if (const nlsStatus status = checkNotCut(locale, sought); status != NLS_OK)
         return status;
@@ -314,6 +307,16 @@ namespace {
     });
 }
 
+// Where a short text has matches, or blocks of it settle nothing. A function of its own, so that a text
+// without any does not pay for what this keeps.
+[[gnu::noinline]] nlsStatus replaceAny(const nlsLocale &locale, const char *pattern, const char *replacement,
+                                       const char *text_, unsigned mode, const ShortPlaces &brief,
+                                       nlsStr &out, std::uint32_t &count) {
+    Replacing replacing(locale, bytes(text_), replacement, out, count);
+    return brief.settled() ? replaceAt(brief, bytes(text_), replacing)
+                           : replaceByPage(locale, pattern, text_, mode, replacing);
+}
+
 } // namespace
 
 nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *replacement, const char *text_,
@@ -326,8 +329,8 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
     *count = 0;
-    Replacing replacing(*locale, bytes(text_), replacement, *out, *count);
-    if (nlsStatus status = NLS_OK; replaceShortly(*locale, pattern, text_, caseFlag, replacing, status))
-        return status;
-    return replaceByPage(*locale, pattern, text_, caseFlag, replacing);
+    const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytes(pattern), bytes(text_));
+    if (brief.settled() && brief.places == 0)
+        return OutText(*out, locale->header.proofs).copy(bytes(text_), bytes(text_) + brief.textLength);
+    return replaceAny(*locale, pattern, replacement, text_, caseFlag, brief, *out, *count);
 }

@@ -26,31 +26,6 @@ ShortLike shortLike(ShortMatching matching, const std::uint8_t *pattern, const s
 
 #if defined(VELNLS_SHORT_TEXTS)
 
-// A pattern is used again and again: one that stands across two pages of memory is moved into a block of its
-// own, as far as that takes it.
-class ShortSource {
-public:
-    explicit ShortSource(const std::uint8_t *pattern) : at_(fitsBlock(pattern) ? pattern : move(pattern)) {}
-    ShortSource(const ShortSource &) = delete;
-    ShortSource &operator=(const ShortSource &) = delete;
-    [[nodiscard]] const std::uint8_t *at() const {
-        return at_;
-    }
-
-private:
-    [[gnu::noinline]] const std::uint8_t *move(const std::uint8_t *pattern) {
-        std::size_t length = 0;
-        for (; length < kShortBlock && pattern[length] != 0; ++length)
-            block_[length] = pattern[length];
-        if (length < kShortBlock)
-            block_[length] = 0; // behind it stands anything, as behind any string
-        return block_;
-    }
-
-    alignas(kShortBlock) std::uint8_t block_[kShortBlock];
-    const std::uint8_t *at_;
-};
-
 // What is proved of how characters match under a mode.
 [[gnu::always_inline]] inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     const std::uint32_t proofs = locale.header.proofs;
@@ -71,6 +46,20 @@ private:
     return matching;
 }
 
+// A pattern is used again and again: one that stands across two pages of memory is moved into a block of its
+// own, as far as that takes it. A function of its own, so that others do not keep the block.
+template <typename Match>
+[[gnu::noinline, gnu::cold]] auto matchMoved(ShortMatching matching, const std::uint8_t *pattern, bool wide,
+                                             Match match) {
+    alignas(kShortBlock) std::uint8_t block[kShortBlock];
+    std::size_t length = 0;
+    for (; length < kShortBlock && pattern[length] != 0; ++length)
+        block[length] = pattern[length];
+    if (length < kShortBlock)
+        block[length] = 0; // behind it stands anything, as behind any string
+    return match(matching, block, wide);
+}
+
 // Calls `match` with the pattern in a block, where text and locale are for the short ways.
 template <typename Result, typename Match>
 [[gnu::always_inline]] inline Result matchShortly(const nlsLocale &locale, unsigned mode,
@@ -81,8 +70,8 @@ template <typename Result, typename Match>
     const ShortMatching matching = matchingOf(locale, mode);
     if (matching.order == ShortOrder::Unknown)
         return unsettled;
-    const ShortSource source(pattern);
-    return match(matching, source.at(), (locale.header.proofs & kWideVectors) != 0);
+    const bool wide = (locale.header.proofs & kWideVectors) != 0;
+    return fitsBlock(pattern) ? match(matching, pattern, wide) : matchMoved(matching, pattern, wide, match);
 }
 
 [[gnu::always_inline]] inline ShortPlaces findShortly(const nlsLocale &locale, unsigned mode,
