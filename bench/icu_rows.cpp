@@ -1,6 +1,7 @@
 #include "icu_rows.hpp"
 
 #include "contest.hpp"
+#include "sorted.hpp"
 #include "string_rows.hpp"
 
 #include <unicode/ucol.h>
@@ -28,7 +29,8 @@ constexpr double kCompareFloor = 0.25;
 constexpr double kKeyFloor = 0.8;
 
 enum class What {
-    Neighbours,
+    Neighbours, // of the sorted list
+    InTextOrder,
     Sort,
     Key
 };
@@ -49,7 +51,7 @@ std::string words(int result) {
 template <typename Compare>
 Contender comparing(const char *name, What what, std::size_t count, Compare compare) {
     const auto run = [=] {
-        if (what == What::Neighbours) {
+        if (what != What::Sort) {
             std::size_t smaller = 1;
             for (std::size_t i = 1; i < count; ++i)
                 smaller += compare(i - 1, i) < 0;
@@ -72,21 +74,31 @@ std::size_t lengthWithoutBlanks(const Column &column, std::size_t i) {
     return length;
 }
 
-Result compareResult(const Column &column, nlsLocale *locale, const Order &order, int mode, What what,
-                     int rounds) {
-    const Collator collator = openCollator(order, mode);
-    const auto ours = [&column, locale, mode](std::size_t a, std::size_t b) {
+struct OurCompare {
+    const Column &column;
+    nlsLocale *locale;
+    int mode;
+    int operator()(std::size_t a, std::size_t b) const {
         std::int16_t result = 0;
         nlsCompare(locale, column.utf8Text(a), column.utf8Text(b), static_cast<std::int16_t>(mode), &result);
         return int{result};
-    };
+    }
+};
+
+Result compareResult(const Column &texts, nlsLocale *locale, const Order &order, int mode, What what,
+                     int rounds) {
+    const Column column = what == What::Neighbours ? inOrder(texts, OurCompare{texts, locale, mode}) : texts;
+    const Collator collator = openCollator(order, mode);
     const auto direct = [&column, collator](std::size_t a, std::size_t b) {
+        const auto lengthA = static_cast<std::int32_t>(lengthWithoutBlanks(column, a));
+        const auto lengthB = static_cast<std::int32_t>(lengthWithoutBlanks(column, b));
+        if (lengthA == 0 || lengthB == 0) // nothing is before something, even before what ICU ignores
+            return static_cast<int>(lengthA != 0) - static_cast<int>(lengthB != 0);
         UErrorCode error = U_ZERO_ERROR;
-        return static_cast<int>(ucol_strcollUTF8(
-            collator.get(), column.utf8Text(a), static_cast<std::int32_t>(lengthWithoutBlanks(column, a)),
-            column.utf8Text(b), static_cast<std::int32_t>(lengthWithoutBlanks(column, b)), &error));
+        return static_cast<int>(ucol_strcollUTF8(collator.get(), column.utf8Text(a), lengthA,
+                                                 column.utf8Text(b), lengthB, &error));
     };
-    return contest({comparing("velnls", what, column.size(), ours),
+    return contest({comparing("velnls", what, column.size(), OurCompare{column, locale, mode}),
                     comparing("ICU ucol_strcollUTF8", what, column.size(), direct)},
                    column.size(), column.utf8.sourceBytes(), rounds);
 }
@@ -131,16 +143,20 @@ Result run(const Order &order, int mode, What what, Size size, int rounds) {
 Jobs icuJobs() {
     Jobs jobs;
     for (const Order &order : kOrders)
-        for (const int mode : {1, 0})
-            for (const auto &[what, name] : {std::pair(What::Neighbours, "neighbours"),
-                                             std::pair(What::Sort, "sort"), std::pair(What::Key, "key")})
+        for (const int mode : {1, 0}) {
+            const auto rows = [&](const char *name, What what, double floor) {
                 for (const Size size : {Size::shortStrings, Size::lines})
                     jobs.push_back({std::string(name) + "_UTF-8_" + order.collation +
                                         (mode != 0 ? "_cs/" : "_ci/") + order.language + "/" + nameOf(size),
-                                    what == What::Key ? kKeyFloor : kCompareFloor,
-                                    [&order, mode, what = what, size](int rounds) {
+                                    floor, [&order, mode, what, size](int rounds) {
                                         return run(order, mode, what, size, rounds);
                                     }});
+            };
+            rows("neighbours", What::Neighbours, kCompareFloor);
+            rows("in_text_order", What::InTextOrder, 0); // these differ in their first bytes
+            rows("sort", What::Sort, kCompareFloor);
+            rows("key", What::Key, kKeyFloor);
+        }
     return jobs;
 }
 

@@ -2,6 +2,7 @@
 
 #include "contest.hpp"
 #include "order_check.hpp"
+#include "sorted.hpp"
 #include "string_rows.hpp"
 
 #include <unicode/ucasemap.h>
@@ -241,15 +242,6 @@ Contender neighbours(const std::string &name, std::size_t count, Compare compare
 }
 
 template <typename Compare>
-std::vector<std::uint32_t> sorted(std::size_t count, Compare compare) {
-    std::vector<std::uint32_t> places(count);
-    std::iota(places.begin(), places.end(), 0u);
-    std::sort(places.begin(), places.end(),
-              [&compare](std::uint32_t a, std::uint32_t b) { return compare(a, b) < 0; });
-    return places;
-}
-
-template <typename Compare>
 Contender sorting(const std::string &name, std::size_t count, Compare compare) {
     return {name, [count, compare] { return std::size_t{sorted(count, compare)[count / 2]} + 1; }, nullptr};
 }
@@ -275,21 +267,10 @@ std::string checkSort(const Column &column, const OurCompare &compare, PlainOrde
 }
 
 enum class Compares {
-    Neighbours, // in the order of the text, or of long texts that are alike up to their last character
-    Sorted,     // neighbours of the sorted list, which begin alike
-    Sort,       // the whole list, by the same std::sort for all
+    Neighbours,  // of the sorted list, which begin alike: what merging compares, and the end of a sort
+    InTextOrder, // of the list as it is, or of long texts that are alike up to their last character
+    Sort,        // the whole list, by the same std::sort for all
 };
-
-// A column in the order of our sort.
-Column inOrder(const Column &column, const OurCompare &compare) {
-    Column out;
-    for (const std::uint32_t place : sorted(column.size(), compare)) {
-        out.page.add({column.pageText(place), column.pageLength(place)});
-        out.utf8.add({column.utf8Text(place), column.utf8Length(place)});
-        out.utf16.push_back(column.utf16[place]);
-    }
-    return out;
-}
 
 Result compareResult(const Order &order, int mode, Peers peers, Compares what, Size size, int rounds) {
     Column column = size == Size::buffer ? longTexts(order, true) : columnOf(charactersFor(order), size);
@@ -298,7 +279,7 @@ Result compareResult(const Order &order, int mode, Peers peers, Compares what, S
         return failed("no such locale");
     OurCompare ours{column, locale, static_cast<std::int16_t>(mode)};
     PlainOrder plain(locale, order.basic, static_cast<std::uint16_t>(mode));
-    if (what == Compares::Sorted)
+    if (what == Compares::Neighbours)
         column = inOrder(column, ours);
     const std::string problem =
         what == Compares::Sort ? checkSort(column, ours, plain) : checkNeighbours(column, ours, plain);
@@ -407,10 +388,11 @@ void addJobs(Jobs &jobs, const Order &order, const Floors &floors) {
         compares("sort", Compares::Sort, Size::shortStrings, floors.sort[mode]);
         compares("sort", Compares::Sort, Size::lines, floors.sort[mode]);
         compares("neighbours", Compares::Neighbours, Size::shortStrings, floors.neighbours[mode]);
-        compares("neighbours", Compares::Neighbours, Size::buffer, floors.neighbours[mode]);
-        // What merging compares, and the end of a sort: a part of the sort, whose floor is stated.
-        compares("sorted_neighbours", Compares::Sorted, Size::shortStrings, 0);
-        compares("sorted_neighbours", Compares::Sorted, Size::lines, 0);
+        compares("neighbours", Compares::InTextOrder, Size::buffer, floors.neighbours[mode]);
+        // What has no floor: longer strings than such columns hold, and strings that differ in their first
+        // bytes.
+        compares("neighbours", Compares::Neighbours, Size::lines, 0);
+        compares("in_text_order", Compares::InTextOrder, Size::shortStrings, 0);
         for (const Size size : {Size::shortStrings, Size::lines, Size::buffer})
             jobs.push_back(
                 {order.name("key", mode, size == Size::buffer ? "long" : nameOf(size)), floors.key[mode],
