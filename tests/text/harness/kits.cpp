@@ -14,6 +14,7 @@ World::World(std::size_t misalignment) : library(worldFile(), 600000, misalignme
     add("1252 literal", Script::Latin, "1252", "literal", "basic");
     add("1252 other kind", Script::Latin, "1252", "other", nullptr);
     add("1252 BASIC", Script::Latin, "1252", "basic", "basic");
+    add("1252 BASIC, letters lost in lower case", Script::Latin, "1252", "basic", "losing");
     add("1252 BASIC without case table", Script::Latin, "1252", "basic", nullptr);
     add("Thai", Script::Thai, "620-2533", "basic", "basic");
     add("SHIFT-JIS weights", Script::ShiftJis, "SHIFT-JIS", "weights", "basic");
@@ -72,6 +73,8 @@ void World::add(const std::string &name, Script script, const char *page, const 
     }
     if (cased && script == Script::Utf8)
         made.twin.casePages.emplace(std::string_view(caseTable) == "common" ? commonCase() : unicodeCase());
+    else if (cased && std::string_view(caseTable) == "losing")
+        made.twin.byteCase = losingCase();
     else if (cased)
         made.twin.byteCase = script == Script::Latin ? latinCase() : fixture::ByteCase::ascii();
     kits.push_back(made);

@@ -46,6 +46,13 @@ fixture::ByteCase latinCase() {
     return table;
 }
 
+fixture::ByteCase losingCase() {
+    fixture::ByteCase table = latinCase();
+    table.lower['B'] = 0;
+    table.lower[0xE9] = 0;
+    return table;
+}
+
 fixture::UnicodeCase unicodeCase() {
     fixture::UnicodeCase table;
     const auto pair = [&table](unsigned upper, unsigned lower) {
@@ -206,6 +213,7 @@ fixture::DataFile worldFile() {
     file.codePage("UTF-16", CharacterTable::singleByte(fixture::kMultibyte | fixture::kWide));
     file.codePage("UTF-32", CharacterTable::singleByte(fixture::kMultibyte | fixture::kUnits32));
     file.caseTable("1252", "basic", latinCase());
+    file.caseTable("1252", "losing", losingCase());
     for (const char *const page : {"620-2533", "SHIFT-JIS", "EUCJIS", "LONG"})
         file.caseTable(page, "basic", fixture::ByteCase::ascii());
     file.caseTable("UTF-8", "basic", unicodeCase());

@@ -13,6 +13,7 @@ fixture::CharacterTable latinPage();
 fixture::CharacterTable eucPage();
 fixture::CharacterTable longPage();
 fixture::ByteCase latinCase();
+fixture::ByteCase losingCase(); // a letter and a byte that is none become NUL in lower case
 fixture::UnicodeCase unicodeCase();
 fixture::UnicodeCase commonCase(); // all that the fast kernels are for
 fixture::CollationTable germanWeights(unsigned char kind = 1, unsigned char variant = 1);
