@@ -1,6 +1,6 @@
 #include "reporter.hpp"
 
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 
 #include <cstdio>
 #include <fstream>

@@ -1,6 +1,6 @@
 #include "collate/byte_key.hpp"
 
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "collate/proofs.hpp"
 
 #include "collate/basic.hpp"
-#include "convert/kernels/instruction_sets.hpp"
 #include "core/file_layout.hpp"
+#include "core/instruction_sets.hpp"
 
 #include <cstring>
 

@@ -3,9 +3,9 @@
 #include "convert/build_byte_tables.hpp"
 #include "convert/build_mapping.hpp"
 #include "convert/file_types.hpp"
-#include "convert/kernels/instruction_sets.hpp"
 #include "core/arena.hpp"
 #include "core/data_file.hpp"
+#include "core/instruction_sets.hpp"
 #include "core/text.hpp"
 #include "icu/convert.hpp"
 

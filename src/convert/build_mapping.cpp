@@ -1,9 +1,9 @@
 #include "convert/build_mapping.hpp"
 
-#include "convert/kernels/instruction_sets.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "core/arena.hpp"
 #include "core/data_file.hpp"
+#include "core/instruction_sets.hpp"
 #include "locale/load.hpp"
 
 #include <cstring>

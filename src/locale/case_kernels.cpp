@@ -1,7 +1,7 @@
 #include "locale/case_kernels.hpp"
 
 #include "convert/kernels/fast.hpp"
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 #include "locale/case_fast.hpp"
 
 #include <algorithm>

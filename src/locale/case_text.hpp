@@ -1,7 +1,7 @@
 // Case mapping of a text by whatever case table its locale carries.
 #pragma once
 
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 #include "locale/case_fast.hpp"
 #include "locale/case_kernels.hpp"
 #include "locale/locale.hpp"

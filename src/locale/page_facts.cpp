@@ -1,6 +1,6 @@
 #include "locale/page_facts.hpp"
 
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 #include "locale/case_fast.hpp"
 
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "string/count_fast.hpp"
 
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 #include "locale/masks_sse2.hpp"
 
 namespace velnls::fast {

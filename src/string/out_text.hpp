@@ -2,7 +2,7 @@
 // are known.
 #pragma once
 
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 #include "velnls.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Looks for the places of a text where a run of characters may begin, for searching and for LIKE.
 #pragma once
 
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 #include "string/pages.hpp"
 
 namespace velnls {

@@ -2,7 +2,7 @@
 // unsettled goes the general way.
 #pragma once
 
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 #include "core/read_ahead.hpp"
 #include "locale/masks_sse2.hpp"
 #include "string/short_text.hpp"

@@ -1,8 +1,8 @@
 // Case and sort keys by blocks give what the plain loops give: status, text, length, and not a byte written
 // elsewhere. Each call runs under a copy of a locale that claims nothing proved, and under copies that claim
 // what is, with each instruction set. Texts and rooms end where a page of memory does.
-#include "convert/kernels/instruction_sets.hpp"
 #include "core/file_layout.hpp"
+#include "core/instruction_sets.hpp"
 #include "guarded_buffer.hpp"
 #include "locale/case_fast.hpp"
 #include "table_source.hpp"

@@ -2,9 +2,9 @@
 // corrupted and cut text, at every capacity. Buffers have their exact size, so that a sanitizer sees a step
 // outside.
 #include "convert/kernels/fast.hpp"
-#include "convert/kernels/instruction_sets.hpp"
 #include "convert/kernels/kernels.hpp"
 #include "convert/kernels/unicode_units.hpp"
+#include "core/instruction_sets.hpp"
 #include "table_source.hpp"
 
 #include <gtest/gtest.h>

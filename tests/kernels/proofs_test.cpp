@@ -1,9 +1,9 @@
 // What is proved of the tables of the default data file, so that the differential tests do not compare the
 // plain kernels with themselves.
 #include "convert/kernels/fast.hpp"
-#include "convert/kernels/instruction_sets.hpp"
 #include "convert/kernels/mapping_lookup.hpp"
 #include "convert/kernels/proofs.hpp"
+#include "core/instruction_sets.hpp"
 #include "table_source.hpp"
 
 #include <gtest/gtest.h>

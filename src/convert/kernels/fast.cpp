@@ -7,10 +7,10 @@
 #include "convert/kernels/fast_from_utf8.hpp"
 #include "convert/kernels/fast_japanese.hpp"
 #include "convert/kernels/fast_sinks.hpp"
-#include "convert/kernels/instruction_sets.hpp"
 #include "convert/kernels/japanese_bytes.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "convert/kernels/unicode_units.hpp"
+#include "core/instruction_sets.hpp"
 
 namespace velnls::fast {
 

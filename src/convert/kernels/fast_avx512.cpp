@@ -22,6 +22,9 @@ namespace {
 [[gnu::always_inline]] inline Vector numbersOf(std::uint32_t number) {
     return _mm512_set1_epi32(static_cast<int>(number));
 }
+[[gnu::always_inline]] inline __m256i unitsOf(unsigned unit) {
+    return _mm256_set1_epi16(static_cast<short>(unit));
+}
 [[gnu::always_inline]] inline std::uint32_t countBits(std::uint64_t mask) {
     return static_cast<std::uint32_t>(_mm_popcnt_u64(mask));
 }
@@ -73,14 +76,92 @@ namespace {
     return _mm512_permutex2var_epi8(block, fourPlaces(positions, group), next);
 }
 
-// Entries of a table of 16-bit numbers. Four bytes are read that end with the entry: behind a table may be
-// nothing, before it lies the arena's own head at least.
-[[gnu::always_inline]] inline Vector lookUp(const std::uint16_t *table, Vector places, __mmask16 lanes,
-                                            Vector otherwise) {
-    const auto *const before = reinterpret_cast<const std::uint8_t *>(table) - 2;
-    const Vector found =
-        _mm512_mask_i32gather_epi32(_mm512_slli_epi32(otherwise, 16), lanes, places, before, 2);
-    return _mm512_srli_epi32(found, 16);
+// For each of the positions the one itself and the next.
+[[gnu::always_inline]] inline Vector twoPlaces(Vector positions, int group) {
+    const Vector spread = _mm512_castsi256_si512(
+        _mm256_set_epi16(0x0F0F, 0x0E0E, 0x0D0D, 0x0C0C, 0x0B0B, 0x0A0A, 0x0909, 0x0808, 0x0707, 0x0606,
+                         0x0505, 0x0404, 0x0303, 0x0202, 0x0101, 0x0000));
+    const Vector which = _mm512_add_epi8(spread, bytesOf(static_cast<unsigned>(group) * 16));
+    return _mm512_add_epi8(_mm512_permutexvar_epi8(which, positions), numbersOf(0x01000100));
+}
+
+// Well-formed characters of one to three bytes, of 16 positions: their values as numbers of 32 bits.
+struct WideLanes {
+    [[gnu::always_inline]] static Vector of(Vector block, Vector positions, int group) {
+        return values(gatherBytes(block, positions, group));
+    }
+    [[gnu::always_inline]] static Vector of(Vector block, Vector next, Vector positions, int group) {
+        return values(gatherBytes(block, next, positions, group));
+    }
+
+private:
+    // Of their bytes, the first one lowest.
+    [[gnu::always_inline]] static Vector values(Vector bytes) {
+        const Vector six = numbersOf(0x3F);
+        const __mmask16 isAscii = _mm512_testn_epi32_mask(bytes, numbersOf(0x80));
+        const __mmask16 isThree =
+            _mm512_cmpeq_epi32_mask(_mm512_and_si512(bytes, numbersOf(0xE0)), numbersOf(0xE0));
+        const Vector second = _mm512_and_si512(_mm512_srli_epi32(bytes, 8), six);
+        Vector values =
+            _mm512_or_si512(_mm512_slli_epi32(_mm512_and_si512(bytes, numbersOf(0x1F)), 6), second);
+        const Vector third = _mm512_and_si512(_mm512_srli_epi32(bytes, 16), six);
+        values = _mm512_mask_or_epi32(values, isThree, _mm512_slli_epi32(values, 6), third);
+        return _mm512_mask_and_epi32(values, isAscii, bytes, numbersOf(0x7F));
+    }
+};
+
+// The same as units of 16 bits: half the work.
+struct NarrowLanes {
+    [[gnu::always_inline]] static __m256i of(Vector block, Vector positions, int group) {
+        const Vector places = twoPlaces(positions, group);
+        return values(_mm512_permutexvar_epi8(places, block),
+                      _mm512_permutexvar_epi8(_mm512_add_epi8(places, bytesOf(2)), block));
+    }
+    [[gnu::always_inline]] static __m256i of(Vector block, Vector next, Vector positions, int group) {
+        const Vector places = twoPlaces(positions, group);
+        return values(_mm512_permutex2var_epi8(block, places, next),
+                      _mm512_permutex2var_epi8(block, _mm512_add_epi8(places, bytesOf(2)), next));
+    }
+
+private:
+    // Of their first two bytes, the first one low, and the third in the low byte.
+    [[gnu::always_inline]] static __m256i values(Vector firstTwo, Vector thirds) {
+        const __m256i bytes = _mm512_castsi512_si256(firstTwo);
+        const __m256i six = unitsOf(0x3F);
+        const __mmask16 isAscii = _mm256_testn_epi16_mask(bytes, unitsOf(0x80));
+        const __mmask16 isThree =
+            _mm256_cmpeq_epi16_mask(_mm256_and_si256(bytes, unitsOf(0xE0)), unitsOf(0xE0));
+        const __m256i second = _mm256_and_si256(_mm256_srli_epi16(bytes, 8), six);
+        const __m256i two =
+            _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(bytes, unitsOf(0x1F)), 6), second);
+        const __m256i third = _mm256_and_si256(_mm512_castsi512_si256(thirds), six);
+        const __m256i three = _mm256_or_si256(_mm256_slli_epi16(two, 6), third);
+        return _mm256_mask_mov_epi16(_mm256_mask_mov_epi16(two, isThree, three), isAscii,
+                                     _mm256_and_si256(bytes, unitsOf(0x7F)));
+    }
+};
+
+// Entries of a table of 16-bit numbers, of the lanes in `which`; kUnmapped in the others. One load for each
+// is quicker than gathering them, and in short texts mostly there are no more than eight.
+[[gnu::always_inline]] inline __m256i entriesAt(const std::uint16_t *table, __m256i places, __mmask16 which) {
+    alignas(32) std::uint16_t place[16];
+    // The lanes behind become place 0, which every table has.
+    _mm256_store_si256(reinterpret_cast<__m256i *>(place), _mm256_maskz_compress_epi16(which, places));
+    asm("" : "+m"(place)); // a load for each is quicker than what takes them out of the register, too
+    const auto eight = [ table, &place ](unsigned from) __attribute__((always_inline)) {
+        __m128i found = _mm_cvtsi32_si128(loadElement(table, place[from]));
+        found = _mm_insert_epi16(found, loadElement(table, place[from + 1]), 1);
+        found = _mm_insert_epi16(found, loadElement(table, place[from + 2]), 2);
+        found = _mm_insert_epi16(found, loadElement(table, place[from + 3]), 3);
+        found = _mm_insert_epi16(found, loadElement(table, place[from + 4]), 4);
+        found = _mm_insert_epi16(found, loadElement(table, place[from + 5]), 5);
+        found = _mm_insert_epi16(found, loadElement(table, place[from + 6]), 6);
+        return _mm_insert_epi16(found, loadElement(table, place[from + 7]), 7);
+    };
+    __m256i found = _mm256_castsi128_si256(eight(0));
+    if (countBits(which) > 8)
+        found = _mm256_inserti128_si256(found, eight(8), 1);
+    return _mm256_mask_expand_epi16(unitsOf(file::kUnmapped), which, found);
 }
 
 // ---- UTF-8 out
@@ -113,9 +194,10 @@ inline constexpr std::ptrdiff_t kUtf8Room = 64; // of 16 characters up to U+FFFF
 // ----------------------------------------------------------------------------------------------
 
 // Sinks: kAsciiRoom for 64 ASCII characters, kBlockRoom for 64 bytes of any kind, kRoom for 16 characters;
-// putAscii writes the `count` low bytes; put writes lanes and gives those that it refuses, having written the
-// ones before the first of them.
+// putAscii writes the `count` low bytes; put writes lanes, of the kind that Lanes makes, and gives those that
+// it refuses, having written the ones before the first of them.
 struct Utf16Sink {
+    using Lanes = NarrowLanes;
     static constexpr std::ptrdiff_t kAsciiRoom = 128;
     static constexpr std::ptrdiff_t kBlockRoom = 128 + 32;
     static constexpr std::ptrdiff_t kRoom = 32;
@@ -125,14 +207,15 @@ struct Utf16Sink {
         _mm512_storeu_si512(target.at + 64, _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(block, 1)));
         target.at += std::ptrdiff_t{count} * 2;
     }
-    [[gnu::always_inline]] static __mmask16 put(Vector values, __mmask16 lanes, Target &target) {
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), _mm512_cvtepi32_epi16(values));
+    [[gnu::always_inline]] static __mmask16 put(__m256i values, __mmask16 lanes, Target &target) {
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), values);
         target.at += std::ptrdiff_t{countBits(lanes)} * 2;
         return 0;
     }
 };
 
 struct Utf32Sink {
+    using Lanes = WideLanes;
     static constexpr std::ptrdiff_t kAsciiRoom = 256;
     static constexpr std::ptrdiff_t kBlockRoom = 256 + 64;
     static constexpr std::ptrdiff_t kRoom = 64;
@@ -157,33 +240,25 @@ struct PageSink {
     static constexpr std::ptrdiff_t kRoom = 32;
 
     const std::uint16_t *window;
-    Vector lowest;
-    Vector span;
 
     explicit PageSink(const MappingBody &body)
-        // Never null; without a window nothing lies inside.
-        : window(body.groups[2].reverse != nullptr ? body.groups[2].reverse : body.groups[2].values),
-          lowest(numbersOf(body.groups[2].lowest)),
-          span(numbersOf(
-              body.groups[2].reverseCount == 0 ? 0 : body.groups[2].highest - body.groups[2].lowest + 1)) {}
+        // Without a window nothing lies inside, and its first entry is looked at all the same.
+        : window(body.groups[2].reverseCount != 0 ? body.groups[2].reverse : body.groups[2].values) {}
     [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
         _mm512_storeu_si512(target.at, block);
         target.at += count;
-    }
-    // The indexes of the lanes whose values lie in the window; kUnmapped elsewhere. `inside` says which do.
-    [[gnu::always_inline]] Vector indexes(Vector values, __mmask16 lanes, __mmask16 &inside) const {
-        const Vector places = _mm512_sub_epi32(values, lowest);
-        inside = _mm512_mask_cmplt_epu32_mask(lanes, places, span);
-        return lookUp(window, places, inside, numbersOf(file::kUnmapped));
     }
 };
 
 // The windows of single-byte pages are small: they fit registers, where looking up costs a fraction of
 // gathering.
 struct ByteRowSink : PageSink {
+    using Lanes = WideLanes;
     static constexpr std::uint32_t kParts = 8;
     static constexpr std::uint32_t kRegisterSpan = kParts * 32; // indexes
 
+    Vector lowest;
+    Vector span;
     Vector base;
     Vector part[kParts];
 
@@ -193,7 +268,9 @@ struct ByteRowSink : PageSink {
     }
     // The body's window fits.
     explicit ByteRowSink(const MappingBody &body)
-        : PageSink(body), base(numbersOf(body.groups[2].firstTrail - 1u)) {
+        : PageSink(body), lowest(numbersOf(body.groups[2].lowest)),
+          span(numbersOf(body.groups[2].highest - body.groups[2].lowest + 1)),
+          base(numbersOf(body.groups[2].firstTrail - 1u)) {
         const std::ptrdiff_t count = body.groups[2].highest - body.groups[2].lowest + 1;
         for (std::uint32_t i = 0; i < kParts; ++i) {
             const std::ptrdiff_t left = count - static_cast<std::ptrdiff_t>(32 * i);
@@ -228,114 +305,90 @@ struct ByteRowSink : PageSink {
 };
 
 struct PairSink : PageSink {
+    using Lanes = NarrowLanes;
+
     const MappingFacts &facts;
     const MappingBody &body;
-    Vector codeBase;
-    Vector rowStep;
-    __m512 reciprocal;
-    std::uint32_t leadGapEnd;
-    std::uint32_t leadShift;
-    std::uint32_t trailGapLow;
-    std::uint32_t trailShift;
+    __m256i lowest;
 
     explicit PairSink(const MappingBody &page)
-        : PageSink(page), facts(factsOf(page)), body(page),
-          codeBase(numbersOf(page.groups[2].firstLead * 0x100u + page.groups[2].firstTrail)),
-          rowStep(numbersOf(0x100u - page.groups[2].trailsPerLead)),
-          reciprocal(_mm512_set1_ps(1.0F / static_cast<float>(page.groups[2].trailsPerLead))),
-          leadGapEnd(page.groups[2].leadGapLow * 0x100u + 0xFF), leadShift(page.groups[2].leadShift * 0x100u),
-          trailGapLow(page.groups[2].trailGap1Low), trailShift(page.groups[2].trailShift1) {}
+        : PageSink(page), facts(factsOf(page)), body(page), lowest(unitsOf(page.groups[2].lowest)) {}
 
     // The indexes of the lanes outside the window: kana and letters by stretches, punctuation one by one.
-    [[gnu::always_inline]] Vector besideWindow(Vector values, __mmask16 lanes, Vector found) const {
-        const auto within = [values, lanes](std::uint32_t begin, std::uint32_t count) {
-            return _mm512_mask_cmplt_epu32_mask(lanes, _mm512_sub_epi32(values, numbersOf(begin)),
-                                                numbersOf(count));
+    [[gnu::always_inline]] __m256i besideWindow(__m256i values, __mmask16 lanes, __m256i found) const {
+        const auto within = [values, lanes](unsigned begin, unsigned count) {
+            return _mm256_mask_cmplt_epu16_mask(lanes, _mm256_sub_epi16(values, unitsOf(begin)),
+                                                unitsOf(count));
         };
-        const __mmask16 kana = within(kKanaBegin, 32 * kKanaBlocks);
         static_assert(kKanaBlocks + kLetterBlocks == 8 && sizeof(LinearBlock) == 4);
-        const Vector blocks = _mm512_castsi256_si512(loadNumber<__m256i>(facts.kana));
-        const auto linear = [&found, values, blocks](__mmask16 which, Vector number) {
-            const Vector block = _mm512_permutexvar_epi32(number, blocks);
-            const Vector first = _mm512_and_si512(block, numbersOf(0xFF));
-            const Vector count = _mm512_and_si512(_mm512_srli_epi32(block, 8), numbersOf(0xFF));
-            const Vector step = _mm512_sub_epi32(_mm512_and_si512(values, numbersOf(31)), first);
-            const __mmask16 hit = _mm512_mask_cmplt_epu32_mask(which, step, count);
-            found = _mm512_mask_mov_epi32(found, hit, _mm512_add_epi32(values, _mm512_srli_epi32(block, 16)));
+        const auto blocks = loadNumber<__m256i>(facts.kana);
+        // `number`: twice that of the block, in its low four bits.
+        const auto linear = [&found, values, blocks](__mmask16 which, __m256i number) {
+            const __m256i block = _mm256_permutexvar_epi16(number, blocks);
+            const __m256i delta = _mm256_permutexvar_epi16(_mm256_or_si256(number, unitsOf(1)), blocks);
+            const __m256i step = _mm256_sub_epi16(_mm256_and_si256(values, unitsOf(31)),
+                                                  _mm256_and_si256(block, unitsOf(0xFF)));
+            const __mmask16 hit = _mm256_mask_cmplt_epu16_mask(which, step, _mm256_srli_epi16(block, 8));
+            found = _mm256_mask_add_epi16(found, hit, values, delta);
         };
         const auto onePerValue = [&found, values](__mmask16 which, const std::uint8_t *table) {
-            const Vector entries = _mm512_maskz_loadu_epi16((1u << kPunctuation) - 1, table);
-            const Vector entry = _mm512_permutexvar_epi16(values, entries);
-            found = _mm512_mask_and_epi32(found, which, entry, numbersOf(0xFFFF));
+            const auto low = loadNumber<__m256i>(table);
+            const __m256i high = _mm256_maskz_loadu_epi16((1u << (kPunctuation - 16)) - 1, table + 32);
+            found = _mm256_mask_mov_epi16(found, which, _mm256_permutex2var_epi16(low, values, high));
         };
-        linear(kana, _mm512_srli_epi32(_mm512_sub_epi32(values, numbersOf(kKanaBegin)), 5));
+        const auto twiceBlock = [values](unsigned begin) {
+            return _mm256_and_si256(_mm256_srli_epi16(_mm256_sub_epi16(values, unitsOf(begin)), 4),
+                                    unitsOf(0xE));
+        };
+        linear(within(kKanaBegin, 32 * kKanaBlocks), twiceBlock(kKanaBegin));
         onePerValue(within(kPunctuationBegin, kPunctuation), body.groups[1].unusedA);
         for (std::uint32_t i = 0; i < kSoundMarks; ++i)
-            found = _mm512_mask_mov_epi32(
-                found, _mm512_mask_cmpeq_epi32_mask(lanes, values, numbersOf(kSoundMarksBegin + i)),
-                numbersOf(facts.marks[i]));
+            found = _mm256_mask_mov_epi16(
+                found, _mm256_mask_cmpeq_epi16_mask(lanes, values, unitsOf(kSoundMarksBegin + i)),
+                unitsOf(facts.marks[i]));
         if (const __mmask16 fullWidth = within(kWidePunctuationBegin, 0x100); fullWidth != 0) {
             onePerValue(within(kWidePunctuationBegin, kPunctuation), body.groups[2].unusedA);
             linear(within(kLettersBegin, 32 * kLetterBlocks),
-                   _mm512_add_epi32(_mm512_srli_epi32(_mm512_sub_epi32(values, numbersOf(kLettersBegin)), 5),
-                                    numbersOf(kKanaBlocks)));
+                   _mm256_add_epi16(twiceBlock(kLettersBegin), unitsOf(2 * kKanaBlocks)));
         }
-        found = _mm512_and_si512(found, numbersOf(0xFFFF));
-        // No index is 0: there it means none.
-        return _mm512_mask_mov_epi32(found,
-                                     _mm512_mask_cmpeq_epi32_mask(lanes, found, _mm512_setzero_si512()),
-                                     numbersOf(file::kUnmapped));
+        // No index is 0: there it means none, as in the lanes that nothing was found for.
+        return _mm256_mask_mov_epi16(found, _mm256_testn_epi16_mask(found, found), unitsOf(file::kUnmapped));
     }
 
-    [[gnu::always_inline]] __mmask16 put(Vector values, __mmask16 lanes, Target &target) const {
-        const __mmask16 beyondAscii = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x80));
-        __mmask16 inside = 0;
-        Vector found = indexes(values, beyondAscii, inside);
+    [[gnu::always_inline]] __mmask16 put(__m256i values, __mmask16 lanes, Target &target) const {
+        const PairUnits &units = facts.units;
+        const __mmask16 beyondAscii = _mm256_mask_cmpge_epu16_mask(lanes, values, unitsOf(0x80));
+        const __m256i places = _mm256_sub_epi16(values, lowest);
+        const __mmask16 inside = _mm256_mask_cmplt_epu16_mask(beyondAscii, places, unitsOf(units.span));
+        __m256i found = entriesAt(window, places, inside);
         const auto outside = static_cast<__mmask16>(beyondAscii & ~inside);
-        if (outside != 0)
-            found = besideWindow(values, outside, found);
-        const __mmask16 refused =
-            _mm512_mask_cmpeq_epi32_mask(beyondAscii, found, numbersOf(file::kUnmapped));
+        found = besideWindow(values, outside, found);
+        const __mmask16 refused = _mm256_mask_cmpeq_epi16_mask(beyondAscii, found, unitsOf(file::kUnmapped));
         const __mmask16 good = lanesBefore(lanes, refused);
-        // Half a place more than the exact quotient, so that rounding cannot reach the next row or the one
-        // before.
-        const Vector place = _mm512_sub_epi32(found, numbersOf(1));
-        const __m512 middle = _mm512_add_ps(_mm512_cvtepi32_ps(place), _mm512_set1_ps(0.5F));
-        const Vector row = _mm512_cvttps_epi32(_mm512_mul_ps(middle, reciprocal));
-        Vector code = _mm512_add_epi32(_mm512_add_epi32(codeBase, place), _mm512_mullo_epi16(row, rowStep));
-        if (trailShift != 0) {
+        const __m256i place = _mm256_sub_epi16(found, unitsOf(1));
+        const __m256i row = _mm256_srl_epi16(_mm256_mulhi_epu16(place, unitsOf(units.reciprocal)),
+                                             _mm_cvtsi32_si128(units.reciprocalShift));
+        __m256i code = _mm256_add_epi16(_mm256_add_epi16(unitsOf(units.codeBase), found),
+                                        _mm256_mullo_epi16(row, unitsOf(units.rowStep)));
+        if (units.trailShift != 0) {
             const __mmask16 behind =
-                _mm512_cmpgt_epu32_mask(_mm512_and_si512(code, numbersOf(0xFF)), numbersOf(trailGapLow));
-            code = _mm512_mask_add_epi32(code, behind, code, numbersOf(trailShift));
+                _mm256_cmpgt_epu16_mask(_mm256_and_si256(code, unitsOf(0xFF)), unitsOf(units.trailGapLow));
+            code = _mm256_mask_add_epi16(code, behind, code, unitsOf(units.trailShift));
         }
-        if (leadShift != 0) {
-            const __mmask16 behind = _mm512_cmpgt_epu32_mask(code, numbersOf(leadGapEnd));
-            code = _mm512_mask_add_epi32(code, behind, code, numbersOf(leadShift));
+        if (units.leadShift != 0) {
+            const __mmask16 behind = _mm256_cmpgt_epu16_mask(code, unitsOf(units.leadGapEnd));
+            code = _mm256_mask_add_epi16(code, behind, code, unitsOf(units.leadShift));
         }
         // Lead byte first.
-        const Vector swapped = _mm512_or_si512(_mm512_srli_epi32(code, 8), _mm512_slli_epi32(code, 8));
-        const __m256i units = _mm512_cvtepi32_epi16(_mm512_mask_mov_epi32(values, beyondAscii, swapped));
+        const __m256i bytes = _mm256_mask_shldi_epi16(values, beyondAscii, code, code, 8);
         const std::uint32_t used = _pdep_u32(good, 0x55555555) |
                                    _pdep_u32(static_cast<std::uint32_t>(good & beyondAscii), 0xAAAAAAAA);
         const std::uint32_t count = countBits(used);
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), _mm256_maskz_compress_epi8(used, units));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), _mm256_maskz_compress_epi8(used, bytes));
         target.at += count;
         return refused;
     }
 };
-
-// Well-formed characters of one to three bytes, the first byte lowest.
-[[gnu::always_inline]] inline Vector utf8Values(Vector bytes) {
-    const Vector six = numbersOf(0x3F);
-    const __mmask16 isAscii = _mm512_testn_epi32_mask(bytes, numbersOf(0x80));
-    const __mmask16 isThree =
-        _mm512_cmpeq_epi32_mask(_mm512_and_si512(bytes, numbersOf(0xE0)), numbersOf(0xE0));
-    const Vector second = _mm512_and_si512(_mm512_srli_epi32(bytes, 8), six);
-    Vector values = _mm512_or_si512(_mm512_slli_epi32(_mm512_and_si512(bytes, numbersOf(0x1F)), 6), second);
-    const Vector third = _mm512_and_si512(_mm512_srli_epi32(bytes, 16), six);
-    values = _mm512_mask_or_epi32(values, isThree, _mm512_slli_epi32(values, 6), third);
-    return _mm512_mask_and_epi32(values, isAscii, bytes, numbersOf(0x7F));
-}
 
 // Long texts: blocks follow each other at a fixed distance, and what the last characters of one have in the
 // next is carried over, so that no block waits for the end of the one before. Stops before a block that is
@@ -371,7 +424,7 @@ template <typename Sink>
         int group = 0;
         for (std::uint32_t left = count; left != 0; ++group) {
             const std::uint32_t taken = left < 16 ? left : 16;
-            const Vector values = utf8Values(gatherBytes(block, next, positions, group));
+            const auto values = Sink::Lanes::of(block, next, positions, group);
             refused = sink.put(values, static_cast<__mmask16>(lowBits(taken)), target);
             if (refused != 0)
                 break;
@@ -443,7 +496,7 @@ template <typename Sink>
             }
             const std::uint32_t taken = count < 16 ? count : 16;
             const auto lanes = static_cast<__mmask16>(lowBits(taken));
-            const Vector values = utf8Values(gatherBytes(block, positions, group));
+            const auto values = Sink::Lanes::of(block, positions, group);
             const std::uint32_t refused = sink.put(values, lanes, target);
             if (refused != 0) {
                 stopped = true;
@@ -830,9 +883,6 @@ void utf8ToPairs(const MappingBody &body, Source &source, Target &target) {
 void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
     const file::MappingGroup &group = body.groups[2];
     const Vector counting = countingBytes();
-    const Vector firstLead = numbersOf(group.firstLead);
-    const Vector firstTrail = numbersOf(group.firstTrail);
-    const Vector trailsPerLead = numbersOf(group.trailsPerLead);
     const bool leadGap = group.leadShift != 0;
     const bool trailGap = group.trailShift1 != 0;
     while (source.at < source.end) {
@@ -873,29 +923,32 @@ void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
             } else {
                 const std::uint32_t taken = count < 16 ? count : 16;
                 const auto lanes = static_cast<__mmask16>(lowBits(taken));
-                const Vector bytes = gatherBytes(block, positions, group16);
-                const Vector lead = _mm512_and_si512(bytes, numbersOf(0xFF));
-                const Vector trail = _mm512_and_si512(_mm512_srli_epi32(bytes, 8), numbersOf(0xFF));
-                const __mmask16 pairs = _mm512_mask_cmpge_epu32_mask(lanes, lead, numbersOf(0x80));
-                Vector row = _mm512_sub_epi32(lead, firstLead);
+                const __m256i codes =
+                    _mm512_castsi512_si256(_mm512_permutexvar_epi8(twoPlaces(positions, group16), block));
+                const __m256i lead = _mm256_and_si256(codes, unitsOf(0xFF));
+                const __m256i trail = _mm256_srli_epi16(codes, 8);
+                const __mmask16 pairs = _mm256_mask_cmpge_epu16_mask(lanes, lead, unitsOf(0x80));
+                __m256i row = _mm256_sub_epi16(lead, unitsOf(group.firstLead));
                 if (leadGap)
-                    row =
-                        _mm512_mask_sub_epi32(row, _mm512_cmpgt_epu32_mask(lead, numbersOf(group.leadGapLow)),
-                                              row, numbersOf(group.leadShift));
-                Vector column = _mm512_sub_epi32(trail, firstTrail);
+                    row = _mm256_mask_sub_epi16(row, _mm256_cmpgt_epu16_mask(lead, unitsOf(group.leadGapLow)),
+                                                row, unitsOf(group.leadShift));
+                __m256i column = _mm256_sub_epi16(trail, unitsOf(group.firstTrail));
                 __mmask16 inGap = 0;
                 if (trailGap) {
-                    const __mmask16 behind = _mm512_cmpgt_epu32_mask(trail, numbersOf(group.trailGap1Low));
-                    inGap = _mm512_mask_cmplt_epu32_mask(behind, trail, numbersOf(group.trailGap1High));
-                    column = _mm512_mask_sub_epi32(column, behind, column, numbersOf(group.trailShift1));
+                    const __mmask16 behind = _mm256_cmpgt_epu16_mask(trail, unitsOf(group.trailGap1Low));
+                    inGap = _mm256_mask_cmplt_epu16_mask(behind, trail, unitsOf(group.trailGap1High));
+                    column = _mm256_mask_sub_epi16(column, behind, column, unitsOf(group.trailShift1));
                 }
+                const __m256i trailsPerLead = unitsOf(group.trailsPerLead);
                 const __mmask16 inside = static_cast<__mmask16>(
-                    _mm512_mask_cmplt_epu32_mask(pairs, column, trailsPerLead) & ~inGap);
-                const Vector index = _mm512_add_epi32(
-                    _mm512_add_epi32(_mm512_mullo_epi16(row, trailsPerLead), column), numbersOf(1));
-                const Vector found = lookUp(group.values, index, inside, numbersOf(file::kUnmapped));
-                refused = _mm512_mask_cmpeq_epi32_mask(pairs, found, numbersOf(file::kUnmapped));
-                putUtf8(_mm512_mask_mov_epi32(lead, pairs, found), lanesBefore(lanes, refused), target);
+                    _mm256_mask_cmplt_epu16_mask(pairs, column, trailsPerLead) & ~inGap);
+                // Places count from 1.
+                const __m256i found =
+                    entriesAt(group.values + 1,
+                              _mm256_add_epi16(_mm256_mullo_epi16(row, trailsPerLead), column), inside);
+                refused = _mm256_mask_cmpeq_epi16_mask(pairs, found, unitsOf(file::kUnmapped));
+                const __m256i values = _mm256_mask_mov_epi16(lead, pairs, found);
+                putUtf8(_mm512_cvtepu16_epi32(values), lanesBefore(lanes, refused), target);
                 count -= taken;
             }
             if (refused != 0) {

@@ -126,8 +126,9 @@ bool isPairRectangle(const MappingBody &body) {
     const unsigned columns = group.lastTrail - group.firstTrail + 1u - trailsLeftOut;
     const unsigned rows = group.lastLead - group.firstLead + 1u - leadsLeftOut;
     const std::uint32_t last = columns * rows;
-    return columns == group.trailsPerLead && last < group.indexLimit && last < group.valueCount &&
-           hasIndexesUpTo(group, last);
+    // What divides a place by the columns does so below 2^15.
+    return columns == group.trailsPerLead && columns > 1 && last < 0x8000 && last < group.indexLimit &&
+           last < group.valueCount && hasIndexesUpTo(group, last);
 }
 
 // The index of a two-byte code in the rectangle, or kNone.
@@ -174,6 +175,26 @@ void putPunctuation(MappingBody &body, MappingGroup &group, std::uint32_t begin)
     std::memcpy(group.unusedA, indexes, sizeof indexes);
 }
 
+PairUnits unitsOf(const MappingGroup &group, std::uint32_t reciprocal) {
+    PairUnits units{};
+    units.span = static_cast<std::uint16_t>(group.reverseCount == 0 ? 0 : group.highest - group.lowest + 1);
+    units.codeBase = static_cast<std::uint16_t>(group.firstLead * 0x100 + group.firstTrail - 1);
+    units.rowStep = static_cast<std::uint16_t>(0x100 - group.trailsPerLead);
+    // Of the reciprocal as many bits as fill a unit, rounded up. The error is below trailsPerLead, which is
+    // at most twice 2^shift: times a place below 2^15 it stays below one.
+    unsigned shift = 0;
+    while (group.trailsPerLead > 2u << shift)
+        ++shift;
+    const unsigned dropped = kReciprocalShift - 16 - shift;
+    units.reciprocal = static_cast<std::uint16_t>((reciprocal + (1u << dropped) - 1) >> dropped);
+    units.reciprocalShift = static_cast<std::uint16_t>(shift);
+    units.trailGapLow = group.trailGap1Low;
+    units.trailShift = group.trailShift1;
+    units.leadGapEnd = static_cast<std::uint16_t>(group.leadGapLow * 0x100 + 0xFF);
+    units.leadShift = static_cast<std::uint16_t>(group.leadShift * 0x100);
+    return units;
+}
+
 void putFacts(MappingBody &body) {
     MappingFacts facts{};
     for (unsigned block = 0; block < kKanaBlocks; ++block)
@@ -185,6 +206,7 @@ void putFacts(MappingBody &body) {
     // Rounded up. The error of at most 254 per 2^24, times a place below 2^16, stays below one.
     const std::uint32_t divisor = body.groups[2].trailsPerLead;
     facts.reciprocal = ((1u << kReciprocalShift) + divisor - 1) / divisor;
+    facts.units = unitsOf(body.groups[2], facts.reciprocal);
     std::memcpy(body.groups[0].unusedA, &facts, sizeof facts);
     putPunctuation(body, body.groups[1], kPunctuationBegin);
     putPunctuation(body, body.groups[2], kWidePunctuationBegin);

@@ -40,6 +40,21 @@ inline constexpr std::uint32_t kPunctuationBegin = 0x3000;
 inline constexpr std::uint32_t kWidePunctuationBegin = 0xFF00;
 inline constexpr unsigned kPunctuation = 29; // values of each
 
+// What kernels need of the rectangle, as they add it to units of 16 bits. An index is a place counted from 1;
+// its code is codeBase + index + (the row of its place) * rowStep, and what the gaps add: trailShift to a
+// code whose low byte is above trailGapLow, then leadShift to one above leadGapEnd.
+struct [[gnu::packed]] PairUnits {
+    std::uint16_t span; // of the reverse window; 0 without one
+    std::uint16_t codeBase;
+    std::uint16_t rowStep;
+    std::uint16_t reciprocal; // place * reciprocal >> 16 >> reciprocalShift is the row
+    std::uint16_t reciprocalShift;
+    std::uint16_t trailGapLow;
+    std::uint16_t trailShift;
+    std::uint16_t leadGapEnd;
+    std::uint16_t leadShift;
+};
+
 // The facts lie in the unused bytes of the groups: these in the first, the indexes of U+3000 on in the
 // second, those of U+FF00 on in the third.
 struct [[gnu::packed]] MappingFacts {
@@ -48,6 +63,7 @@ struct [[gnu::packed]] MappingFacts {
     std::uint16_t marks[kSoundMarks];
     std::uint32_t
         reciprocal; // of trailsPerLead: place * reciprocal >> kReciprocalShift is place / trailsPerLead
+    PairUnits units;
 };
 static_assert(sizeof(MappingFacts) <= sizeof(file::MappingGroup::unusedA));
 static_assert(kPunctuation * sizeof(std::uint16_t) <= sizeof(file::MappingGroup::unusedA));

@@ -1,10 +1,11 @@
-#include "convert/kernels/instruction_sets.hpp"
+#include "core/instruction_sets.hpp"
 
 #if defined(VELNLS_PLAIN_LOOPS)
 #elif defined(__x86_64__) && !defined(__clang__) && __has_include(<sys/platform/x86.h>)
 #include <sys/platform/x86.h> // what the dynamic loader has found out: asking the processor again traps under a hypervisor
 #define VELNLS_LOADER_KNOWS 1
 #elif defined(__x86_64__)
+#include <atomic>
 #include <cpuid.h>
 #endif
 
@@ -17,16 +18,20 @@ namespace velnls {
 
 namespace {
 
-#if defined(VELNLS_LOADER_KNOWS)
-
-bool hasWideVectors() {
-    return CPU_FEATURE_ACTIVE(AVX512F) && CPU_FEATURE_ACTIVE(AVX512BW) && CPU_FEATURE_ACTIVE(AVX512VL) &&
-           CPU_FEATURE_ACTIVE(AVX512_VBMI) && CPU_FEATURE_ACTIVE(AVX512_VBMI2) && CPU_FEATURE_ACTIVE(BMI2);
+[[maybe_unused]] std::uint32_t setsOf(bool wideVectors, bool byteShuffles) {
+    return (wideVectors ? kWideVectors : 0) | (byteShuffles ? kByteShuffles : 0);
 }
 
-bool hasByteShuffles() {
-    return CPU_FEATURE_ACTIVE(AVX2) && CPU_FEATURE_ACTIVE(BMI1) && CPU_FEATURE_ACTIVE(BMI2) &&
-           CPU_FEATURE_ACTIVE(LZCNT) && CPU_FEATURE_ACTIVE(POPCNT);
+#if defined(VELNLS_LOADER_KNOWS)
+
+std::uint32_t processorSets() {
+    const bool wideVectors = CPU_FEATURE_ACTIVE(AVX512F) && CPU_FEATURE_ACTIVE(AVX512BW) &&
+                             CPU_FEATURE_ACTIVE(AVX512VL) && CPU_FEATURE_ACTIVE(AVX512_VBMI) &&
+                             CPU_FEATURE_ACTIVE(AVX512_VBMI2) && CPU_FEATURE_ACTIVE(BMI2);
+    const bool byteShuffles = CPU_FEATURE_ACTIVE(AVX2) && CPU_FEATURE_ACTIVE(BMI1) &&
+                              CPU_FEATURE_ACTIVE(BMI2) && CPU_FEATURE_ACTIVE(LZCNT) &&
+                              CPU_FEATURE_ACTIVE(POPCNT);
+    return setsOf(wideVectors, byteShuffles);
 }
 
 #elif defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
@@ -39,7 +44,7 @@ struct Features {
     unsigned saved = 0;     // registers that the operating system keeps
 };
 
-Features findFeatures() {
+Features askProcessor() {
     Features found;
     unsigned a = 0;
     unsigned b = 0;
@@ -60,31 +65,39 @@ bool hasAll(unsigned word, unsigned bits) {
     return (word & bits) == bits;
 }
 
-bool hasWideVectors() {
+bool hasWideVectors(const Features &found) {
     constexpr unsigned kAllVectorState = 0xE6;
     constexpr unsigned kOfB = 1u << 8 | 1u << 16 | 1u << 30 | 1u << 31; // BMI2, AVX512F, BW, VL
     constexpr unsigned kOfC = 1u << 1 | 1u << 6;                        // VBMI, VBMI2
-    const Features found = findFeatures();
     return hasAll(found.saved, kAllVectorState) && hasAll(found.b, kOfB) && hasAll(found.c, kOfC);
 }
 
-bool hasByteShuffles() {
+bool hasByteShuffles(const Features &found) {
     constexpr unsigned kVectorState = 0x06;
     constexpr unsigned kOfB = 1u << 3 | 1u << 5 | 1u << 8; // BMI1, AVX2, BMI2
     constexpr unsigned kPopulationCount = 1u << 23;
     constexpr unsigned kLeadingZeros = 1u << 5;
-    const Features found = findFeatures();
     return hasAll(found.saved, kVectorState) && hasAll(found.b, kOfB) &&
            hasAll(found.basicC, kPopulationCount) && hasAll(found.extendedC, kLeadingZeros);
 }
 
+// Asked once by the process: under a hypervisor the questions take longer than to open a data file.
+std::uint32_t processorSets() {
+    constexpr std::uint32_t kAsked = 1;
+    static std::atomic<std::uint32_t> known{0};
+    std::uint32_t sets = known.load(std::memory_order_relaxed);
+    if (sets == 0) {
+        const Features found = askProcessor();
+        sets = setsOf(hasWideVectors(found), hasByteShuffles(found)) | kAsked;
+        known.store(sets, std::memory_order_relaxed);
+    }
+    return sets & kInstructionSets;
+}
+
 #else
 
-bool hasWideVectors() {
-    return false;
-}
-bool hasByteShuffles() {
-    return false;
+std::uint32_t processorSets() {
+    return 0;
 }
 
 #endif
@@ -92,7 +105,7 @@ bool hasByteShuffles() {
 } // namespace
 
 std::uint32_t instructionSets() {
-    std::uint32_t sets = (hasWideVectors() ? kWideVectors : 0) | (hasByteShuffles() ? kByteShuffles : 0);
+    std::uint32_t sets = processorSets();
 #if defined(VELNLS_CPU_SWITCHES)
     // Test builds only: runs what other processors run.
     if (const char *const off = std::getenv("VELNLS_CPU_OFF"); off != nullptr) {
