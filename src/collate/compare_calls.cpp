@@ -79,9 +79,9 @@ struct Differences {
 [[gnu::always_inline]] inline nlsStatus compareByWeights(const nlsLocale *locale, std::uint32_t proofs,
                                                          const char *a, const char *b,
                                                          const std::uint8_t *weights, std::int16_t *out) {
-    const int order = orderOfWeights(weights[*bytesOf(a)], weights[*bytesOf(b)]);
-    if (order != kUnsettled)
-        return give(order, out);
+    if (*a != *b)
+        if (const int order = orderOfWeights(weights[*bytesOf(a)], weights[*bytesOf(b)]); order != kUnsettled)
+            return give(order, out);
     return (proofs & kWideVectors) != 0 ? avx512::compareFirstWeights(locale, a, b, weights, out)
                                         : compareFirstWeights(locale, a, b, weights, out);
 }
