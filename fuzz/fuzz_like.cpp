@@ -28,7 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string pattern = fuzz::stringOf(input, 24);
     // The recursion of the twin multiplies with every wildcard, so texts get shorter.
     const std::size_t wildcards = mostWildcards(pattern, signs);
-    std::string text = fuzz::stringOf(input, wildcards <= 2 ? 400 : wildcards <= 4 ? 40 : 14);
+    const unsigned longest = wildcards <= 2 ? 400 : wildcards <= 4 ? 40 : wildcards <= 8 ? 14 : 6;
+    std::string text = fuzz::stringOf(input, longest);
     if ((choice & 4) != 0 && wildcards <= 2) // long enough for blocks
         for (std::string piece = text; !piece.empty() && text.size() < 1200;)
             text += piece;
