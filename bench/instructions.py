@@ -25,14 +25,19 @@ def count_to_return():
 
 
 gdb.execute("set confirm off")
-gdb.execute("set breakpoint pending on")
-gdb.execute("break " + FUNCTION, to_string=True)
-gdb.breakpoints()[0].ignore_count = SKIPPED
+gdb.execute("break main", to_string=True)
 gdb.execute("run", to_string=True)
+# At the very first instruction, where the place to return to lies on top of the stack.
+gdb.execute("break *" + FUNCTION, to_string=True)
+gdb.breakpoints()[-1].ignore_count = SKIPPED
 counts = []
-for _ in range(CALLS):
-    counts.append(count_to_return())
-    gdb.execute("continue", to_string=True)
+try:
+    for _ in range(CALLS):
+        gdb.execute("continue", to_string=True)
+        counts.append(count_to_return())
+except gdb.error:
+    print("%s: the row ended after %d of %d calls" % (FUNCTION, SKIPPED + len(counts), SKIPPED + CALLS))
+    gdb.execute("quit 1")
 counts.sort()
 print("%s: %.0f instructions a call on average, %d to %d, over %d calls"
       % (FUNCTION, sum(counts) / len(counts), counts[0], counts[-1], len(counts)))

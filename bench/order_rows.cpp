@@ -14,7 +14,6 @@
 #include <cstring>
 #include <map>
 #include <memory>
-#include <numeric>
 #include <random>
 #include <strings.h>
 

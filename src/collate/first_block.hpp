@@ -7,11 +7,11 @@
 
 namespace velnls {
 
-inline const std::uint8_t *bytesOf(const char *text) {
+[[gnu::always_inline]] inline const std::uint8_t *bytesOf(const char *text) {
     return reinterpret_cast<const std::uint8_t *>(text);
 }
 
-inline nlsStatus give(int order, std::int16_t *out) {
+[[gnu::always_inline]] inline nlsStatus give(int order, std::int16_t *out) {
     *out = static_cast<std::int16_t>(order);
     return NLS_OK;
 }

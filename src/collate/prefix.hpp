@@ -12,7 +12,7 @@ inline std::size_t bytesLeft(Text text) {
 }
 
 // -1 or 1 for two numbers that are not equal. Which one is smaller is what no processor can foresee: no jump.
-inline int orderOf(unsigned a, unsigned b) {
+[[gnu::always_inline]] inline int orderOf(unsigned a, unsigned b) {
     return static_cast<int>(a - b) >> 31 | 1;
 }
 

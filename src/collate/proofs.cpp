@@ -2,7 +2,6 @@
 
 #include "collate/basic.hpp"
 #include "core/file_layout.hpp"
-#include "core/instruction_sets.hpp"
 
 #include <cstring>
 
@@ -52,7 +51,7 @@ std::uint32_t proveOrder(const nlsLocale &locale) {
     }
     const bool decide = (page & kSingleBytePage) != 0 && !locale.charTable->has(file::kThroughShiftJis) &&
                         collation.caseSensitive[0] == 0 && collation.caseInsensitive[0] == 0;
-    return decide ? kByteWeights | instructionSets() : 0;
+    return decide ? kByteWeights : 0;
 }
 
 } // namespace velnls

@@ -30,7 +30,7 @@ inline const std::uint8_t *provedWeights(const nlsLocale &locale, unsigned mode)
 // end of a string ranks below every byte, but a blank on the other side may be the first of blanks at an end.
 inline constexpr int kUnsettled = 2;
 
-inline int signOf(int difference) {
+[[gnu::always_inline]] inline int signOf(int difference) {
     return (difference > 0) - (difference < 0);
 }
 

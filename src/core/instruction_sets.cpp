@@ -19,7 +19,7 @@ namespace velnls {
 namespace {
 
 [[maybe_unused]] std::uint32_t setsOf(bool wideVectors, bool byteShuffles) {
-    return (wideVectors ? kWideVectors : 0) | (byteShuffles ? kByteShuffles : 0);
+    return (wideVectors && byteShuffles ? kWideVectors : 0) | (byteShuffles ? kByteShuffles : 0);
 }
 
 #if defined(VELNLS_LOADER_KNOWS)

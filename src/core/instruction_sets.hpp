@@ -1,4 +1,4 @@
-// What the processor can do beyond the baseline, asked once per converter and kept among its proofs.
+// What the processor can do beyond the baseline: asked when an object is made, and kept among its proofs.
 #pragma once
 
 #include <cstdint>

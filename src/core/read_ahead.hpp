@@ -107,7 +107,7 @@ inline bool anyZero(Ahead block) {
     return _mm_movemask_epi8(_mm_cmpeq_epi8(both, _mm_setzero_si128())) != 0;
 }
 
-inline unsigned firstOf(std::uint32_t mask) {
+[[gnu::always_inline]] inline unsigned firstOf(std::uint32_t mask) {
     return static_cast<unsigned>(__builtin_ctz(mask));
 }
 

@@ -286,8 +286,8 @@ nlsStatus replaceAt(const ShortPlaces &found, const std::uint8_t *text_, Replaci
     return replacing.finish(text_ + found.textLength);
 }
 
-nlsStatus replaceByPage(const nlsLocale &locale, const char *pattern, const char *text_, unsigned mode,
-                        Replacing &replacing) {
+[[gnu::noinline]] nlsStatus replaceByPage(const nlsLocale &locale, const char *pattern, const char *text_,
+                                          unsigned mode, Replacing &replacing) {
     const Whole sought(pattern);
     if (const nlsStatus status = checkNotCut(locale, sought); status != NLS_OK)
         return status;
@@ -307,7 +307,7 @@ nlsStatus replaceByPage(const nlsLocale &locale, const char *pattern, const char
     });
 }
 
-// Where a short text has matches, or blocks of it settle nothing. A function of its own, so that a text
+// Where a short text has matches, or one block does not settle it. A function of its own, so that a text
 // without any does not pay for what this keeps.
 [[gnu::noinline]] nlsStatus replaceAny(const nlsLocale &locale, const char *pattern, const char *replacement,
                                        const char *text_, unsigned mode, const ShortPlaces &brief,

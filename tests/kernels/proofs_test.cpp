@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 using namespace velnls;
@@ -41,6 +42,66 @@ TEST(Proofs, PagesOfLeadAndTrailBytesAreRectangles) {
 
 TEST(Proofs, EbcdicIsNotAscii) {
     EXPECT_FALSE(fast::canMap(proofsOf("IBM037")));
+}
+
+// The code of an index as the kernels for units of 16 bits make it.
+unsigned codeByUnits(const PairUnits &units, unsigned index) {
+    const auto unit = [](unsigned number) { return number & 0xFFFF; };
+    const unsigned row = (index - 1) * units.reciprocal >> 16 >> units.reciprocalShift;
+    unsigned code = unit(units.codeBase + index + row * units.rowStep);
+    if ((code & 0xFF) > units.trailGapLow)
+        code = unit(code + units.trailShift);
+    if (code > units.leadGapEnd)
+        code = unit(code + units.leadShift);
+    return code;
+}
+
+// Walks the rectangle row by row; gives how many codes it has.
+unsigned checkUnits(const MappingBody &body) {
+    const file::MappingGroup &group = body.groups[2];
+    unsigned index = 0;
+    for (unsigned lead = group.firstLead; lead <= group.lastLead; ++lead) {
+        if (lead > group.leadGapLow && lead < group.leadGapHigh)
+            continue;
+        for (unsigned trail = group.firstTrail; trail <= group.lastTrail; ++trail) {
+            if (trail > group.trailGap1Low && trail < group.trailGap1High)
+                continue;
+            ++index;
+            const unsigned code = lead << 8 | trail;
+            if (codeByUnits(factsOf(body).units, index) != code) {
+                ADD_FAILURE() << "index " << index << " is not of code " << code;
+                return index;
+            }
+        }
+    }
+    return index;
+}
+
+TEST(Proofs, UnitsOfARectangleGiveTheCodeOfEveryIndex) {
+    for (const char *page : {"SHIFT-JIS", "CP949", "CP936", "CP950", "BIG-5"}) {
+        SCOPED_TRACE(page);
+        EXPECT_GT(checkUnits(*mappingOf(page)), 8000u);
+    }
+}
+
+TEST(Proofs, UnitsOfARectangleDivideByAnyNumberOfColumns) {
+    for (unsigned columns = 2; columns <= 0xFF - 0x40; ++columns) {
+        SCOPED_TRACE(columns);
+        MappingBody body = copyOf("CP936");
+        file::MappingGroup &group = body.groups[2];
+        group.reverse = nullptr;
+        group.reverseCount = 0;
+        group.trailGap1Low = 0xFF;
+        group.trailGap1High = 0;
+        group.trailShift1 = 0;
+        group.firstTrail = 0x40;
+        group.lastTrail = static_cast<std::uint8_t>(0x40 + columns - 1);
+        group.trailsPerLead = static_cast<decltype(group.trailsPerLead)>(columns);
+        if (columns * 126 >= std::min<unsigned>(group.valueCount, group.indexLimit))
+            break;
+        ASSERT_EQ(kPairRectangle, proveMapping(body) & kPairRectangle);
+        EXPECT_EQ(checkUnits(body), columns * 126);
+    }
 }
 
 TEST(Proofs, LeadByteOutsideTheRectangleIsRefused) {

@@ -239,11 +239,6 @@ struct PageSink {
     static constexpr std::ptrdiff_t kBlockRoom = 64 + 64;
     static constexpr std::ptrdiff_t kRoom = 32;
 
-    const std::uint16_t *window;
-
-    explicit PageSink(const MappingBody &body)
-        // Without a window nothing lies inside, and its first entry is looked at all the same.
-        : window(body.groups[2].reverseCount != 0 ? body.groups[2].reverse : body.groups[2].values) {}
     [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
         _mm512_storeu_si512(target.at, block);
         target.at += count;
@@ -251,7 +246,7 @@ struct PageSink {
 };
 
 // The windows of single-byte pages are small: they fit registers, where looking up costs a fraction of
-// gathering.
+// loading each entry.
 struct ByteRowSink : PageSink {
     using Lanes = WideLanes;
     static constexpr std::uint32_t kParts = 8;
@@ -268,15 +263,15 @@ struct ByteRowSink : PageSink {
     }
     // The body's window fits.
     explicit ByteRowSink(const MappingBody &body)
-        : PageSink(body), lowest(numbersOf(body.groups[2].lowest)),
+        : lowest(numbersOf(body.groups[2].lowest)),
           span(numbersOf(body.groups[2].highest - body.groups[2].lowest + 1)),
           base(numbersOf(body.groups[2].firstTrail - 1u)) {
         const std::ptrdiff_t count = body.groups[2].highest - body.groups[2].lowest + 1;
         for (std::uint32_t i = 0; i < kParts; ++i) {
             const std::ptrdiff_t left = count - static_cast<std::ptrdiff_t>(32 * i);
             const auto lanes = static_cast<__mmask32>(left <= 0 ? 0 : lowBits(left));
-            part[i] = _mm512_maskz_loadu_epi16(lanes, reinterpret_cast<const std::uint8_t *>(window) +
-                                                          std::size_t{64} * i);
+            part[i] = _mm512_maskz_loadu_epi16(
+                lanes, reinterpret_cast<const std::uint8_t *>(body.groups[2].reverse) + std::size_t{64} * i);
         }
     }
     // The entries at places below kRegisterSpan.
@@ -309,10 +304,14 @@ struct PairSink : PageSink {
 
     const MappingFacts &facts;
     const MappingBody &body;
+    const std::uint16_t *window;
     __m256i lowest;
 
     explicit PairSink(const MappingBody &page)
-        : PageSink(page), facts(factsOf(page)), body(page), lowest(unitsOf(page.groups[2].lowest)) {}
+        : facts(factsOf(page)), body(page),
+          // Without a window nothing lies inside, and its first entry is looked at all the same.
+          window(page.groups[2].reverseCount != 0 ? page.groups[2].reverse : page.groups[2].values),
+          lowest(unitsOf(page.groups[2].lowest)) {}
 
     // The indexes of the lanes outside the window: kana and letters by stretches, punctuation one by one.
     [[gnu::always_inline]] __m256i besideWindow(__m256i values, __mmask16 lanes, __m256i found) const {
@@ -321,7 +320,9 @@ struct PairSink : PageSink {
                                                 unitsOf(count));
         };
         static_assert(kKanaBlocks + kLetterBlocks == 8 && sizeof(LinearBlock) == 4);
-        const auto blocks = loadNumber<__m256i>(facts.kana);
+        static_assert(offsetof(MappingFacts, letters) == offsetof(MappingFacts, kana) + 4 * kKanaBlocks &&
+                      offsetof(MappingFacts, kana) == 0);
+        const auto blocks = loadNumber<__m256i>(&facts);
         // `number`: twice that of the block, in its low four bits.
         const auto linear = [&found, values, blocks](__mmask16 which, __m256i number) {
             const __m256i block = _mm256_permutexvar_epi16(number, blocks);

@@ -126,8 +126,7 @@ bool isPairRectangle(const MappingBody &body) {
     const unsigned columns = group.lastTrail - group.firstTrail + 1u - trailsLeftOut;
     const unsigned rows = group.lastLead - group.firstLead + 1u - leadsLeftOut;
     const std::uint32_t last = columns * rows;
-    // What divides a place by the columns does so below 2^15.
-    return columns == group.trailsPerLead && columns > 1 && last < 0x8000 && last < group.indexLimit &&
+    return columns == group.trailsPerLead && columns > 1 && last < group.indexLimit &&
            last < group.valueCount && hasIndexesUpTo(group, last);
 }
 
@@ -175,18 +174,19 @@ void putPunctuation(MappingBody &body, MappingGroup &group, std::uint32_t begin)
     std::memcpy(group.unusedA, indexes, sizeof indexes);
 }
 
-PairUnits unitsOf(const MappingGroup &group, std::uint32_t reciprocal) {
+PairUnits pairUnits(const MappingGroup &group) {
     PairUnits units{};
     units.span = static_cast<std::uint16_t>(group.reverseCount == 0 ? 0 : group.highest - group.lowest + 1);
     units.codeBase = static_cast<std::uint16_t>(group.firstLead * 0x100 + group.firstTrail - 1);
     units.rowStep = static_cast<std::uint16_t>(0x100 - group.trailsPerLead);
-    // Of the reciprocal as many bits as fill a unit, rounded up. The error is below trailsPerLead, which is
-    // at most twice 2^shift: times a place below 2^15 it stays below one.
+    // 2^(16 + shift) / trailsPerLead, rounded up, with as many bits as fill a unit. The error is below
+    // trailsPerLead, which is at most twice 2^shift: times a place, of at most 128 rows
+    // of 255, it stays below one.
+    const unsigned divisor = group.trailsPerLead;
     unsigned shift = 0;
-    while (group.trailsPerLead > 2u << shift)
+    while (divisor > 2U << shift)
         ++shift;
-    const unsigned dropped = kReciprocalShift - 16 - shift;
-    units.reciprocal = static_cast<std::uint16_t>((reciprocal + (1u << dropped) - 1) >> dropped);
+    units.reciprocal = static_cast<std::uint16_t>(((0x10000U << shift) + divisor - 1) / divisor);
     units.reciprocalShift = static_cast<std::uint16_t>(shift);
     units.trailGapLow = group.trailGap1Low;
     units.trailShift = group.trailShift1;
@@ -206,7 +206,7 @@ void putFacts(MappingBody &body) {
     // Rounded up. The error of at most 254 per 2^24, times a place below 2^16, stays below one.
     const std::uint32_t divisor = body.groups[2].trailsPerLead;
     facts.reciprocal = ((1u << kReciprocalShift) + divisor - 1) / divisor;
-    facts.units = unitsOf(body.groups[2], facts.reciprocal);
+    facts.units = pairUnits(body.groups[2]);
     std::memcpy(body.groups[0].unusedA, &facts, sizeof facts);
     putPunctuation(body, body.groups[1], kPunctuationBegin);
     putPunctuation(body, body.groups[2], kWidePunctuationBegin);
