@@ -122,7 +122,7 @@ TEST(Proofs, CharacterOfThreeBytesIsRefused) {
 
 TEST(Proofs, DamagedAsciiIsNoIdentity) {
     CharTable table = *copyOf("1252").charTable;
-    table.attributes['a'] = 1;
+    table.attributes[unsigned{'a'}] = 1;
     MappingBody body = copyOf("1252");
     body.charTable = &table;
     EXPECT_EQ(0u, proveMapping(body));
