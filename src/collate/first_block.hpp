@@ -7,10 +7,6 @@
 
 namespace velnls {
 
-[[gnu::always_inline]] inline const std::uint8_t *bytesOf(const char *text) {
-    return reinterpret_cast<const std::uint8_t *>(text);
-}
-
 [[gnu::always_inline]] inline nlsStatus give(int order, std::int16_t *out) {
     *out = static_cast<std::int16_t>(order);
     return NLS_OK;

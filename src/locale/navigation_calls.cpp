@@ -1,5 +1,6 @@
 // nlsGetNextChar, nlsGetPrevChar, nlsCharToLChar, nlsLCharToChar, nlsGetCharProperty.
 #include "locale/checks.hpp"
+#include "locale/text.hpp"
 #include "locale/walk.hpp"
 
 using namespace velnls;
@@ -13,10 +14,6 @@ constexpr nlsStatus kDigit = static_cast<nlsStatus>(-2);
 // Packed characters that are not single bytes: two bytes up to 0xFFFE, or the UTF-8 forms of three bytes.
 constexpr std::uint32_t kLowestThreeBytes = 0xE08080;
 constexpr std::uint32_t kHighestThreeBytes = 0xF4BFC0;
-
-const std::uint8_t *bytes(const char *text) {
-    return reinterpret_cast<const std::uint8_t *>(text);
-}
 
 // Results point into the caller's text, which the caller may write to.
 char *text(const std::uint8_t *at) {
@@ -49,7 +46,7 @@ nlsStatus endOr0(const std::uint8_t *at) {
         *next = nullptr;
         return NLS_E_NOCHARTAB;
     }
-    const std::uint8_t *const at = bytes(p);
+    const std::uint8_t *const at = bytesOf(p);
     const CharTable &table = *locale->charTable;
     // The usual ones first, and without a look into the table where the page is proved to be UTF-8.
     if ((locale->header.proofs & kUtf8Page) != 0) {
@@ -81,10 +78,10 @@ nlsStatus nlsGetPrevChar(nlsLocale *locale, const char *p, const char *start, ch
         return NLS_E_NOCHARTAB;
     }
     if (p <= start) {
-        *prev = text(bytes(start));
+        *prev = text(bytesOf(start));
         return NLS_E_END;
     }
-    *prev = text(BackWalk(*locale->charTable, bytes(start)).before(bytes(p)));
+    *prev = text(BackWalk(*locale->charTable, bytesOf(start)).before(bytesOf(p)));
     return NLS_OK;
 }
 
@@ -96,7 +93,7 @@ nlsStatus nlsGetCharProperty(nlsLocale *locale, const char *ch, int32_t classVal
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
     const CharTable &table = *locale->charTable;
-    const std::uint8_t byte = *bytes(ch);
+    const std::uint8_t byte = *bytesOf(ch);
     if (table.classes[byte] != static_cast<std::uint8_t>(classValue)) {
         *value = static_cast<std::uint32_t>(classValue) + 1;
         return kOtherCharacter;
@@ -121,7 +118,7 @@ nlsStatus nlsCharToLChar(nlsLocale *locale, char **pp, uint32_t *lchar) {
     *lchar = 0;
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
-    const std::uint8_t *at = bytes(*pp);
+    const std::uint8_t *at = bytesOf(*pp);
     if (*at == 0)
         return NLS_E_END;
     const unsigned trails = locale->charTable->trailCount(*at);
@@ -163,7 +160,7 @@ nlsStatus nlsLCharToChar(nlsLocale *locale, uint32_t lchar, char **pp, uint16_t 
     const std::uint16_t count = lchar > 0xFFFF ? 3 : 2;
     for (unsigned i = 0; i < count; ++i)
         out[i] = static_cast<char>(lchar >> 8 * (count - 1 - i));
-    const std::uint8_t *const written = bytes(out);
+    const std::uint8_t *const written = bytesOf(out);
     if (table.trailCount(written[0]) + 1 != count)
         return NLS_E_BADCHAR;
     *length = count;

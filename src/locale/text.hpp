@@ -5,6 +5,10 @@
 
 namespace velnls {
 
+[[gnu::always_inline]] inline const std::uint8_t *bytesOf(const char *text) {
+    return reinterpret_cast<const std::uint8_t *>(text);
+}
+
 struct Text {
     const std::uint8_t *at;
     const std::uint8_t *end; // unbounded: the highest address, which no text reaches
@@ -32,7 +36,7 @@ inline Text terminatedText(const std::uint8_t *text) {
 
 // A length of -1 means up to the NUL; any other negative one leaves nothing.
 inline Text boundedText(const char *text, std::int64_t length) {
-    const auto *const at = reinterpret_cast<const std::uint8_t *>(text);
+    const std::uint8_t *const at = bytesOf(text);
     if (length == -1)
         return terminatedText(at);
     return {at, length < 0 ? at : at + length};

@@ -1,6 +1,7 @@
 // nlsCountBytes, nlsCountChars, nlsCountColumns, nlsSubstr, nlsExtract, nlsValidateString.
 #include "core/text.hpp"
 #include "locale/checks.hpp"
+#include "locale/text.hpp"
 #include "locale/walk.hpp"
 #include "string/count.hpp"
 #include "string/out_text.hpp"
@@ -12,10 +13,6 @@
 using namespace velnls;
 
 namespace {
-
-const std::uint8_t *bytesOf(const char *text) {
-    return reinterpret_cast<const std::uint8_t *>(text);
-}
 
 // 0, 13, 24, 16 (`argumentsGiven` is false) or 27. The count is set to 0 before arguments are looked at.
 nlsStatus checkText(const nlsLocale *locale, bool argumentsGiven, std::uint32_t *count) {

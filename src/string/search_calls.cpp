@@ -1,5 +1,6 @@
 // nlsSearchForw, nlsSearchBack, nlsReplace, nlsReplaceAll.
 #include "locale/checks.hpp"
+#include "locale/text.hpp"
 #include "string/out_text.hpp"
 #include "string/replace_blocks.hpp"
 #include "string/search.hpp"
@@ -11,10 +12,6 @@
 using namespace velnls;
 
 namespace {
-
-const std::uint8_t *bytes(const char *text) {
-    return reinterpret_cast<const std::uint8_t *>(text);
-}
 
 // Matches point into the caller's text, which the caller may write to.
 char *text(const std::uint8_t *at) {
@@ -30,7 +27,7 @@ struct Whole {
     const std::uint8_t *at;
     const std::uint8_t *end;
 
-    explicit Whole(const char *string) : at(bytes(string)), end(at + std::strlen(string)) {}
+    explicit Whole(const char *string) : at(bytesOf(string)), end(at + std::strlen(string)) {}
     [[nodiscard]] bool empty() const {
         return at == end;
     }
@@ -110,12 +107,12 @@ public:
     // Replaces a match behind the ones before. Null where no room is left; otherwise the match's end.
     const std::uint8_t *replace(const Match &match) {
         if (insteadEnd_ == nullptr)
-            insteadEnd_ = bytes(replacement_) + std::strlen(replacement_);
+            insteadEnd_ = bytesOf(replacement_) + std::strlen(replacement_);
         status_ = written_ == nullptr ? result_.begin(where_, match.at) : result_.append(written_, match.at);
         if (status_ != NLS_OK)
             return nullptr;
         written_ = match.at;
-        if (result_.append(bytes(replacement_), insteadEnd_) != NLS_OK)
+        if (result_.append(bytesOf(replacement_), insteadEnd_) != NLS_OK)
             return nullptr;
         written_ = match.end;
         ++count_;
@@ -123,8 +120,8 @@ public:
     }
     // Behind a match, replaces what follows as far as blocks go. Gives the place behind that.
     const std::uint8_t *replaceBlocks(const Whole &sought, const Whole &where, bool isUtf8) {
-        const avx512::ByteReplacement by{sought.at, sought.end - sought.at, bytes(replacement_),
-                                         insteadEnd_ - bytes(replacement_), isUtf8};
+        const avx512::ByteReplacement by{sought.at, sought.end - sought.at, bytesOf(replacement_),
+                                         insteadEnd_ - bytesOf(replacement_), isUtf8};
         // Where the room may not do, each piece is looked at before it is written.
         if (by.insteadLength > by.kMost || where.end - written_ < by.kWorthwhile ||
             by.longestOf(where.end - written_) > result_.room())
@@ -171,11 +168,11 @@ nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text
         return NLS_E_NULLARG;
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
-    if (const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytes(pattern), bytes(text_));
+    if (const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytesOf(pattern), bytesOf(text_));
         brief.settled()) {
         if (brief.places != 0) {
             const auto place = static_cast<std::uint32_t>(__builtin_ctzll(brief.places));
-            *found = text(bytes(text_) + place);
+            *found = text(bytesOf(text_) + place);
             *position = place + 1;
             *endOffset = place + brief.patternLength;
         }
@@ -224,7 +221,7 @@ nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text
     if (const nlsStatus status = countWhole(*locale, Whole(pattern), sought); status != NLS_OK)
         return status;
     const std::size_t length = ::strnlen(text_, static_cast<std::size_t>(textLength));
-    if (const nlsStatus status = countText(*locale, bytes(text_), length, rest); status != NLS_OK)
+    if (const nlsStatus status = countText(*locale, bytesOf(text_), length, rest); status != NLS_OK)
         return status;
     if (sought.at == sought.end) {
         *position = static_cast<std::uint32_t>(textLength) + 1;
@@ -262,7 +259,7 @@ nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replace
         return result.copy(where.at, where.end);
     // An empty pattern is found behind the end.
     const std::uint8_t *const behind = std::min(where.at + *endOffset, where.end);
-    if (const nlsStatus status = result.begin(where.at, bytes(*found)); status != NLS_OK)
+    if (const nlsStatus status = result.begin(where.at, bytesOf(*found)); status != NLS_OK)
         return status;
     if (const nlsStatus status = result.append(instead.at, instead.end); status != NLS_OK)
         return result.blank(status);
@@ -312,8 +309,8 @@ nlsStatus replaceAt(const ShortPlaces &found, const std::uint8_t *text_, Replaci
 [[gnu::noinline]] nlsStatus replaceAny(const nlsLocale &locale, const char *pattern, const char *replacement,
                                        const char *text_, unsigned mode, const ShortPlaces &brief,
                                        nlsStr &out, std::uint32_t &count) {
-    Replacing replacing(locale, bytes(text_), replacement, out, count);
-    return brief.settled() ? replaceAt(brief, bytes(text_), replacing)
+    Replacing replacing(locale, bytesOf(text_), replacement, out, count);
+    return brief.settled() ? replaceAt(brief, bytesOf(text_), replacing)
                            : replaceByPage(locale, pattern, text_, mode, replacing);
 }
 
@@ -329,8 +326,8 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
     *count = 0;
-    const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytes(pattern), bytes(text_));
+    const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytesOf(pattern), bytesOf(text_));
     if (brief.settled() && brief.places == 0)
-        return OutText(*out, locale->header.proofs).copy(bytes(text_), bytes(text_) + brief.textLength);
+        return OutText(*out, locale->header.proofs).copy(bytesOf(text_), bytesOf(text_) + brief.textLength);
     return replaceAny(*locale, pattern, replacement, text_, caseFlag, brief, *out, *count);
 }

@@ -1,5 +1,6 @@
 // nlsFindCharForw, nlsFindCharBack, nlsFindLtrimPtrForw, nlsFindRtrimPtrBack.
 #include "locale/checks.hpp"
+#include "locale/text.hpp"
 #include "string/search.hpp"
 
 #include <cstring>
@@ -10,16 +11,12 @@ namespace {
 
 constexpr char kBlankSet[] = " ";
 
-const std::uint8_t *bytes(const char *text) {
-    return reinterpret_cast<const std::uint8_t *>(text);
-}
-
 char *text(const std::uint8_t *at) {
     return reinterpret_cast<char *>(const_cast<std::uint8_t *>(at));
 }
 
 std::uint32_t positionOf(const std::uint8_t *at, const char *from) {
-    return static_cast<std::uint32_t>(at - bytes(from)) + 1;
+    return static_cast<std::uint32_t>(at - bytesOf(from)) + 1;
 }
 
 // The bytes of a packed character, leading zero bytes dropped, as a text.
@@ -106,7 +103,7 @@ nlsStatus checkFind(const nlsLocale *locale, const uint32_t *lchar, const char *
 
 // What both directions answer for the character 0.
 void findTerminator(const char *str, std::uint32_t &position, char **found) {
-    const std::uint8_t *const end = bytes(str) + std::strlen(str);
+    const std::uint8_t *const end = bytesOf(str) + std::strlen(str);
     position = positionOf(end, str);
     *found = text(end);
 }
@@ -151,7 +148,7 @@ nlsStatus nlsFindCharForw(nlsLocale *locale, const uint32_t *lchar, const char *
     const Unpacked sought(*lchar);
     return withPageFor(*locale, caseFlag, sought, [&](const auto &page) {
         const std::uint8_t *at = nullptr;
-        const nlsStatus status = findInText(page, sought, bytes(str), at);
+        const nlsStatus status = findInText(page, sought, bytesOf(str), at);
         if (at != nullptr) {
             *found = text(at);
             *position = positionOf(at, str);
@@ -172,8 +169,8 @@ nlsStatus nlsFindCharBack(nlsLocale *locale, const uint32_t *lchar, const char *
         return NLS_E_NULLARG;
     const Unpacked sought(*lchar);
     return withPageFor(*locale, caseFlag, sought, [&](const auto &page) -> nlsStatus {
-        BackWalk walk(*locale->charTable, bytes(str));
-        for (const std::uint8_t *at = bytes(str) + length; at != bytes(str);) {
+        BackWalk walk(*locale->charTable, bytesOf(str));
+        for (const std::uint8_t *at = bytesOf(str) + length; at != bytesOf(str);) {
             at = walk.before(at);
             bool equal = false;
             if (const nlsStatus status =
@@ -201,9 +198,9 @@ nlsStatus nlsFindLtrimPtrForw(nlsLocale *locale, const char *trimSet, const char
         *result = nullptr;
         return NLS_E_NOCHARTAB;
     }
-    const std::uint8_t *const set = bytes(trimSet == nullptr ? kBlankSet : trimSet);
+    const std::uint8_t *const set = bytesOf(trimSet == nullptr ? kBlankSet : trimSet);
     return withPage(*locale, caseFlag, [&](const auto &page) {
-        const std::uint8_t *at = bytes(str);
+        const std::uint8_t *at = bytesOf(str);
         while (*at != 0) {
             const Character character = page.characters().characterAt(at);
             const std::uint8_t *inSet = nullptr;
@@ -232,11 +229,11 @@ nlsStatus nlsFindRtrimPtrBack(nlsLocale *locale, const char *trimSet, char *str,
         *result = nullptr;
         return NLS_E_NOCHARTAB;
     }
-    const std::uint8_t *const set = bytes(trimSet == nullptr ? kBlankSet : trimSet);
+    const std::uint8_t *const set = bytesOf(trimSet == nullptr ? kBlankSet : trimSet);
     return withPage(*locale, caseFlag, [&](const auto &page) {
-        BackWalk walk(*locale->charTable, bytes(str));
-        const std::uint8_t *end = bytes(str) + length;
-        while (end != bytes(str)) {
+        BackWalk walk(*locale->charTable, bytesOf(str));
+        const std::uint8_t *end = bytesOf(str) + length;
+        while (end != bytesOf(str)) {
             const std::uint8_t *const start = walk.before(end);
             bool isInSet = false;
             if (const nlsStatus status = isIn(page, *locale, start, end, set, isInSet); status != NLS_OK)
