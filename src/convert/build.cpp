@@ -122,7 +122,7 @@ nlsStatus buildByType(nlsHandle &handle, Entry &entry, const file::Conversion &r
     case kPageToUtf8Widest:
     case kUtf8ToPage:
     case kUtf8ToBytePage:
-        return buildMapping(handle, entry.name, entry.name2, type, out);
+        return buildMapping(handle, entry, type, out);
     case kByteToUtf8:
     case kByteToUtf8Wide:
         return buildByteTables(handle, entry.name, entry.name2, type, record, out);

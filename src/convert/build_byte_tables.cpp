@@ -17,32 +17,25 @@ constexpr std::uint8_t kZeroByteTable[256] = {};
 constexpr std::int32_t kAsciiTableSize = 256;
 constexpr std::int32_t kTrailTableSize = 72;
 
-struct Slot {
+// A unit in UTF-8, three bytes at most: the bytes in memory order, and where the way back keeps it.
+struct Utf8Form {
+    std::uint32_t bytes;
     unsigned table; // by lead byte, or for three bytes by second byte; 0 for ASCII
     unsigned place;
 };
 
-// The UTF-8 bytes of a unit, in memory order.
-std::uint32_t utf8Bytes(std::uint16_t unit) {
-    std::uint8_t bytes[4] = {};
-    Target target{bytes, bytes + sizeof bytes};
-    writeUtf8(target, isSurrogate(unit) ? std::uint32_t{'?'} : unit);
-    std::uint32_t character = 0;
-    std::memcpy(&character, bytes, sizeof character);
-    return character;
-}
-
-Slot slotOf(std::uint32_t character) {
-    std::uint8_t bytes[4];
-    std::memcpy(bytes, &character, sizeof bytes);
-    switch (utf8Trails(bytes[0])) {
-    case 0:
-        return {0, bytes[0]};
-    case 1:
-        return {bytes[0], bytes[1] & 0x3Fu};
-    default: // a 16-bit unit takes three bytes at most
-        return {bytes[1], bytes[2] & 0x3Fu};
+Utf8Form utf8FormOf(std::uint16_t unit) {
+    if (isSurrogate(unit))
+        unit = '?';
+    if (unit < 0x80)
+        return {unit, 0, unit};
+    const unsigned last = unit & 0x3Fu;
+    if (unit < 0x800) {
+        const unsigned lead = 0xC0u | unit >> 6;
+        return {(0x80 | last) << 8 | lead, lead, last};
     }
+    const unsigned second = 0x80u | (unit >> 6 & 0x3F);
+    return {(0x80 | last) << 16 | second << 8 | 0xE0u | unit >> 12, second, last};
 }
 
 } // namespace
@@ -52,18 +45,17 @@ nlsStatus buildByteTables(nlsHandle &handle, const char *source, const char *tar
     ByteToUtf8Body forward{};
     Utf8ToByteBody reverse{};
     for (unsigned byte = 0; byte < 256; ++byte) {
-        const std::uint32_t character =
-            utf8Bytes(loadUnit<std::uint16_t>(record.body + std::size_t{byte} * 2, Order::Native));
-        forward.characters[byte] = character;
-        const Slot slot = slotOf(character);
-        if (reverse.tables[slot.table] == nullptr) {
-            const std::int32_t size = slot.table == 0 ? kAsciiTableSize : kTrailTableSize;
+        const Utf8Form form =
+            utf8FormOf(loadUnit<std::uint16_t>(record.body + std::size_t{byte} * 2, Order::Native));
+        forward.characters[byte] = form.bytes;
+        if (reverse.tables[form.table] == nullptr) {
+            const std::int32_t size = form.table == 0 ? kAsciiTableSize : kTrailTableSize;
             void *memory = nullptr;
             if (const nlsStatus status = allocate(handle, size, 1, memory); status != NLS_OK)
                 return status;
-            reverse.tables[slot.table] = static_cast<const std::uint8_t *>(memory);
+            reverse.tables[form.table] = static_cast<const std::uint8_t *>(memory);
         }
-        auto &place = const_cast<std::uint8_t *>(reverse.tables[slot.table])[slot.place];
+        auto &place = const_cast<std::uint8_t *>(reverse.tables[form.table])[form.place];
         if (place != 0)
             return NLS_E_BADTABLE;
         place = static_cast<std::uint8_t>(byte);

@@ -56,13 +56,11 @@ bool isMappingKind(std::int32_t kind) {
     return readsPage(kind) || kind == kUtf8ToPage || kind == kUtf8ToBytePage;
 }
 
-nlsStatus readDescriptor(nlsHandle &handle, const char *page, const char *unicode,
-                         file::MappingGroup (&groups)[3]) {
-    const Entry *const entry = findEntry(handle, file::kConversion, page, unicode);
-    if (entry == nullptr)
+nlsStatus readDescriptor(nlsHandle &handle, const Entry *fromPage, file::MappingGroup (&groups)[3]) {
+    if (fromPage == nullptr)
         return NLS_E_ICU;
     file::Mapping record;
-    if (!readAt(handle, entry->offset, &record, sizeof record))
+    if (!readAt(handle, fromPage->offset, &record, sizeof record))
         return NLS_E_TABLE;
     std::memcpy(groups, record.groups, sizeof record.groups);
     return NLS_OK;
@@ -92,12 +90,11 @@ nlsStatus storeTable(nlsHandle &handle, const char *source, const char *target, 
     return NLS_OK;
 }
 
-nlsStatus buildMapping(nlsHandle &handle, const char *source, const char *target, std::int32_t type,
-                       const void *&out) {
-    const char *const page = readsPage(type) ? source : target;
-    const char *const unicode = readsPage(type) ? target : source;
+nlsStatus buildMapping(nlsHandle &handle, const Entry &entry, std::int32_t type, const void *&out) {
+    const Entry *const fromPage =
+        readsPage(type) ? &entry : findEntry(handle, file::kConversion, entry.name2, entry.name);
     MappingBody built{};
-    if (const nlsStatus status = readDescriptor(handle, page, unicode, built.groups); status != NLS_OK)
+    if (const nlsStatus status = readDescriptor(handle, fromPage, built.groups); status != NLS_OK)
         return status;
     for (file::MappingGroup &group : built.groups) {
         if (const nlsStatus status = loadSubTables(handle, group); status != NLS_OK)
@@ -109,13 +106,13 @@ nlsStatus buildMapping(nlsHandle &handle, const char *source, const char *target
         return status;
     header->type = type;
     const CharTable *charTable = nullptr;
-    if (loadCharTable(handle, page, charTable) != NLS_OK)
+    if (loadCharTable(handle, fromPage->name, charTable) != NLS_OK)
         return NLS_E_NOMEM;
     built.charTable = charTable;
     header->proofs = proveMapping(built) | instructionSets();
     std::memcpy(header + 1, &built, sizeof built);
-    if (const nlsStatus status =
-            storeTable(handle, target, source, header + 1, sizeof built, header->proofs, isMappingKind);
+    if (const nlsStatus status = storeTable(handle, entry.name2, entry.name, header + 1, sizeof built,
+                                            header->proofs, isMappingKind);
         status != NLS_OK)
         return status;
     out = header + 1;

@@ -6,10 +6,9 @@
 
 namespace velnls {
 
-// Builds the table for source to target and stores a copy for target to source, so that one file table serves
-// both: 0, or 1, 8 (an entry is missing), 21 (short read).
-nlsStatus buildMapping(nlsHandle &handle, const char *source, const char *target, std::int32_t type,
-                       const void *&out);
+// Builds the table for a conversion's entry, the first one of its names, and stores a copy for the way back, so
+// that one file table serves both: 0, or 1, 8 (an entry is missing), 21 (short read).
+nlsStatus buildMapping(nlsHandle &handle, const Entry &entry, std::int32_t type, const void *&out);
 
 // Whether a converter's body is a MappingBody.
 bool isMapping(const void *converter);

@@ -6,7 +6,6 @@
 #include "core/unaligned.hpp"
 
 #include <atomic>
-#include <bit>
 #include <cstring>
 
 #if defined(__SSE2__) && !defined(VELNLS_PLAIN_LOOPS)
@@ -24,74 +23,29 @@ bool hasTable(const Entry &entry) {
     return entry.offset != 0 || entry.kind == file::kConversion;
 }
 
-// A directory has many hundred entries, and every program that starts reads them all: names are cleared
-// behind their NUL by words, and numbers are read digit by digit only where they are nothing but digits.
-
-// Nothing jumps by how long a name is: that cannot be foreseen.
-
-// The high bits of a word's zero bytes; from the lowest one up others may be set besides.
-std::uint64_t zerosOf(std::uint64_t word) {
-    return (word - 0x0101010101010101) & ~word & 0x8080808080808080;
-}
-
-// A word's bytes before its first zero byte, by the zeros found in it and in the words before.
-std::uint64_t beforeZero(std::uint64_t word, std::uint64_t zeros, std::uint64_t zerosBefore) {
-    const std::uint64_t goesOn = zerosBefore == 0 ? ~std::uint64_t{0} : 0;
-    return word & ((zeros & (0 - zeros)) - 1) & goesOn;
-}
-
-[[gnu::always_inline]] inline void takeName(char (&to)[file::kNameSize],
-                                            const char (&from)[file::kNameSize]) {
-    static_assert(std::endian::native == std::endian::little && file::kNameSize == 20);
-    const std::uint64_t last = loadNumber<std::uint32_t>(from + 16) & 0xFFFFFF; // always with a NUL
-#if defined(__SSE2__) && !defined(VELNLS_PLAIN_LOOPS)
-    constexpr unsigned kFirst = 16;
-    static constexpr std::uint8_t kKeep[2 * kFirst] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
-                                                       0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
-    const auto zeros =
-        static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(first, _mm_setzero_si128())));
-    const auto length = static_cast<unsigned>(__builtin_ctz(zeros | 1U << kFirst));
-    const __m128i keep = _mm_loadu_si128(reinterpret_cast<const __m128i *>(kKeep + kFirst - length));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(to), _mm_and_si128(first, keep));
-    storeNumber(to + kFirst, static_cast<std::uint32_t>(beforeZero(last, zerosOf(last), zeros)));
-#else
-    const auto first = loadNumber<std::uint64_t>(from);
-    const auto second = loadNumber<std::uint64_t>(from + 8);
-    const std::uint64_t zeros = zerosOf(first);
-    const std::uint64_t moreZeros = zerosOf(second);
-    storeNumber(to, beforeZero(first, zeros, 0));
-    storeNumber(to + 8, beforeZero(second, moreZeros, zeros));
-    storeNumber(to + 16, static_cast<std::uint32_t>(beforeZero(last, zerosOf(last), zeros | moreZeros)));
-#endif
-}
-
-// Seven digits, the first in the lowest byte.
-std::uint32_t takeOffset(const char (&field)[7], std::uint64_t digits) {
-    const std::uint64_t values = (digits << 8 | '0') ^ 0x3030303030303030;
-    if (((values | (values + 0x7676767676767676)) & 0x8080808080808080) != 0) // not all of them are digits
-        return static_cast<std::uint32_t>(parseNumber(field, sizeof field));
-    // Neighbours together, three times: numbers of two, four and eight digits.
-    const std::uint64_t pairs = values * 10 + (values >> 8);
-    return static_cast<std::uint32_t>(((pairs & 0x000000FF000000FF) * 0x000F424000000064 +
-                                       (pairs >> 16 & 0x000000FF000000FF) * 0x0000271000000001) >>
-                                      32);
-}
-
 // One digit, or 0.
 std::uint16_t takeDigit(char c) {
-    return c >= '0' && c <= '9' ? static_cast<std::uint16_t>(c - '0') : std::uint16_t{0};
+    const auto value = static_cast<std::uint8_t>(c - '0');
+    return value < 10 ? value : std::uint16_t{0};
 }
 
-// Turns a directory entry's file form into its memory form. Both take 64 bytes, so it is done in place.
+// Ends a name and clears what stands behind its NUL.
+void endName(char (&name)[file::kNameSize]) {
+    name[file::kNameSize - 1] = '\0';
+    const std::size_t length = std::strlen(name);
+    std::memset(name + length, 0, file::kNameSize - length);
+}
+
+// Turns a directory entry's file form into its memory form. Both take 64 bytes and begin with the names, so
+// it is done in place.
 void parseEntry(Entry &entry) {
     const auto &raw = reinterpret_cast<const file::Entry &>(entry);
-    const std::uint32_t offset = takeOffset(raw.offset, loadNumber<std::uint64_t>(raw.offset));
+    const auto offset = static_cast<std::uint32_t>(parseNumber(raw.offset, sizeof raw.offset));
     const std::uint16_t variant = takeDigit(raw.variant);
     const std::uint16_t format = raw.format;
     const std::uint16_t kind = takeDigit(raw.kind);
-    takeName(entry.name, raw.name);
-    takeName(entry.name2, raw.name2);
+    endName(entry.name);
+    endName(entry.name2);
     entry.offset = offset;
     entry.variant = variant;
     entry.format = format;
@@ -100,6 +54,60 @@ void parseEntry(Entry &entry) {
     entry.table = nullptr;
 }
 static_assert(sizeof(Entry) == sizeof(file::Entry) && offsetof(Entry, name2) == offsetof(file::Entry, name2));
+
+// A directory has many hundred entries, and every program that starts reads them all. As they are written
+// with care, nothing stands behind a name's NUL, and a number is nothing but digits: then little is left to
+// do, and nothing jumps by what cannot be foreseen, like how long a name is.
+
+#if defined(__SSE2__) && !defined(VELNLS_PLAIN_LOOPS)
+
+std::uint64_t nonZero(const char *at) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+    return 0xFFFFu ^ static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, _mm_setzero_si128())));
+}
+
+// Zero where each name ends in its field, with nothing behind its NUL.
+std::uint64_t behindNames(const file::Entry &raw) {
+    static_assert(file::kNameSize == 20 && offsetof(file::Entry, name2) == 20);
+    const char *const both = raw.name;
+    const std::uint64_t characters = nonZero(both) | nonZero(both + 16) << 16 | nonZero(both + 24) << 24;
+    // Ones from the first bit of a field up, and nothing else, are all carried away by one more.
+    constexpr std::uint64_t kFirsts = 1 | 1 << 20;
+    constexpr std::uint64_t kLasts = kFirsts << 19;
+    return characters & (kLasts | (characters + kFirsts));
+}
+
+// The same as parseEntry, where the entry is written with care; false where it is not.
+bool parseCareful(Entry &entry) {
+    static_assert(offsetof(file::Entry, variant) == offsetof(file::Entry, offset) + 7);
+    const auto &raw = reinterpret_cast<const file::Entry &>(entry);
+    // The seven digits of the offset, the first in the lowest byte, and the variant's.
+    const std::uint64_t digits = loadNumber<std::uint64_t>(raw.offset) ^ 0x3030303030303030;
+    const unsigned kind = static_cast<unsigned char>(raw.kind) - unsigned{'0'};
+    const std::uint64_t noDigits = (digits | (digits + 0x7676767676767676)) & 0x8080808080808080;
+    if ((noDigits | behindNames(raw) | (kind > 9 ? 1 : 0)) != 0) [[unlikely]]
+        return false;
+    // Neighbours together, three times: numbers of two, four and eight digits.
+    const std::uint64_t eight = digits << 8;
+    const std::uint64_t pairs = eight * 10 + (eight >> 8);
+    const std::uint64_t number = (pairs & 0x000000FF000000FF) * 0x000F424000000064 +
+                                 (pairs >> 16 & 0x000000FF000000FF) * 0x0000271000000001;
+    entry.format = raw.format;
+    entry.offset = static_cast<std::uint32_t>(number >> 32);
+    entry.variant = static_cast<std::uint16_t>(digits >> 56);
+    entry.kind = static_cast<std::uint16_t>(kind);
+    std::memset(entry.unused, 0, sizeof entry.unused);
+    entry.table = nullptr;
+    return true;
+}
+
+#else
+
+bool parseCareful(Entry &) {
+    return false;
+}
+
+#endif
 
 } // namespace
 
@@ -133,7 +141,8 @@ nlsStatus loadDirectory(nlsHandle &handle) {
     if (!readAt(handle, offset, memory, static_cast<std::uint32_t>(size)))
         return NLS_E_READ;
     for (Entry &entry : directoryOf(handle)) {
-        parseEntry(entry);
+        if (!parseCareful(entry))
+            parseEntry(entry);
         if (!hasTable(entry))
             return NLS_E_READ;
     }
@@ -141,9 +150,11 @@ nlsStatus loadDirectory(nlsHandle &handle) {
 }
 
 Entry *findEntry(const nlsHandle &handle, std::uint16_t kind, const char *name, const char *name2) {
+    // Mostly one of the first letters differs, and nothing else has to be looked at.
     for (Entry &entry : directoryOf(handle)) {
-        if (entry.kind == kind && sameName(entry.name, name) &&
-            (name2 == nullptr || sameName(entry.name2, name2)))
+        if (entry.kind == kind && beginAlike(entry.name, name) &&
+            (name2 == nullptr || (beginAlike(entry.name2, name2) && sameName(entry.name2, name2))) &&
+            sameName(entry.name, name))
             return &entry;
     }
     return nullptr;

@@ -13,14 +13,16 @@ std::int32_t parseNumber(const char *field, int width);
 // Orders two names without regard to (ASCII) letter case and trailing blanks: negative, 0 or positive.
 int compareNames(const char *a, const char *b);
 
-inline bool sameName(const char *a, const char *b) {
-    // A whole directory is searched by this: most names begin with another letter.
+// Whether two names begin alike, in either case: false where they cannot be the same.
+inline bool beginAlike(const char *a, const char *b) {
     constexpr unsigned kCaseBit = 0x20;
     const auto firstA = static_cast<unsigned char>(*a);
     const auto firstB = static_cast<unsigned char>(*b);
-    if (((firstA ^ firstB) & ~kCaseBit) != 0 && firstA > ' ' && firstB > ' ')
-        return false;
-    return compareNames(a, b) == 0;
+    return ((firstA ^ firstB) & ~kCaseBit) == 0 || firstA <= ' ' || firstB <= ' ';
+}
+
+inline bool sameName(const char *a, const char *b) {
+    return beginAlike(a, b) && compareNames(a, b) == 0;
 }
 
 // Whether a name begins with `prefix`, without regard to (ASCII) letter case.

@@ -78,6 +78,8 @@ nlsStatus loadTables(nlsHandle &handle, nlsLocale &locale) {
 } // namespace
 
 std::uint32_t provePage(const CharTable &table) {
+    if (!table.hasTrails())
+        return kSingleBytePage;
     unsigned longest = 0;
     bool utf8 = table.has(file::kUtf8);
     for (unsigned byte = 0; byte < 256; ++byte) {
@@ -86,7 +88,7 @@ std::uint32_t provePage(const CharTable &table) {
         longest = std::max(longest, trails);
         utf8 = utf8 && trails == expected;
     }
-    return (longest == 0 ? kSingleBytePage : 0) | (utf8 ? kUtf8Page : 0) | longest << kLongestTrailsShift;
+    return (utf8 ? kUtf8Page : 0) | longest << kLongestTrailsShift;
 }
 
 nlsStatus createCompanion(nlsHandle &handle, nlsLocale &locale) {

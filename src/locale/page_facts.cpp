@@ -150,7 +150,7 @@ std::uint32_t proveMatching(const nlsLocale &locale, std::uint32_t proofs) {
 
 void findFacts(CharTable &table) {
     std::memset(table.reserved, 0, sizeof table.reserved);
-    if (table.has(file::kUtf8))
+    if (table.has(file::kUtf8) || !table.hasTrails())
         return;
     PageFacts facts{};
     ByteRange narrow[1]{};

@@ -21,6 +21,13 @@ struct [[gnu::packed]] CharTable {
     [[nodiscard]] unsigned trailCount(std::uint8_t first) const {
         return attributes[first] & file::kTrailCountMask;
     }
+    // Whether any byte begins a longer character.
+    [[nodiscard]] bool hasTrails() const {
+        unsigned all = 0;
+        for (const std::uint8_t attribute : attributes)
+            all |= attribute;
+        return (all & file::kTrailCountMask) != 0;
+    }
     [[nodiscard]] bool has(std::uint32_t flag) const {
         return (flags & flag) != 0;
     }

@@ -4,6 +4,7 @@
 #include "convert/kernels/mapping_lookup.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "core/instruction_sets.hpp"
+#include "random.hpp"
 #include "table_source.hpp"
 
 #include <gtest/gtest.h>
@@ -126,6 +127,63 @@ TEST(Proofs, DamagedAsciiIsNoIdentity) {
     MappingBody body = copyOf("1252");
     body.charTable = &table;
     EXPECT_EQ(0u, proveMapping(body));
+}
+
+// Looks every character up, both ways.
+bool isIdentityOfAscii(const MappingBody &body) {
+    for (std::uint32_t byte = 1; byte < 0x80; ++byte) {
+        const bool mayBeUnmapped = byte < 0x7F;
+        for (const std::uint32_t found :
+             {unicodeOfCode(body, static_cast<std::uint16_t>(byte)), codeOfUnicode(body, byte)})
+            if (found != byte && !(found == kNone && mayBeUnmapped))
+                return false;
+    }
+    return true;
+}
+
+TEST(Proofs, AsciiIsAnIdentityWhereEveryLookUpSaysSo) {
+    fixture::Random random(20261122);
+    const auto one = [&random](unsigned last) { return static_cast<unsigned>(random.below(last + 1)); };
+    unsigned identities = 0;
+    unsigned others = 0;
+    for (int round = 0; round < 40000; ++round) {
+        MappingBody body = copyOf("1252");
+        file::MappingGroup &group = body.groups[one(2)];
+        std::vector<std::uint16_t> values(0x101, file::kUnmapped);
+        std::vector<std::uint16_t> reverse(0x100, file::kUnmapped);
+        group.values = values.data();
+        group.valueCount = group.indexLimit = 0x101;
+        group.reverse = reverse.data();
+        group.reverseCount = 0x100;
+        group.firstLead = static_cast<std::uint8_t>(one(7) == 0 ? 0x80 : 0);
+        group.lastLead = 0xFF;
+        group.firstTrail = static_cast<std::uint8_t>(one(0x90));
+        group.lastTrail = 0xFF;
+        group.trailsPerLead = 0xFF;
+        group.zeroCode = static_cast<std::uint16_t>(one(3) == 0 ? one(0x90) : 0);
+        group.lowest = one(0x90);
+        group.highest = group.lowest + 0xFF;
+        group.flags = one(7) == 0 ? one(3) : 0;
+        // Entries for ASCII as it is, and at times one that is another's.
+        for (unsigned byte = std::max<unsigned>(group.firstTrail, 1); byte < 0x80; ++byte) {
+            const unsigned index = byte - group.firstTrail + 1;
+            if (one(1) == 0)
+                values[index] = static_cast<std::uint16_t>(byte);
+            if (one(1) == 0 && byte >= group.lowest && group.firstLead == 0)
+                reverse[byte - group.lowest] = static_cast<std::uint16_t>(index);
+        }
+        if (group.zeroCode != 0)
+            values[0] = group.zeroCode;
+        if (one(3) == 0)
+            values[one(0x40)] = static_cast<std::uint16_t>(one(0x7F));
+        if (one(3) == 0)
+            reverse[one(0x40)] = static_cast<std::uint16_t>(one(0x40));
+        const bool isIdentity = isIdentityOfAscii(body);
+        ++(isIdentity ? identities : others);
+        ASSERT_EQ(isIdentity, (proveMapping(body) & kAsciiIdentity) != 0) << round;
+    }
+    EXPECT_GT(identities, 1000u);
+    EXPECT_GT(others, 1000u);
 }
 
 TEST(Proofs, SurrogateAmongTheValuesIsRefused) {

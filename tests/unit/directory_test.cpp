@@ -270,6 +270,55 @@ TEST(Directory, NamesEndAtTheirNul) {
     nlsClose(handle);
 }
 
+// The conversions that a file has, whose first entry's names are followed by junk from these places on.
+std::string conversionsWithJunk(std::size_t behindName, std::size_t behindName2) {
+    DataFile file;
+    file.add({"TWELVE-CHARS", "NINETEEN-CHARACTERS", 0, 0, 3, 1});
+    file.add({"B", "C", 0, 0, 3, 1});
+    Bytes image = file.image();
+    const auto first = image.begin() + 16;
+    std::fill(first + static_cast<std::ptrdiff_t>(behindName), first + 20, 'x');
+    std::fill(first + 20 + static_cast<std::ptrdiff_t>(behindName2), first + 40, 'y');
+    FileServer files(image);
+    LentMemory memory(30000);
+    nlsHandle *handle = nullptr;
+    EXPECT_EQ(nlsInit(files.token(), memory.data(), 30000, &FileServer::read, &handle), NLS_OK);
+    char buffer[200];
+    nlsStr text = {buffer, sizeof buffer - 1, 0};
+    EXPECT_EQ(nlsGetStrNLSProperty(handle, 9, &text), NLS_OK);
+    nlsClose(handle);
+    return {text.buffer, text.length};
+}
+
+TEST(Directory, WhatStandsBehindANulIsNoPartOfANameAndTheTwentiethCharacterIsNone) {
+    const std::string plain = "TWELVE-CHARS -> NINETEEN-CHARACTERS,B -> C";
+    for (std::size_t behindName = 13; behindName <= 20; ++behindName)
+        for (std::size_t behindName2 = 19; behindName2 <= 20; ++behindName2)
+            EXPECT_EQ(conversionsWithJunk(behindName, behindName2), plain)
+                << behindName << " " << behindName2;
+    EXPECT_EQ(conversionsWithJunk(12, 20), "TWELVE-CHARSxxxxxxx -> NINETEEN-CHARACTERS,B -> C");
+    EXPECT_EQ(conversionsWithJunk(12, 7), "TWELVE-CHARSxxxxxxx -> NINETEEyyyyyyyyyyyy,B -> C");
+    EXPECT_EQ(conversionsWithJunk(20, 0), "TWELVE-CHARS -> yyyyyyyyyyyyyyyyyyy,B -> C");
+}
+
+TEST(Directory, KindIsOneDigitAndAnythingElseIsNoKind) {
+    for (int byte = 0; byte < 256; ++byte) {
+        DataFile file;
+        file.codePage("A", fixture::CharacterTable::singleByte());
+        Bytes image = file.image();
+        image[16 + 49] = static_cast<unsigned char>(byte);
+        FileServer files(image);
+        LentMemory memory(30000);
+        nlsHandle *handle = nullptr;
+        ASSERT_EQ(nlsInit(files.token(), memory.data(), 30000, &FileServer::read, &handle), NLS_OK);
+        nlsLocale *locale = nullptr;
+        EXPECT_EQ(nlsCreateLocale(handle, "A", NLS_NO_COLLATION, nullptr, &locale),
+                  byte == '2' ? NLS_OK : NLS_E_NOCHARSET)
+            << byte;
+        nlsClose(handle);
+    }
+}
+
 TEST(Directory, EveryReadUsesTheCallersToken) {
     Library library(fiveEntries(), 30000);
     // The server is found by its token alone.

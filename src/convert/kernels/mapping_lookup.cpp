@@ -185,12 +185,10 @@ std::uint32_t codeCompressed(const MappingGroup &group, std::uint32_t value) {
 std::uint32_t unicodeOfCode(const MappingBody &body, std::uint16_t code) {
     if (code == 0)
         return 0;
-    for (const unsigned block : {2u, 0u, 1u}) {
-        const std::uint32_t value = valueOfCode(body.groups[block], code);
-        if (value != kNone)
-            return value;
-    }
-    return kNone;
+    std::uint32_t value = valueOfCode(body.groups[2], code);
+    if (value == kNone)
+        value = valueOfCode(body.groups[0], code);
+    return value != kNone ? value : valueOfCode(body.groups[1], code);
 }
 
 std::uint32_t codeOfUnicode(const MappingBody &body, std::uint32_t value) {

@@ -3,6 +3,8 @@
 #include "convert/kernels/mapping_lookup.hpp"
 #include "core/unaligned.hpp"
 
+#include <algorithm>
+
 namespace velnls {
 
 namespace {
@@ -12,10 +14,31 @@ using file::MappingGroup;
 constexpr unsigned kAsciiEnd = 0x80;
 constexpr unsigned kBytes = 0x100;
 
+// The first character of ASCII that the tables may say something about; those below are unmapped both ways.
+unsigned firstMapped(const MappingBody &body) {
+    std::uint32_t first = kAsciiEnd - 1; // it has to be mapped
+    for (const MappingGroup &group : body.groups) {
+        if ((group.flags & file::kReverseDeltas) != 0) // its values move
+            return 0;
+        if (group.values != nullptr) {
+            if (group.zeroCode != 0)
+                first = std::min<std::uint32_t>(first, group.zeroCode);
+            if (group.firstLead == 0)
+                first = std::min<std::uint32_t>(first, group.firstTrail);
+        }
+        if (group.reverse != nullptr)
+            first = std::min(first, group.lowest);
+    }
+    return first;
+}
+
 bool isAsciiIdentity(const MappingBody &body) {
+    const unsigned first = firstMapped(body);
     for (std::uint32_t byte = 0; byte < kAsciiEnd; ++byte) {
         if (body.charTable->trailCount(static_cast<std::uint8_t>(byte)) != 0)
             return false;
+        if (byte < first)
+            continue;
         const std::uint32_t value = unicodeOfCode(body, static_cast<std::uint16_t>(byte));
         const std::uint32_t code = codeOfUnicode(body, byte);
         // 7F has to be mapped; below it an unmapped character stands for itself.
@@ -79,11 +102,8 @@ bool isStraight(const MappingGroup &group) {
 
 bool isByteRow(const MappingBody &body) {
     const MappingGroup &group = body.groups[2];
-    for (unsigned byte = 0; byte < kBytes; ++byte) {
-        if (body.charTable->trailCount(static_cast<std::uint8_t>(byte)) != 0)
-            return false;
-    }
-    if (!isStraight(group) || !hasNoTrailGap(group) || !isWindow(group) || !hasPlainValues(group))
+    if (body.charTable->hasTrails() || !isStraight(group) || !hasNoTrailGap(group) || !isWindow(group) ||
+        !hasPlainValues(group))
         return false;
     if (group.firstLead != 0 || group.leadGapLow != 0xFF || group.firstTrail == 0 ||
         group.firstTrail > kAsciiEnd || group.lastTrail != 0xFF || group.zeroCode != 0)
