@@ -38,7 +38,7 @@ void endName(char (&name)[file::kNameSize]) {
 
 // Turns a directory entry's file form into its memory form. Both take 64 bytes and begin with the names, so
 // it is done in place.
-void parseEntry(Entry &entry) {
+[[gnu::cold, gnu::noinline]] void parseEntry(Entry &entry) {
     const auto &raw = reinterpret_cast<const file::Entry &>(entry);
     const auto offset = static_cast<std::uint32_t>(parseNumber(raw.offset, sizeof raw.offset));
     const std::uint16_t variant = takeDigit(raw.variant);

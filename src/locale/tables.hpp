@@ -22,7 +22,7 @@ struct [[gnu::packed]] CharTable {
         return attributes[first] & file::kTrailCountMask;
     }
     // Whether any byte begins a longer character.
-    [[nodiscard]] bool hasTrails() const {
+    [[nodiscard]] [[gnu::noinline]] bool hasTrails() const {
         unsigned all = 0;
         for (const std::uint8_t attribute : attributes)
             all |= attribute;
