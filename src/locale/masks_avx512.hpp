@@ -32,6 +32,10 @@ public:
     [[gnu::always_inline]] std::uint64_t equal(unsigned value) const {
         return _mm512_cmpeq_epi8_mask(bytes_, all(value));
     }
+    // To the byte that others have at a place.
+    [[gnu::always_inline]] std::uint64_t equalToOneOf(const WideMasks &others, unsigned place) const {
+        return _mm512_cmpeq_epi8_mask(bytes_, _mm512_permutexvar_epi8(all(place), others.bytes_));
+    }
     [[gnu::always_inline]] std::uint64_t atLeast(unsigned value) const {
         return _mm512_cmpge_epu8_mask(bytes_, all(value));
     }

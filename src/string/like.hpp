@@ -23,6 +23,13 @@ inline constexpr nlsStatus kLikeNo = 0;
 inline constexpr nlsStatus kLikeYes = 1;
 inline constexpr nlsStatus kLikeBadEscape = static_cast<nlsStatus>(-1);
 
+// nlsSqlLike, of arguments that were checked.
+using LikeCall = nlsStatus(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
+                           std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString);
+
+// The general way, by the walk over a page.
+LikeCall likeByPage;
+
 template <typename Page>
 class LikeWalk {
 public:

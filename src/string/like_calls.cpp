@@ -1,5 +1,6 @@
 // nlsSqlLike.
 #include "locale/checks.hpp"
+#include "locale/text.hpp"
 #include "string/like.hpp"
 #include "string/short_match_fast.hpp"
 
@@ -40,23 +41,29 @@ bool beginsOtherwise(const nlsLocale &locale, const std::uint8_t *pattern, const
     return difference != 0 && (proofs & (mode == 1 ? kMatchesBytes : kMatchesAscii)) != 0;
 }
 
-// What the short ways tell: of a pattern that begins with an any-string wildcard by masks, of any other by
-// the first character, which decides most.
-ShortLike likeShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *string,
-                      unsigned mode, const LikeSigns &signs) {
-    constexpr std::uint32_t kBehindAscii = 0x80;
-    if (*pattern != signs.anyString)
-        return beginsOtherwise(locale, pattern, string, mode, signs) ? ShortLike::No : ShortLike::Unsettled;
-    if ((signs.anyString | signs.oneCharacter | signs.escape) >= kBehindAscii)
-        return ShortLike::Unsettled;
-    return fast::likeShortly(locale, mode, pattern, string,
-                             {static_cast<std::uint8_t>(signs.escape),
-                              static_cast<std::uint8_t>(signs.oneCharacter),
-                              static_cast<std::uint8_t>(signs.anyString)});
+// Patterns that begin with a character: the string's first one decides most.
+[[gnu::noinline]] LikeCall likeFromStart;
+
+nlsStatus likeFromStart(nlsLocale *locale, const char *pattern, const char *string, std::uint16_t mode,
+                        std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
+    if (beginsOtherwise(*locale, bytesOf(pattern), bytesOf(string), mode, {escape, oneCharacter, anyString}))
+        return kLikeNo;
+    return likeByPage(locale, pattern, string, mode, escape, oneCharacter, anyString);
 }
 
 } // namespace
 
+[[gnu::noinline]] nlsStatus velnls::likeByPage(nlsLocale *locale, const char *pattern, const char *string,
+                                               std::uint16_t mode, std::uint32_t escape,
+                                               std::uint32_t oneCharacter, std::uint32_t anyString) {
+    const LikeSigns signs{escape, oneCharacter, anyString};
+    return withPage(*locale, mode, [&signs, pattern, string](const auto &page) {
+        return likeOn(page, signs, pattern, string);
+    });
+}
+
+// Only the checks are made here: each way takes the arguments as they are, and goes on to the next one, so
+// that no call keeps more than it needs itself.
 nlsStatus nlsSqlLike(nlsLocale *locale, const char *pattern, const char *string, uint16_t mode,
                      uint32_t escape, uint32_t oneChar, uint32_t anyString) {
     if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
@@ -65,12 +72,11 @@ nlsStatus nlsSqlLike(nlsLocale *locale, const char *pattern, const char *string,
         return NLS_E_NULLARG;
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
-    const LikeSigns signs{escape, oneChar, anyString};
-    const ShortLike brief = likeShortly(*locale, reinterpret_cast<const std::uint8_t *>(pattern),
-                                        reinterpret_cast<const std::uint8_t *>(string), mode, signs);
-    if (brief == ShortLike::Yes || brief == ShortLike::No)
-        return brief == ShortLike::Yes ? kLikeYes : kLikeNo;
-    return withPage(*locale, mode, [&signs, pattern, string](const auto &page) {
-        return likeOn(page, signs, pattern, string);
-    });
+    if (*bytesOf(pattern) != anyString)
+        return likeFromStart(locale, pattern, string, mode, escape, oneChar, anyString);
+#if defined(VELNLS_SHORT_TEXTS)
+    if (fast::isForLikeIn(string, {escape, oneChar, anyString}))
+        return fast::likeIn(locale, pattern, string, mode, escape, oneChar, anyString);
+#endif
+    return likeByPage(locale, pattern, string, mode, escape, oneChar, anyString);
 }

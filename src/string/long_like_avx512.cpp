@@ -70,8 +70,10 @@ ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const st
     if (!wanted.divide(matching))
         return ShortLike::Unsettled;
     const std::uint8_t *end = text + std::strlen(reinterpret_cast<const char *>(text));
+    // A first byte that the end cuts off from the rest may fold to a letter of ASCII.
     if (matching.order == ShortOrder::Ascii &&
         (!wanted.foldsAsAscii(matching.page, matching.order) ||
+         (isUtf8 && !nothingReachesAcross(text, end)) ||
          (wanted.mayMeetDottedI(matching.page) &&
           std::memchr(text, kDottedILead, static_cast<std::size_t>(end - text)) != nullptr)))
         return ShortLike::Unsettled;

@@ -41,33 +41,27 @@ nlsStatus countWhole(const nlsLocale &locale, const Whole &string, Counted &coun
     return countText(locale, string.at, static_cast<std::size_t>(string.end - string.at), counted);
 }
 
-// The first match of a pattern that is not empty. Neither string is cut.
-template <typename Page>
-nlsStatus findFirst(const Page &page, const nlsLocale &locale, const Whole &sought, const Whole &where,
-                    Match &match) {
-    if constexpr (Page::kQuick) {
-        match = QuickSearch(page, sought.at, sought.end, where.at, where.end).next(where.at);
-        return NLS_OK;
-    } else {
-        Counted pattern{};
-        Counted rest{};
-        countWhole(locale, sought, pattern);
-        countWhole(locale, where, rest);
-        return CountedSearch(page, pattern).forwards(rest, match);
-    }
-}
+// Takes one match after the other. Gives the place from which the search goes on, or null to end it.
+struct MatchTaker {
+    const std::uint8_t *(*take)(void *taker, const Match &match);
+    void *taker;
 
-// Calls `found(match)` for one match after the other, none of which overlap, until it gives null; on quick
-// pages the search goes on where it says. The status of the first search; a later one that fails only ends
-// the search.
-template <typename Page, typename Found>
-nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought, const Whole &where,
-                  Found found) {
+    const std::uint8_t *operator()(const Match &match) const {
+        return take(taker, match);
+    }
+};
+
+// Finds the matches of a pattern that is not empty, none of which overlap; neither string is cut. The search
+// goes on behind a match, on quick pages where the taker says. The status of the first search; a later one
+// that fails only ends it.
+template <typename Page>
+nlsStatus findOn(const Page &page, const nlsLocale &locale, const Whole &sought, const Whole &where,
+                 MatchTaker taken) {
     if constexpr (Page::kQuick) {
         QuickSearch search(page, sought.at, sought.end, where.at, where.end);
         const std::uint8_t *at = where.at;
         for (Match match{}; at != nullptr && (match = search.next(at)).at != nullptr;)
-            at = found(match);
+            at = taken(match);
         return NLS_OK;
     } else {
         Counted pattern{};
@@ -79,7 +73,7 @@ nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought
         if (const nlsStatus status = search.forwards(rest, match); status != NLS_OK)
             return status;
         // The text is counted once: behind a match, its rest has the pattern's characters less.
-        while (match.at != nullptr && found(match) != nullptr) {
+        while (match.at != nullptr && taken(match) != nullptr) {
             rest.at = match.end;
             rest.characters -= pattern.characters;
             if (search.forwards(rest, match) != NLS_OK)
@@ -87,6 +81,13 @@ nlsStatus findAll(const Page &page, const nlsLocale &locale, const Whole &sought
         }
         return NLS_OK;
     }
+}
+
+// One function for all who search: there is code in it for each page.
+[[gnu::noinline]] nlsStatus findMatches(const nlsLocale &locale, unsigned mode, const Whole &sought,
+                                        const Whole &where, MatchTaker taken) {
+    return withPage(locale, mode,
+                    [&](const auto &page) { return findOn(page, locale, sought, where, taken); });
 }
 
 // Whether characters match by their bytes, in a page in which blocks can tell where they begin.
@@ -155,6 +156,39 @@ private:
 
 } // namespace
 
+namespace {
+
+// A search that is checked. A function of its own, so that a short text does not pay for what this keeps.
+[[gnu::noinline]] nlsStatus searchByPage(nlsLocale *locale, const char *pattern, const char *text_,
+                                         std::uint16_t caseFlag, std::uint32_t *position,
+                                         std::uint32_t *endOffset, char **found) {
+    const Whole sought(pattern);
+    const Whole where(text_);
+    if (const nlsStatus status = checkNotCut(*locale, sought); status != NLS_OK)
+        return status;
+    if (const nlsStatus status = checkNotCut(*locale, where); status != NLS_OK)
+        return status;
+    if (sought.empty()) {
+        *position = *endOffset = offset(where.end, where.at) + 1;
+        *found = text(where.end);
+        return NLS_OK;
+    }
+    Match first{nullptr, nullptr};
+    const auto takeFirst = [](void *taker, const Match &match) -> const std::uint8_t * {
+        *static_cast<Match *>(taker) = match;
+        return nullptr;
+    };
+    const nlsStatus status = findMatches(*locale, caseFlag, sought, where, {takeFirst, &first});
+    if (status == NLS_OK && first.at != nullptr) {
+        *found = text(first.at);
+        *position = offset(first.at, where.at) + 1;
+        *endOffset = offset(first.end, where.at);
+    }
+    return status;
+}
+
+} // namespace
+
 nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text_, uint16_t caseFlag,
                         uint32_t *position, uint32_t *endOffset, char **found) {
     if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
@@ -168,37 +202,16 @@ nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text
         return NLS_E_NULLARG;
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
-    if (const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytesOf(pattern), bytesOf(text_));
-        brief.settled()) {
-        if (brief.places != 0) {
-            const auto place = static_cast<std::uint32_t>(__builtin_ctzll(brief.places));
-            *found = text(bytesOf(text_) + place);
-            *position = place + 1;
-            *endOffset = place + brief.patternLength;
-        }
-        return NLS_OK;
+    const ShortPlaces brief = fast::placesIn(*locale, bytesOf(pattern), bytesOf(text_), caseFlag);
+    if (!brief.settled())
+        return searchByPage(locale, pattern, text_, caseFlag, position, endOffset, found);
+    if (brief.places != 0) {
+        const auto place = static_cast<std::uint32_t>(__builtin_ctzll(brief.places));
+        *found = text(bytesOf(text_) + place);
+        *position = place + 1;
+        *endOffset = place + brief.patternLength();
     }
-    const Whole sought(pattern);
-    const Whole where(text_);
-    if (const nlsStatus status = checkNotCut(*locale, sought); status != NLS_OK)
-        return status;
-    if (const nlsStatus status = checkNotCut(*locale, where); status != NLS_OK)
-        return status;
-    if (sought.empty()) {
-        *position = *endOffset = offset(where.end, where.at) + 1;
-        *found = text(where.end);
-        return NLS_OK;
-    }
-    return withPage(*locale, caseFlag, [&](const auto &page) {
-        Match match{};
-        const nlsStatus status = findFirst(page, *locale, sought, where, match);
-        if (status == NLS_OK && match.at != nullptr) {
-            *found = text(match.at);
-            *position = offset(match.at, where.at) + 1;
-            *endOffset = offset(match.end, where.at);
-        }
-        return status;
-    });
+    return NLS_OK;
 }
 
 // For size: long texts are searched forwards.
@@ -271,16 +284,16 @@ nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replace
 namespace {
 
 // Replaces what was found in a text of one block.
-nlsStatus replaceAt(const ShortPlaces &found, const std::uint8_t *text_, Replacing &replacing) {
+nlsStatus replaceAt(ShortPlaces found, const std::uint8_t *text_, Replacing &replacing) {
     for (std::uint64_t left = found.places; left != 0;) {
         const unsigned place = static_cast<unsigned>(__builtin_ctzll(left));
         const std::uint8_t *const at = text_ + place;
-        if (replacing.replace({at, at + found.patternLength}) == nullptr)
+        if (replacing.replace({at, at + found.patternLength()}) == nullptr)
             break;
         // None of the matches overlap.
-        left &= ~std::uint64_t{0} << (place + found.patternLength - 1) << 1;
+        left &= ~std::uint64_t{0} << (place + found.patternLength() - 1) << 1;
     }
-    return replacing.finish(text_ + found.textLength);
+    return replacing.finish(text_ + found.textLength());
 }
 
 [[gnu::noinline]] nlsStatus replaceByPage(const nlsLocale &locale, const char *pattern, const char *text_,
@@ -295,20 +308,28 @@ nlsStatus replaceAt(const ShortPlaces &found, const std::uint8_t *text_, Replaci
     const Whole where(text_);
     if (const nlsStatus status = checkNotCut(locale, where); status != NLS_OK)
         return status;
-    return withPage(locale, mode, [&](const auto &page) {
-        const nlsStatus status = findAll(page, locale, sought, where, [&](const Match &match) {
-            const std::uint8_t *const at = replacing.replace(match);
-            return goesByBlocks && at != nullptr ? replacing.replaceBlocks(sought, where, isUtf8) : at;
-        });
-        return status != NLS_OK ? status : replacing.finish(where.end);
-    });
+    struct Taker {
+        Replacing &replacing;
+        const Whole &sought;
+        const Whole &where;
+        bool goesByBlocks;
+        bool isUtf8;
+    } taker{replacing, sought, where, goesByBlocks, isUtf8};
+    const auto replace = [](void *with, const Match &match) {
+        const Taker &to = *static_cast<const Taker *>(with);
+        const std::uint8_t *const at = to.replacing.replace(match);
+        return to.goesByBlocks && at != nullptr ? to.replacing.replaceBlocks(to.sought, to.where, to.isUtf8)
+                                                : at;
+    };
+    const nlsStatus status = findMatches(locale, mode, sought, where, {replace, &taker});
+    return status != NLS_OK ? status : replacing.finish(where.end);
 }
 
 // Where a short text has matches, or one block does not settle it. A function of its own, so that a text
 // without any does not pay for what this keeps.
 [[gnu::noinline]] nlsStatus replaceAny(const nlsLocale &locale, const char *pattern, const char *replacement,
-                                       const char *text_, unsigned mode, const ShortPlaces &brief,
-                                       nlsStr &out, std::uint32_t &count) {
+                                       const char *text_, unsigned mode, ShortPlaces brief, nlsStr &out,
+                                       std::uint32_t &count) {
     Replacing replacing(locale, bytesOf(text_), replacement, out, count);
     return brief.settled() ? replaceAt(brief, bytesOf(text_), replacing)
                            : replaceByPage(locale, pattern, text_, mode, replacing);
@@ -326,8 +347,8 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
     *count = 0;
-    const ShortPlaces brief = fast::findShortly(*locale, caseFlag, bytesOf(pattern), bytesOf(text_));
+    const ShortPlaces brief = fast::placesIn(*locale, bytesOf(pattern), bytesOf(text_), caseFlag);
     if (brief.settled() && brief.places == 0)
-        return OutText(*out, locale->header.proofs).copy(bytesOf(text_), bytesOf(text_) + brief.textLength);
+        return OutText(*out, locale->header.proofs).copy(bytesOf(text_), bytesOf(text_) + brief.textLength());
     return replaceAny(*locale, pattern, replacement, text_, caseFlag, brief, *out, *count);
 }

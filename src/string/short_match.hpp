@@ -5,6 +5,7 @@
 // unsettled goes the general ways, such as a text or a pattern that is not what its page means.
 #pragma once
 
+#include "core/unaligned.hpp"
 #include "locale/case_fast.hpp"
 #include "string/short_text.hpp"
 
@@ -13,19 +14,24 @@ namespace velnls {
 // A pattern of at least one byte in a text: all places where it stands.
 struct ShortPlaces {
     std::uint64_t places;
-    std::uint32_t patternLength; // 0: unsettled
-    std::uint32_t textLength;
+    std::uint64_t lengths; // the pattern's, and in the upper half the text's; 0: unsettled
 
     [[nodiscard]] bool settled() const {
-        return patternLength != 0;
+        return lengths != 0;
+    }
+    [[nodiscard]] std::uint32_t patternLength() const {
+        return static_cast<std::uint32_t>(lengths);
+    }
+    [[nodiscard]] std::uint32_t textLength() const {
+        return static_cast<std::uint32_t>(lengths >> 32);
     }
 };
 
 // The signs of LIKE, each an ASCII character; an escape of 0 is none.
 struct ShortSigns {
-    std::uint8_t escape;
-    std::uint8_t oneCharacter;
-    std::uint8_t anyString;
+    std::uint32_t escape;
+    std::uint32_t oneCharacter;
+    std::uint32_t anyString;
 };
 
 enum class ShortLike {
@@ -33,6 +39,7 @@ enum class ShortLike {
     Yes,
     Unsettled,
     TextGoesOn, // behind the block; the pattern is for the short ways
+    BytesStand, // those of the pattern in the text: whether its characters do is not settled
 };
 
 // What capital I with dot begins with, in UTF-8.
@@ -92,14 +99,14 @@ struct ShortPattern {
     // Whether characters that match under the case of ASCII do so by their bytes, changed as ASCII or as they
     // are: `order` becomes which. It has been divided.
     [[gnu::always_inline]] bool foldsAsAscii(ShortPage page, ShortOrder &order) const {
+        if (high() == 0)
+            return true;
         if (page == ShortPage::Bytes)
-            return high() == 0;
+            return false;
         // Characters of three bytes from the lead byte E3 up to EE equal themselves alone, and no byte of a
         // longer character is a letter.
         if (page == ShortPage::Utf8)
             return (high() & ~trails & ~masks.inRange(0xE3, 0xEE - 0xE3)) == 0;
-        if (high() == 0)
-            return true;
         // Characters of two bytes equal themselves alone, and their second byte may look like a letter;
         // single bytes that are not ASCII fold by the table.
         order = ShortOrder::Bytes;
@@ -110,6 +117,16 @@ struct ShortPattern {
     // Whether it may match capital I with dot, which may fold to "i".
     [[nodiscard]] [[gnu::always_inline]] bool mayMeetDottedI(ShortPage page) const {
         return page == ShortPage::Utf8 && (masks.lowered().equal('i') & (end - 1)) != 0;
+    }
+    // The any-string signs, where it begins with one and has no other signs; 0 where it does not. Divides it.
+    [[gnu::always_inline]] std::uint64_t anyStrings(ShortMatching matching, const ShortSigns &signs) {
+        if (end <= 1 || !divide(matching))
+            return 0;
+        const std::uint64_t begins = (end - 1) & ~trails;
+        const std::uint64_t any = masks.equal(signs.anyString) & begins;
+        const std::uint64_t others = (masks.equal(signs.oneCharacter) | masks.equal(signs.escape)) & begins;
+        // Two any-string signs side by side mean more than one.
+        return (any & 1) == 0 || (others | (any & any << 1)) != 0 ? 0 : any;
     }
     // The order of matching as foldsAsAscii() has it, of a text that ends at `textEnd`; Unknown where there
     // is none.
@@ -125,51 +142,65 @@ struct ShortPattern {
     }
 };
 
-// A text whose bytes are looked for, by what their order makes of them.
+// A text in which the bytes of a pattern are looked for, both as their order makes them.
 template <typename Masks>
 class ShortSought {
 public:
-    [[gnu::always_inline]] ShortSought(const Masks &text, ShortOrder order, const std::uint8_t *weights)
-        : text_(ordered(text, order, weights)), order_(order), weights_(weights) {}
+    // `at`: the pattern.
+    [[gnu::always_inline]] ShortSought(const Masks &text, const Masks &pattern, const std::uint8_t *at,
+                                       ShortOrder order, const std::uint8_t *weights)
+        : text_(ordered(text, order, weights)), pattern_(ordered(pattern, order, weights)), at_(at),
+          order_(order) {}
 
-    // Where `length` bytes stand, at least one, that end below `end`, a bit.
-    [[nodiscard]] [[gnu::always_inline]] std::uint64_t places(const std::uint8_t *wanted, unsigned length,
+    // Where `length` bytes of the pattern stand, at least one, the first of them at `from`, that end below
+    // `end`, a bit.
+    [[nodiscard]] [[gnu::always_inline]] std::uint64_t places(unsigned from, unsigned length,
                                                               std::uint64_t end) const {
-        std::uint64_t found = (placesOf(wanted[length - 1]) & (end - 1)) >> (length - 1);
+        std::uint64_t found = (placesOf(from + length - 1) & (end - 1)) >> (length - 1);
         if (length > 1)
-            found &= placesOf(wanted[0]);
+            found &= placesOf(from);
         // Mostly nothing is left here.
         for (unsigned i = 1; found != 0 && i + 1 < length; ++i)
-            found &= placesOf(wanted[i]) >> i;
+            found &= placesOf(from + i) >> i;
         return found;
     }
-    [[nodiscard]] [[gnu::always_inline]] std::uint64_t placesOf(unsigned wanted) const {
-        if constexpr (Masks::kMaps)
-            if (order_ == ShortOrder::Weights)
-                wanted = weights_[wanted] != 0 ? weights_[wanted] : weights_[unsigned{'s'}];
-        if (order_ == ShortOrder::Ascii && wanted - 'A' < 26)
-            wanted |= 0x20;
-        return text_.equal(wanted);
+    // Where the pattern's byte at `place` stands.
+    [[nodiscard]] [[gnu::always_inline]] std::uint64_t placesOf(unsigned place) const {
+        if (order_ == ShortOrder::Bytes)
+            return text_.equal(at_[place]);
+        if constexpr (Masks::kMaps) {
+            return text_.equalToOneOf(pattern_, place);
+        } else {
+            const unsigned wanted = at_[place];
+            return text_.equal(wanted - 'A' < 26 ? wanted | 0x20 : wanted);
+        }
     }
 
 private:
-    [[gnu::always_inline]] static Masks ordered(const Masks &text, ShortOrder order,
+    [[gnu::always_inline]] static Masks ordered(const Masks &bytes, ShortOrder order,
                                                 const std::uint8_t *weights) {
         if constexpr (Masks::kMaps)
             if (order == ShortOrder::Weights)
-                return text.mapped(weights, weights[unsigned{'s'}]);
-        return order == ShortOrder::Ascii ? text.lowered() : text;
+                return bytes.mapped(weights, weights[unsigned{'s'}]);
+        return order == ShortOrder::Ascii ? bytes.lowered() : bytes;
     }
 
     Masks text_;
+    Masks pattern_;
+    const std::uint8_t *at_;
     ShortOrder order_;
-    const std::uint8_t *weights_;
 };
 
 // ---- What is asked
 // -----------------------------------------------------------------------------------------
 
-inline constexpr ShortPlaces kUnsettledPlaces{0, 0, 0};
+inline constexpr ShortPlaces kUnsettledPlaces{0, 0};
+
+// With the lengths of pattern and text.
+[[gnu::always_inline]] inline ShortPlaces settledPlaces(std::uint64_t places, unsigned pattern,
+                                                        unsigned text) {
+    return {places, pattern | std::uint64_t{text} << 32};
+}
 
 template <typename Masks>
 [[gnu::always_inline]] inline ShortPlaces shortPlacesBy(ShortMatching matching, const std::uint8_t *pattern,
@@ -185,25 +216,25 @@ template <typename Masks>
     if (order == ShortOrder::Unknown)
         return kUnsettledPlaces;
     const unsigned length = placeOf(wanted.end);
-    const ShortSought<Masks> sought(masks, order, matching.weights);
-    return {sought.places(pattern, length, end) & ~structure.trails, length, placeOf(end)};
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights);
+    return settledPlaces(sought.places(0, length, end) & ~structure.trails, length, placeOf(end));
 }
 
 // The literals of a pattern that begins with an any-string sign: pieces between such signs, each of which
 // stands behind the one before, and perhaps a last one that ends where the text does.
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike hasPieces(const ShortSought<Masks> &text, std::uint64_t trails,
-                                                  std::uint64_t end, const std::uint8_t *pattern,
-                                                  std::uint64_t signs, std::uint64_t patternEnd) {
+                                                  std::uint64_t end, std::uint64_t signs,
+                                                  std::uint64_t patternEnd) {
     const std::uint64_t tail = (signs & patternEnd >> 1) == 0 ? patternEnd : 0;
-    if (tail != 0 && (text.placesOf(pattern[placeOf(tail) - 1]) & end >> 1) == 0)
+    if (tail != 0 && (text.placesOf(placeOf(tail) - 1) & end >> 1) == 0)
         return ShortLike::No;
     std::uint64_t open = ~trails; // places where a piece may stand
     unsigned from = 1;
     for (std::uint64_t left = (signs & (signs - 1)) | tail; left != 0; left &= left - 1) {
         const unsigned stop = placeOf(left);
         const unsigned length = stop - from;
-        const std::uint64_t places = text.places(pattern + from, length, end) & open;
+        const std::uint64_t places = text.places(from, length, end) & open;
         // The last literal takes repeats of itself, so that other places may do too.
         if (left == tail)
             return (places & end >> length) != 0 ? ShortLike::Yes : ShortLike::Unsettled;
@@ -222,14 +253,8 @@ template <typename Masks>
 [[gnu::always_inline]] inline ShortLike shortLikeBy(ShortMatching matching, const std::uint8_t *pattern,
                                                     const std::uint8_t *text, const ShortSigns &signs) {
     ShortPattern<Masks> wanted(pattern);
-    if (wanted.end <= 1 || !wanted.divide(matching))
-        return ShortLike::Unsettled;
-    const std::uint64_t begins = (wanted.end - 1) & ~wanted.trails;
-    const std::uint64_t any = wanted.masks.equal(signs.anyString) & begins;
-    const std::uint64_t others =
-        (wanted.masks.equal(signs.oneCharacter) | wanted.masks.equal(signs.escape)) & begins;
-    // Two any-string signs side by side mean more than one.
-    if ((any & 1) == 0 || (others | (any & any << 1)) != 0)
+    const std::uint64_t any = wanted.anyStrings(matching, signs);
+    if (any == 0)
         return ShortLike::Unsettled;
     const Masks masks(text);
     const std::uint64_t end = lowestOf(masks.equal(0));
@@ -241,8 +266,83 @@ template <typename Masks>
     const ShortOrder order = wanted.orderIn(matching, masks, end);
     if (order == ShortOrder::Unknown)
         return ShortLike::Unsettled;
-    const ShortSought<Masks> sought(masks, order, matching.weights);
-    return hasPieces(sought, structure.trails, end, pattern, any, wanted.end);
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights);
+    return hasPieces(sought, structure.trails, end, any, wanted.end);
+}
+
+// ---- What the bytes say at once
+// ------------------------------------------------------------------------------
+//
+// Mostly the bytes of a pattern do not stand in a text, and then no characters do, however both divide into
+// characters. Only a character that the text's end cuts may match by other bytes.
+
+// Whether a character may reach across the end of a text.
+[[gnu::always_inline]] inline bool mayBeCut(ShortPage page, const std::uint8_t *text, unsigned length) {
+    if (page != ShortPage::Utf8 || length < sizeof(std::uint32_t))
+        return page == ShortPage::Utf8;
+    // A last byte from C0 up begins a character that goes on, the one before it does from E0 up, and the one
+    // before that from F0 up: all of these bits are set.
+    const auto last = loadNumber<std::uint32_t>(text + length - sizeof(std::uint32_t));
+    const std::uint32_t clear = (~last & 0xC0E0F000) | 0xFF;
+    return ((clear - 0x01010101) & ~clear & 0x80808080) != 0;
+}
+
+// Whether every byte of a text below `end` is a character.
+template <typename Masks>
+[[gnu::always_inline]] inline bool isOfBytes(ShortPage page, const Masks &text, std::uint64_t end) {
+    return page == ShortPage::Bytes || (text.high() & (end - 1)) == 0;
+}
+
+// As shortPlacesBy(), for UTF-8 and single bytes; unsettled also where only the bytes stand.
+template <typename Masks>
+[[gnu::always_inline]] inline ShortPlaces placesAtOnce(ShortMatching matching, const std::uint8_t *pattern,
+                                                       const std::uint8_t *text) {
+    ShortPattern<Masks> wanted(pattern);
+    const Masks masks(text);
+    const std::uint64_t end = lowestOf(masks.equal(0));
+    if (wanted.end <= 1 || end == 0 || !wanted.divide(matching))
+        return kUnsettledPlaces;
+    const ShortOrder order = wanted.orderIn(matching, masks, end);
+    if (order == ShortOrder::Unknown)
+        return kUnsettledPlaces;
+    const unsigned length = placeOf(wanted.end);
+    const unsigned textLength = placeOf(end);
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights);
+    const std::uint64_t places = sought.places(0, length, end);
+    if (places != 0 ? !isOfBytes(matching.page, masks, end) : mayBeCut(matching.page, text, textLength))
+        return kUnsettledPlaces;
+    return settledPlaces(places, length, textLength);
+}
+
+// As shortLikeBy(), for UTF-8 and single bytes; BytesStand where the bytes of the pattern's first piece stand
+// in the text, and those of its last one at its end.
+template <typename Masks>
+[[gnu::always_inline]] inline ShortLike likeAtOnce(ShortMatching matching, const std::uint8_t *pattern,
+                                                   const std::uint8_t *text, const ShortSigns &signs) {
+    ShortPattern<Masks> wanted(pattern);
+    const std::uint64_t any = wanted.anyStrings(matching, signs);
+    if (any == 0)
+        return ShortLike::Unsettled;
+    const Masks masks(text);
+    const std::uint64_t end = lowestOf(masks.equal(0));
+    if (end <= 1)
+        return end == 0 ? ShortLike::TextGoesOn : ShortLike::Unsettled;
+    const ShortOrder order = wanted.orderIn(matching, masks, end);
+    if (order == ShortOrder::Unknown)
+        return ShortLike::Unsettled;
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights);
+    const std::uint64_t last = wanted.end >> 1;
+    const std::uint64_t next = lowestOf((any & (any - 1)) | wanted.end);
+    const unsigned length = placeOf(next) - 1;
+    bool stands = length == 0;
+    if (!stands && ((any & last) != 0 || (sought.placesOf(placeOf(last)) & end >> 1) != 0))
+        stands = sought.places(1, length, end) != 0;
+    if (stands)
+        return next == last && isOfBytes(matching.page, masks, end) ? ShortLike::Yes : ShortLike::BytesStand;
+    // By its own bytes alone a character that is cut matches none.
+    if (order != ShortOrder::Bytes && mayBeCut(matching.page, text, placeOf(end)))
+        return ShortLike::BytesStand;
+    return ShortLike::No;
 }
 
 } // namespace

@@ -8,47 +8,133 @@ namespace velnls::avx512 {
 
 namespace {
 
-template <ShortPage kPage, ShortOrder kOrder, typename Match>
-[[gnu::always_inline]] inline auto matchKnown(ShortMatching matching, Match match) {
-    matching.page = kPage;
-    matching.order = kOrder;
-    return match(matching);
+// ---- What is looked at closely: with page and order as variables, in one function each
+// ------------------------
+
+ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
+    ShortMatching matching = fast::matchingOf(locale, mode);
+    if (matching.order == ShortOrder::Unknown) {
+        matching.order = ShortOrder::Weights;
+        matching.weights = weightsOf(*locale.collation, mode);
+    }
+    return matching;
 }
 
-// Calls `match` with page and order as constants: the code for each pair is by itself.
-template <typename Match>
-[[gnu::always_inline]] inline auto matchBy(ShortMatching matching, Match match) {
-    const bool folds = matching.order == ShortOrder::Ascii;
-    switch (matching.page) {
-    case ShortPage::Utf8:
-        return folds ? matchKnown<ShortPage::Utf8, ShortOrder::Ascii>(matching, match)
-                     : matchKnown<ShortPage::Utf8, ShortOrder::Bytes>(matching, match);
-    case ShortPage::Bytes:
-        if (matching.order == ShortOrder::Weights)
-            return matchKnown<ShortPage::Bytes, ShortOrder::Weights>(matching, match);
-        return folds ? matchKnown<ShortPage::Bytes, ShortOrder::Ascii>(matching, match)
-                     : matchKnown<ShortPage::Bytes, ShortOrder::Bytes>(matching, match);
+[[gnu::noinline]] ShortPlaces findClosely(const nlsLocale &locale, const std::uint8_t *pattern,
+                                          const std::uint8_t *text, unsigned mode) {
+    return shortPlacesBy<WideMasks>(matchingOf(locale, mode), pattern, text);
+}
+
+[[gnu::noinline]] LikeCall likeClosely;
+[[gnu::noinline]] LikeCall likeLong;
+
+nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
+                      std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
+    const ShortSigns signs{escape, oneCharacter, anyString};
+    switch (shortLikeBy<WideMasks>(matchingOf(*locale, mode), bytesOf(pattern), bytesOf(text), signs)) {
+    case ShortLike::No:
+        return kLikeNo;
+    case ShortLike::Yes:
+        return kLikeYes;
     default:
-        return folds ? matchKnown<ShortPage::Pairs, ShortOrder::Ascii>(matching, match)
-                     : matchKnown<ShortPage::Pairs, ShortOrder::Bytes>(matching, match);
+        return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
     }
+}
+
+// A text that goes on behind its block.
+nlsStatus likeLong(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
+                   std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
+    const ShortSigns signs{escape, oneCharacter, anyString};
+    switch (longLike(matchingOf(*locale, mode), bytesOf(pattern), bytesOf(text), signs)) {
+    case ShortLike::No:
+        return kLikeNo;
+    case ShortLike::Yes:
+        return kLikeYes;
+    default:
+        return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+    }
+}
+
+// ---- What is said at once: with page and order as constants, each pair in a function of its own
+// ---------------
+
+template <ShortPage kPage, ShortOrder kOrder>
+[[gnu::always_inline]] inline ShortMatching known(const nlsLocale &locale, unsigned mode) {
+    ShortMatching matching{kOrder, kPage, {nullptr}}; // neither page has facts
+    if constexpr (kOrder == ShortOrder::Weights)
+        matching.weights = weightsOf(*locale.collation, mode);
+    return matching;
+}
+
+template <ShortPage kPage, ShortOrder kOrder>
+struct Places {
+    static constexpr auto kClosely = &findClosely;
+    [[gnu::noinline]] static ShortPlaces match(const nlsLocale &locale, const std::uint8_t *pattern,
+                                               const std::uint8_t *text, unsigned mode) {
+        const ShortPlaces found = placesAtOnce<WideMasks>(known<kPage, kOrder>(locale, mode), pattern, text);
+        return found.settled() ? found : findClosely(locale, pattern, text, mode);
+    }
+};
+
+template <ShortPage kPage, ShortOrder kOrder>
+struct Like {
+    static constexpr auto kClosely = &likeClosely;
+    [[gnu::noinline]] static nlsStatus match(nlsLocale *locale, const char *pattern, const char *text,
+                                             std::uint16_t mode, std::uint32_t escape,
+                                             std::uint32_t oneCharacter, std::uint32_t anyString) {
+        switch (likeAtOnce<WideMasks>(known<kPage, kOrder>(*locale, mode), bytesOf(pattern), bytesOf(text),
+                                      {escape, oneCharacter, anyString})) {
+        case ShortLike::No:
+            return kLikeNo;
+        case ShortLike::Yes:
+            return kLikeYes;
+        case ShortLike::Unsettled:
+            return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+        case ShortLike::TextGoesOn:
+            return likeLong(locale, pattern, text, mode, escape, oneCharacter, anyString);
+        default:
+            return likeClosely(locale, pattern, text, mode, escape, oneCharacter, anyString);
+        }
+    }
+};
+
+// The way for what is proved of how characters match under a mode; null where there is none.
+template <template <ShortPage, ShortOrder> typename By>
+[[gnu::always_inline]] inline auto wayFor(std::uint32_t proofs, unsigned mode) {
+    using Utf8 = By<ShortPage::Utf8, ShortOrder::Bytes>;
+    constexpr decltype(&Utf8::match) kNone = nullptr;
+    if (mode > 1)
+        return kNone;
+    const bool folds = mode == 0;
+    if ((proofs & (folds ? kMatchesAscii : kMatchesBytes)) == 0)
+        return (proofs & kMatchesWeights) != 0 ? &By<ShortPage::Bytes, ShortOrder::Weights>::match : kNone;
+    if ((proofs & kUtf8Page) != 0)
+        return folds ? &By<ShortPage::Utf8, ShortOrder::Ascii>::match : &Utf8::match;
+    if ((proofs & kSingleBytePage) != 0)
+        return folds ? &By<ShortPage::Bytes, ShortOrder::Ascii>::match
+                     : &By<ShortPage::Bytes, ShortOrder::Bytes>::match;
+    return Utf8::kClosely;
 }
 
 } // namespace
 
-ShortPlaces shortPlaces(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text) {
-    return matchBy(
-        matching, [=](ShortMatching known) __attribute__((always_inline)) {
-            return shortPlacesBy<WideMasks>(known, pattern, text);
-        });
+ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
+                        unsigned mode) {
+    const auto find = wayFor<Places>(locale.header.proofs, mode);
+    if (!fast::fitsBlock(text) || find == nullptr)
+        return kUnsettledPlaces;
+    return fast::fitsBlock(pattern) ? find(locale, pattern, text, mode)
+                                    : fast::findMoved(locale, pattern, text, mode);
 }
 
-ShortLike shortLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
-                    const ShortSigns &signs) {
-    return matchBy(
-        matching, [ =, &signs ](ShortMatching known) __attribute__((always_inline)) {
-            return shortLikeBy<WideMasks>(known, pattern, text, signs);
-        });
+nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
+                      std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
+    const auto like = wayFor<Like>(locale->header.proofs, mode);
+    if (like == nullptr)
+        return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+    if (!fast::fitsBlock(bytesOf(pattern)))
+        return fast::likeMoved(locale, pattern, text, mode, escape, oneCharacter, anyString);
+    return like(locale, pattern, text, mode, escape, oneCharacter, anyString);
 }
 
 } // namespace velnls::avx512

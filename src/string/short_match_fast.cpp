@@ -1,5 +1,7 @@
 #include "string/short_match_fast.hpp"
 
+#include <cstring>
+
 #if defined(VELNLS_SHORT_TEXTS)
 
 namespace velnls::fast {
@@ -9,15 +11,61 @@ namespace {
 // Half a block holds most texts, and is looked through in half the time.
 using Masks = Sse2Masks<2>;
 
+// A pattern in a block of its own.
+class MovedPattern {
+public:
+    explicit MovedPattern(const char *pattern) : length_(::strnlen(pattern, kShortBlock)) {
+        if (fits())
+            std::memcpy(block_, pattern, length_ + 1); // behind it stands anything, as behind any string
+    }
+    [[nodiscard]] bool fits() const {
+        return length_ < kShortBlock;
+    }
+    [[nodiscard]] const char *at() const {
+        return block_;
+    }
+
+private:
+    std::size_t length_;
+    alignas(kShortBlock) char block_[kShortBlock];
+};
+
 } // namespace
 
-ShortPlaces shortPlaces(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text) {
-    return shortPlacesBy<Masks>(matching, pattern, text);
+ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
+                        unsigned mode) {
+    const ShortMatching matching = matchingOf(locale, mode);
+    if (!fitsBlock(text) || matching.order == ShortOrder::Unknown)
+        return kUnsettledPlaces;
+    return fitsBlock(pattern) ? shortPlacesBy<Masks>(matching, pattern, text)
+                              : findMoved(locale, pattern, text, mode);
 }
 
-ShortLike shortLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
-                    const ShortSigns &signs) {
-    return shortLikeBy<Masks>(matching, pattern, text, signs);
+nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
+                      std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
+    const ShortMatching matching = matchingOf(*locale, mode);
+    if (matching.order != ShortOrder::Unknown) {
+        if (!fitsBlock(bytesOf(pattern)))
+            return likeMoved(locale, pattern, text, mode, escape, oneCharacter, anyString);
+        const ShortSigns signs{escape, oneCharacter, anyString};
+        const ShortLike result = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), signs);
+        if (result == ShortLike::Yes || result == ShortLike::No)
+            return result == ShortLike::Yes ? kLikeYes : kLikeNo;
+    }
+    return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+}
+
+ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
+                      unsigned mode) {
+    const MovedPattern moved(reinterpret_cast<const char *>(pattern));
+    return moved.fits() ? placesIn(locale, bytesOf(moved.at()), text, mode) : kUnsettledPlaces;
+}
+
+nlsStatus likeMoved(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
+                    std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
+    const MovedPattern moved(pattern);
+    return moved.fits() ? likeIn(locale, moved.at(), text, mode, escape, oneCharacter, anyString)
+                        : likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
 }
 
 } // namespace velnls::fast
