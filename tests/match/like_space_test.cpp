@@ -86,6 +86,9 @@ INSTANTIATE_TEST_SUITE_P(
         Space{"utf8 folded", 0, "i", "\xC4\xB0", " ", "\xEF\xBC\xBF", "\xEF\xBC\x85", "\xEF\xBC\x81"},
         Space{"utf8 folded, ASCII in pairs", 0, "a", "A", " ", "_", "%", "!"},
         Space{"utf8 folded, ASCII in pairs", 0, "i", "\xC4\xB0", " ", "_", "%", "!"},
+        Space{"utf8 folded, ASCII in pairs", 0, "\xC4", "d", " ", "_", "%", "!"}, // C4 cut off folds to "d"
+        Space{"utf8 folded, ASCII in pairs", 1, "\xE4", "d", " ", "_", "%", "!"},
+        Space{"double basic", 1, "\x82", "b", " ", "_", "%", "!"}, // a lead byte, cut off or before a blank
         Space{"utf8 without case", 0, "\xE4\xB8\x80", "A", " ", "\xC2\xA4", "\xF0\x9F\x98\x80", "!"},
         Space{"long", 0, "\xF3xyz", "\xF4wxyz", " ", "_", "%", "!"}));
 
