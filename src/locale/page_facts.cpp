@@ -42,14 +42,10 @@ unsigned findRanges(ByteRange (&ranges)[kMost], IsIn isIn) {
     return count;
 }
 
-bool contains(const ByteRange &range, unsigned byte) {
-    return static_cast<std::uint8_t>(byte - range.first) <= range.span;
-}
-
 template <unsigned kMost>
 bool contains(const ByteRange (&ranges)[kMost], unsigned byte) {
     for (const ByteRange &range : ranges)
-        if (contains(range, byte))
+        if (range.contains(byte))
             return true;
     return false;
 }
@@ -67,7 +63,7 @@ std::uint32_t provePairs(const CharTable &table) {
         return 0;
     for (unsigned byte = 0; byte < 256; ++byte) {
         const unsigned trails = table.trailCount(static_cast<std::uint8_t>(byte));
-        if (trails != (contains(facts.leads, byte) ? 1 : 0) ||
+        if (trails != (facts.isLead(byte) ? 1 : 0) ||
             (table.trailValid[byte] != 0) != contains(facts.trails, byte))
             return 0;
         if (trails == 0)
@@ -75,7 +71,7 @@ std::uint32_t provePairs(const CharTable &table) {
         narrow = narrow || isNarrow(table, byte);
     }
     for (unsigned byte = 0; narrow && byte < 256; ++byte)
-        if (isNarrow(table, byte) != contains(facts.narrow, byte))
+        if (isNarrow(table, byte) != facts.narrow.contains(byte))
             return 0;
     return kPairPage | (narrow ? kNarrowLeads : 0);
 }

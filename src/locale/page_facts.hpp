@@ -37,12 +37,20 @@ inline constexpr std::uint32_t kMatchesWeights = 0x1000'0000;
 struct [[gnu::packed]] ByteRange {
     std::uint8_t first;
     std::uint8_t span; // of the last byte from the first
+
+    [[nodiscard]] bool contains(unsigned byte) const {
+        return static_cast<std::uint8_t>(byte - first) <= span;
+    }
 };
 
 struct [[gnu::packed]] PageFacts {
     ByteRange leads[2];  // a second range that is not needed repeats the first
     ByteRange trails[3]; // the same
     ByteRange narrow;    // lead bytes of one column
+
+    [[nodiscard]] bool isLead(unsigned byte) const {
+        return leads[0].contains(byte) || leads[1].contains(byte);
+    }
 };
 static_assert(sizeof(PageFacts) <= sizeof(CharTable::reserved));
 

@@ -58,31 +58,39 @@ private:
     const std::uint8_t *weights_;
 };
 
+// Whether a character begins at a place, as far as the bytes before it tell; at the text's end, whether it
+// cuts none.
+bool isBoundary(ShortMatching matching, const std::uint8_t *text, const std::uint8_t *place) {
+    if (matching.page == ShortPage::Bytes)
+        return true;
+    if (matching.page == ShortPage::Utf8)
+        return nothingReachesAcross(text, place);
+    // Lead bytes side by side are pairs, but for the last one of an odd number.
+    const std::uint8_t *at = place;
+    while (at != text && matching.facts->isLead(at[-1]))
+        --at;
+    return ((place - at) & 1) == 0;
+}
+
 } // namespace
 
 ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
                    const ShortSigns &signs) {
-    const bool isUtf8 = matching.page == ShortPage::Utf8;
-    // Where a pair begins is known by all that stands before.
-    if (!isUtf8 && matching.page != ShortPage::Bytes)
-        return ShortLike::Unsettled;
     ShortPattern<WideMasks> wanted(pattern);
     if (!wanted.divide(matching))
         return ShortLike::Unsettled;
     const std::uint8_t *end = text + std::strlen(reinterpret_cast<const char *>(text));
-    // A first byte that the end cuts off from the rest may fold to a letter of ASCII.
+    // A first byte that the end cuts off from the rest may match by itself.
+    if (!isBoundary(matching, text, end))
+        return ShortLike::Unsettled;
+    ShortMatching ordered = matching;
     if (matching.order == ShortOrder::Ascii &&
-        (!wanted.foldsAsAscii(matching.page, matching.order) ||
-         (isUtf8 && !nothingReachesAcross(text, end)) ||
+        (!wanted.foldsAsAscii(matching.page, ordered.order) ||
          (wanted.mayMeetDottedI(matching.page) &&
           std::memchr(text, kDottedILead, static_cast<std::size_t>(end - text)) != nullptr)))
         return ShortLike::Unsettled;
-    // The signs are ASCII, which no byte of a longer character is.
-    const std::uint64_t any = wanted.masks.equal(signs.anyString) & (wanted.end - 1);
-    const LongSought sought(matching.order, matching.weights, pattern);
-    const auto isBoundary = [isUtf8, text](const std::uint8_t *place) {
-        return !isUtf8 || nothingReachesAcross(text, place);
-    };
+    const std::uint64_t any = wanted.masks.equal(signs.anyString) & (wanted.end - 1) & ~wanted.trails;
+    const LongSought sought(ordered.order, matching.weights, pattern);
     const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
     if (const unsigned length = placeOf(wanted.end) - tail; length != 0) {
         end -= length;
@@ -90,7 +98,7 @@ ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const st
         if ((standing >> (length - 1)) == 0)
             return ShortLike::No;
         // The last literal takes repeats of itself, which may be how the text ends.
-        if (standing != lowBits(length) || !isBoundary(end))
+        if (standing != lowBits(length) || !isBoundary(matching, text, end))
             return ShortLike::Unsettled;
     }
     unsigned from = 1;
@@ -99,7 +107,7 @@ ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const st
         const std::uint8_t *const place = sought.find(from, stop - from, text, end);
         if (place == nullptr)
             return ShortLike::No;
-        if (!isBoundary(place))
+        if (!isBoundary(matching, text, place))
             return ShortLike::Unsettled;
         text = place + (stop - from);
         from = stop + 1;

@@ -36,6 +36,8 @@ nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text, 
         return kLikeNo;
     case ShortLike::Yes:
         return kLikeYes;
+    case ShortLike::TextGoesOn:
+        return likeLong(locale, pattern, text, mode, escape, oneCharacter, anyString);
     default:
         return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
     }
