@@ -129,13 +129,21 @@ std::size_t replaceBy(const char *text, std::size_t length, const std::string &w
     return static_cast<std::size_t>(to - out.data()) - 1;
 }
 
-Result measureReplace(const char *pageName, bool caseSensitive, Size size, int rounds) {
+// What is replaced by what: a word of some texts, or the blanks of all.
+struct Replacement {
+    const char *row;
+    const char *word;
+    const char *instead;
+};
+
+Result measureReplace(const char *pageName, const Replacement &what, bool caseSensitive, Size size,
+                      int rounds) {
     const Page &page = pageNamed(pageName);
     nlsLocale *const locale = basicLocale(page);
     const Column column = columnOf(charactersOf("de", page), size);
-    const std::string word = "werden";
-    const std::string replacement = "geworden sein";
-    const std::size_t room = column.page.longest() * 3 + 64;
+    const std::string word = what.word;
+    const std::string replacement = what.instead;
+    const std::size_t room = column.page.longest() * 6 + 64;
     std::vector<Contender> contenders;
     contenders.push_back(
         writing("velnls", column.size(), room, [&](std::size_t i, std::vector<char> &out) -> std::size_t {
@@ -199,15 +207,17 @@ std::vector<StringRow> searchRows() {
                      return measureSearch(place.page, place.language, caseSensitive, size, rounds);
                  }});
         }
-    for (const char *const page : {"1252", "UTF-8"})
-        for (const bool caseSensitive : {true, false})
-            rows.push_back({std::string("replace_all_") + (caseSensitive ? "cs/" : "ci/") + page + "_de",
-                            {Size::shortStrings, Size::buffer},
-                            1,
-                            1,
-                            [page, caseSensitive](Size size, int rounds) {
-                                return measureReplace(page, caseSensitive, size, rounds);
-                            }});
+    for (const Replacement &what :
+         {Replacement{"replace_all_", "werden", "geworden sein"}, {"replace_blanks_", " ", "&nbsp;"}})
+        for (const char *const page : {"1252", "UTF-8"})
+            for (const bool caseSensitive : {true, false})
+                rows.push_back({std::string(what.row) + (caseSensitive ? "cs/" : "ci/") + page + "_de",
+                                {Size::shortStrings, Size::buffer},
+                                1,
+                                1,
+                                [page, what, caseSensitive](Size size, int rounds) {
+                                    return measureReplace(page, what, caseSensitive, size, rounds);
+                                }});
     return rows;
 }
 
