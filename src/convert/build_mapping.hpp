@@ -6,8 +6,8 @@
 
 namespace velnls {
 
-// Builds the table for a conversion's entry, the first one of its names, and stores a copy for the way back, so
-// that one file table serves both: 0, or 1, 8 (an entry is missing), 21 (short read).
+// Builds the table for a conversion's entry, the first one of its names, and stores a copy for the way back,
+// so that one file table serves both: 0, or 1, 8 (an entry is missing), 21 (short read).
 nlsStatus buildMapping(nlsHandle &handle, const Entry &entry, std::int32_t type, const void *&out);
 
 // Whether a converter's body is a MappingBody.

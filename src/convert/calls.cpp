@@ -1,4 +1,5 @@
 // The five conversion calls.
+#include "convert/at_once.hpp"
 #include "convert/engine.hpp"
 #include "locale/checks.hpp"
 
@@ -31,6 +32,27 @@ std::uint32_t terminatorWidth(const void *converter) {
     }
 }
 
+nlsStatus convertText(const void *converter, const nlsStr &source, nlsStr *intermediate,
+                      nlsStr &destination) {
+    const auto sourceLength = static_cast<std::int32_t>(source.length); // both may be one record
+    destination.length = 0; // what stands when nothing is converted
+    const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
+    const nlsStatus status = convert({.destination = bytes(destination.buffer),
+                                      .capacity = destination.size,
+                                      .source = bytes(source.buffer),
+                                      .sourceLength = sourceLength,
+                                      .intermediate = chained ? bytes(intermediate->buffer) : nullptr,
+                                      .intermediateCapacity = chained ? intermediate->size : 0,
+                                      .converter = converter,
+                                      .written = &destination.length});
+    const std::uint32_t width = terminatorWidth(converter);
+    if (std::uint64_t{destination.length} + width > destination.size)
+        return NLS_E_BUFFER;
+    for (std::uint32_t i = 0; i < width; ++i)
+        destination.buffer[destination.length + i] = '\0';
+    return status;
+}
+
 } // namespace
 
 nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr *intermediate,
@@ -40,23 +62,10 @@ nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr 
     if (source == nullptr || destination == nullptr || lacksBuffer(*source) || destination->buffer == nullptr)
         return NLS_E_NULLARG;
     const void *const converter = conversion->converter;
-    const auto sourceLength = static_cast<std::int32_t>(source->length); // both may be one record
-    destination->length = 0; // what stands when nothing is converted
-    const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
-    const nlsStatus status = convert({.destination = bytes(destination->buffer),
-                                      .capacity = destination->size,
-                                      .source = bytes(source->buffer),
-                                      .sourceLength = sourceLength,
-                                      .intermediate = chained ? bytes(intermediate->buffer) : nullptr,
-                                      .intermediateCapacity = chained ? intermediate->size : 0,
-                                      .converter = converter,
-                                      .written = &destination->length});
-    const std::uint32_t width = terminatorWidth(converter);
-    if (std::uint64_t{destination->length} + width > destination->size)
-        return NLS_E_BUFFER;
-    for (std::uint32_t i = 0; i < width; ++i)
-        destination->buffer[destination->length + i] = '\0';
-    return status;
+    if (const std::uint32_t way = conversion->header.proofs;
+        way != 0 && source->length - 1 < kMostAtOnce && convertAtOnce(way, converter, *source, *destination))
+        return NLS_OK;
+    return convertText(converter, *source, intermediate, *destination);
 }
 
 nlsStatus nlsConvertNLSCheck(nlsConversion *conversion, const nlsStr *source, nlsStr *destination) {

@@ -1,5 +1,6 @@
 #include "convert/create.hpp"
 
+#include "convert/at_once.hpp"
 #include "convert/build.hpp"
 #include "core/arena.hpp"
 #include "core/objects.hpp"
@@ -46,6 +47,7 @@ nlsStatus createConversion(nlsHandle &handle, nlsLocale &source, nlsLocale &targ
     if (status != NLS_OK)
         return status;
     conversion->converter = converter;
+    conversion->header.proofs = wayAtOnce(converter);
     pushObject(handle, conversion->header, kConversionObject);
     out = conversion;
     return NLS_OK;

@@ -1,0 +1,146 @@
+#include "convert/at_once.hpp"
+
+#include "convert/kernels/fast.hpp"
+#include "convert/kernels/fast_avx512.hpp"
+#include "core/instruction_sets.hpp"
+
+#include <algorithm>
+
+namespace velnls {
+
+namespace {
+
+enum Way : std::uint32_t {
+    kNone,
+    kBytes,
+    kRowToUtf8,
+    kPairsToUtf8,
+    kUtf8ToRow,
+    kUtf8ToPairs,
+    kToEuc,
+    kToShiftJis,
+    kFromUtf16,
+    kFromUtf32,
+    kToUtf16,
+    kToUtf32,
+    kWidens,
+    kNarrows,
+};
+
+// Bytes of the terminator.
+unsigned widthOf(std::uint32_t way) {
+    return way < kToUtf16 ? 1 : (way == kToUtf16 || way == kNarrows) ? 2 : 4;
+}
+
+const MappingBody &mappingOf(const void *converter) {
+    return *static_cast<const MappingBody *>(converter);
+}
+
+bool areApart(const Source &source, const Target &target) {
+    return source.end <= target.at || target.end <= source.at;
+}
+
+} // namespace
+
+std::uint32_t wayAtOnce(const void *converter) {
+    if (converter == nullptr || (headerOf(converter).proofs & kWideVectors) == 0)
+        return kNone;
+    if (byteMapOf(converter) != nullptr)
+        return kBytes;
+    const ConverterHeader &header = headerOf(converter);
+    if ((header.type & (kSwapSource | kSwapTarget)) != 0)
+        return kNone;
+    const bool isRow = (header.proofs & kByteRow) != 0;
+    switch (kindOf(converter)) {
+    case kPageToUtf8:
+    case kPageToUtf8Wide:
+    case kPageToUtf8Widest:
+        return !fast::canMap(header.proofs) ? kNone : isRow ? kRowToUtf8 : kPairsToUtf8;
+    case kUtf8ToPage:
+    case kUtf8ToBytePage:
+        return !fast::canMap(header.proofs) ? kNone : isRow ? kUtf8ToRow : kUtf8ToPairs;
+    case kShiftJisToEuc:
+        return kToEuc;
+    case kEucToShiftJis:
+        return kToShiftJis;
+    case kUcs2ToUtf8:
+    case kUtf16ToUtf8:
+        return kFromUtf16;
+    case kUtf32ToUtf8:
+        return kFromUtf32;
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+        return kToUtf16;
+    case kUtf8ToUtf32:
+        return kToUtf32;
+    case kUtf16ToUtf32:
+        return kWidens;
+    case kUtf32ToUtf16:
+        return kNarrows;
+    default:
+        return kNone;
+    }
+}
+
+bool convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &from, nlsStr &to) {
+    auto *const begin = reinterpret_cast<std::uint8_t *>(to.buffer);
+    const auto *const text = reinterpret_cast<const std::uint8_t *>(from.buffer);
+    Source source{text, text + from.length};
+    Target target{begin, begin + std::max(static_cast<std::int32_t>(to.size), 0)};
+    if (!areApart(source, target))
+        return false;
+    switch (way) {
+    case kBytes:
+        if (target.room() < source.left())
+            return false;
+        avx512::mapBytes(static_cast<const std::uint8_t *>(converter), source, target);
+        break;
+    case kRowToUtf8:
+        avx512::byteRowToUtf8(mappingOf(converter), source, target);
+        break;
+    case kPairsToUtf8:
+        avx512::pairsToUtf8(mappingOf(converter), source, target);
+        break;
+    case kUtf8ToRow:
+        avx512::utf8ToByteRow(mappingOf(converter), source, target);
+        break;
+    case kUtf8ToPairs:
+        avx512::utf8ToPairs(mappingOf(converter), source, target);
+        break;
+    case kToEuc:
+        avx512::shiftJisToEuc(source, target);
+        break;
+    case kToShiftJis:
+        avx512::eucToShiftJis(source, target);
+        break;
+    case kFromUtf16:
+        avx512::utf16ToUtf8(source, target);
+        break;
+    case kFromUtf32:
+        avx512::utf32ToUtf8(source, target);
+        break;
+    case kToUtf16:
+        avx512::utf8ToUtf16(source, target);
+        break;
+    case kToUtf32:
+        avx512::utf8ToUtf32(source, target);
+        break;
+    case kWidens:
+        avx512::utf16ToUtf32(source, target);
+        break;
+    case kNarrows:
+        avx512::utf32ToUtf16(source, target);
+        break;
+    default:
+        return false;
+    }
+    const unsigned width = widthOf(way);
+    if (source.at != source.end || target.room() < static_cast<std::ptrdiff_t>(width))
+        return false;
+    to.length = static_cast<std::uint32_t>(target.at - begin);
+    for (unsigned i = 0; i < width; ++i)
+        target.at[i] = 0;
+    return true;
+}
+
+} // namespace velnls

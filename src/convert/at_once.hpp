@@ -1,0 +1,19 @@
+// Short texts in one go: where one kernel takes all of a text, nothing else has to be looked at. For
+// processors with AVX-512.
+#pragma once
+
+#include "convert/converter.hpp"
+#include "velnls.h"
+
+namespace velnls {
+
+// What a converter's short texts go through, kept as the proofs of a conversion: 0 = nothing.
+std::uint32_t wayAtOnce(const void *converter);
+
+// Converts a text that is not empty with its terminator. False where `way` does not take all of it: then the
+// destination's bytes may have changed, which the general way writes anew, and nothing else.
+bool convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &source, nlsStr &destination);
+
+inline constexpr std::uint32_t kMostAtOnce = 256; // bytes of a short text
+
+} // namespace velnls
