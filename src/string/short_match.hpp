@@ -182,7 +182,9 @@ private:
         if constexpr (Masks::kMaps)
             if (order == ShortOrder::Weights)
                 return bytes.mapped(weights, weights[unsigned{'s'}]);
-        return order == ShortOrder::Ascii ? bytes.lowered() : bytes;
+        if (order == ShortOrder::Ascii)
+            return bytes.lowered();
+        return bytes;
     }
 
     Masks text_;

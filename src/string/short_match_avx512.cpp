@@ -11,6 +11,31 @@ namespace {
 // ---- What is looked at closely: with page and order as variables, in one function each
 // ------------------------
 
+// For size, how a block divides is told by a function of its own.
+class CloseMasks : public WideMasks {
+public:
+    using WideMasks::WideMasks;
+    CloseMasks(const WideMasks &masks) : WideMasks(masks) {}
+};
+
+} // namespace
+} // namespace velnls::avx512
+
+namespace velnls {
+namespace {
+
+template <>
+[[gnu::noinline]] ShortStructure structureOf(ShortMatching matching, const avx512::CloseMasks &masks,
+                                             std::uint64_t stop) {
+    return structureOf<avx512::WideMasks>(matching, masks, stop);
+}
+
+} // namespace
+} // namespace velnls
+
+namespace velnls::avx512 {
+namespace {
+
 ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     ShortMatching matching = fast::matchingOf(locale, mode);
     if (matching.order == ShortOrder::Unknown) {
@@ -22,7 +47,7 @@ ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
 
 [[gnu::noinline]] ShortPlaces findClosely(const nlsLocale &locale, const std::uint8_t *pattern,
                                           const std::uint8_t *text, unsigned mode) {
-    return shortPlacesBy<WideMasks>(matchingOf(locale, mode), pattern, text);
+    return shortPlacesBy<CloseMasks>(matchingOf(locale, mode), pattern, text);
 }
 
 [[gnu::noinline]] LikeCall likeClosely;
@@ -31,7 +56,7 @@ ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
 nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
                       std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
     const ShortSigns signs{escape, oneCharacter, anyString};
-    switch (shortLikeBy<WideMasks>(matchingOf(*locale, mode), bytesOf(pattern), bytesOf(text), signs)) {
+    switch (shortLikeBy<CloseMasks>(matchingOf(*locale, mode), bytesOf(pattern), bytesOf(text), signs)) {
     case ShortLike::No:
         return kLikeNo;
     case ShortLike::Yes:

@@ -141,27 +141,50 @@ private:
     }
 };
 
-// Entries of a table of 16-bit numbers, of the lanes in `which`; kUnmapped in the others. One load for each
-// is quicker than gathering them, and in short texts mostly there are no more than eight.
+// Entries of a table of 16-bit numbers: a load for each is quicker than gathering them, or than taking the
+// places out of a register.
+class Entries {
+public:
+    // Every place is one that the table has.
+    [[gnu::always_inline]] Entries(const std::uint16_t *table, __m256i places) : table_(table) {
+        _mm256_store_si256(reinterpret_cast<__m256i *>(place_), places);
+        asm("" : "+m"(place_));
+    }
+    // The lower eight, and with `both` the upper ones; in short texts mostly there are no more than eight.
+    [[gnu::always_inline]] __m256i load(bool both) const {
+        const __m256i low = _mm256_castsi128_si256(eight(0));
+        return both ? _mm256_inserti128_si256(low, eight(8), 1) : low;
+    }
+
+private:
+    [[gnu::always_inline]] __m128i eight(unsigned from) const {
+        __m128i found = _mm_cvtsi32_si128(entry(from));
+        found = _mm_insert_epi16(found, entry(from + 1), 1);
+        found = _mm_insert_epi16(found, entry(from + 2), 2);
+        found = _mm_insert_epi16(found, entry(from + 3), 3);
+        found = _mm_insert_epi16(found, entry(from + 4), 4);
+        found = _mm_insert_epi16(found, entry(from + 5), 5);
+        found = _mm_insert_epi16(found, entry(from + 6), 6);
+        return _mm_insert_epi16(found, entry(from + 7), 7);
+    }
+    [[gnu::always_inline]] int entry(unsigned lane) const {
+        return loadElement(table_, place_[lane]);
+    }
+
+    alignas(32) std::uint16_t place_[16];
+    const std::uint16_t *table_;
+};
+
+// The entries of the lanes in `which`; kUnmapped in the others. The table has a place 0.
 [[gnu::always_inline]] inline __m256i entriesAt(const std::uint16_t *table, __m256i places, __mmask16 which) {
-    alignas(32) std::uint16_t place[16];
-    // The lanes behind become place 0, which every table has.
-    _mm256_store_si256(reinterpret_cast<__m256i *>(place), _mm256_maskz_compress_epi16(which, places));
-    asm("" : "+m"(place)); // a load for each is quicker than what takes them out of the register, too
-    const auto eight = [ table, &place ](unsigned from) __attribute__((always_inline)) {
-        __m128i found = _mm_cvtsi32_si128(loadElement(table, place[from]));
-        found = _mm_insert_epi16(found, loadElement(table, place[from + 1]), 1);
-        found = _mm_insert_epi16(found, loadElement(table, place[from + 2]), 2);
-        found = _mm_insert_epi16(found, loadElement(table, place[from + 3]), 3);
-        found = _mm_insert_epi16(found, loadElement(table, place[from + 4]), 4);
-        found = _mm_insert_epi16(found, loadElement(table, place[from + 5]), 5);
-        found = _mm_insert_epi16(found, loadElement(table, place[from + 6]), 6);
-        return _mm_insert_epi16(found, loadElement(table, place[from + 7]), 7);
-    };
-    __m256i found = _mm256_castsi128_si256(eight(0));
-    if (countBits(which) > 8)
-        found = _mm256_inserti128_si256(found, eight(8), 1);
-    return _mm256_mask_expand_epi16(unitsOf(file::kUnmapped), which, found);
+    const Entries entries(table, _mm256_maskz_compress_epi16(which, places));
+    return _mm256_mask_expand_epi16(unitsOf(file::kUnmapped), which, entries.load(countBits(which) > 8));
+}
+// The same, quicker where most lanes are in `which`.
+[[gnu::always_inline]] inline __m256i entriesOfMost(const std::uint16_t *table, __m256i places,
+                                                    __mmask16 which) {
+    const Entries entries(table, _mm256_maskz_mov_epi16(which, places));
+    return _mm256_mask_mov_epi16(unitsOf(file::kUnmapped), which, entries.load((which >> 8) != 0));
 }
 
 // ---- UTF-8 out
@@ -557,6 +580,15 @@ struct RowTable {
 // ---- Japanese
 // ----------------------------------------------------------------------------------------------
 
+[[gnu::always_inline]] inline __m128i fewOf(unsigned byte) {
+    return _mm_set1_epi8(static_cast<char>(byte));
+}
+[[gnu::always_inline]] inline std::uint64_t atLeast(Vector bytes, unsigned low) {
+    return _mm512_cmpge_epu8_mask(bytes, bytesOf(low));
+}
+[[gnu::always_inline]] inline std::uint64_t atMost(Vector bytes, unsigned high) {
+    return _mm512_cmple_epu8_mask(bytes, bytesOf(high));
+}
 [[gnu::always_inline]] inline std::uint64_t between(Vector bytes, unsigned low, unsigned high) {
     return _mm512_cmple_epu8_mask(_mm512_sub_epi8(bytes, bytesOf(low)), bytesOf(high - low));
 }
@@ -883,9 +915,6 @@ void utf8ToPairs(const MappingBody &body, Source &source, Target &target) {
 
 void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
     const file::MappingGroup &group = body.groups[2];
-    const Vector counting = countingBytes();
-    const bool leadGap = group.leadShift != 0;
-    const bool trailGap = group.trailShift1 != 0;
     while (source.at < source.end) {
         const std::uint32_t size = smaller(source.end - source.at, 64);
         const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), source.at);
@@ -898,9 +927,8 @@ void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
             target.at += size;
             continue;
         }
-        std::uint64_t leads = between(block, group.firstLead, group.lastLead);
-        if (leadGap)
-            leads &= ~between(block, group.leadGapLow + 1u, group.leadGapHigh - 1u);
+        const std::uint64_t leads = atLeast(block, group.firstLead) & atMost(block, group.lastLead) &
+                                    (atMost(block, group.leadGapLow) | atLeast(block, group.leadGapHigh));
         const std::uint64_t trails = trailsBehind(leads) & lowBits(size);
         // A single byte beyond ASCII, or a pair that the block or the source cuts, ends the stretch.
         const std::uint64_t odd =
@@ -908,7 +936,10 @@ void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
         std::uint32_t limit = firstBitOr64(odd);
         limit = limit < size ? limit : size;
         const std::uint64_t starts = ~trails & lowBits(limit);
-        const Vector positions = _mm512_maskz_compress_epi8(starts, counting);
+        // The first byte of each character, and the one behind it.
+        Vector firsts = _mm512_maskz_compress_epi8(starts, block);
+        Vector seconds =
+            _mm512_maskz_compress_epi8(starts, _mm512_maskz_loadu_epi8(lowBits(size - 1), source.at + 1));
         std::uint32_t count = countBits(starts);
         std::uint32_t end = limit;
         bool stopped = count == 0;
@@ -924,31 +955,29 @@ void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
             } else {
                 const std::uint32_t taken = count < 16 ? count : 16;
                 const auto lanes = static_cast<__mmask16>(lowBits(taken));
-                const __m256i codes =
-                    _mm512_castsi512_si256(_mm512_permutexvar_epi8(twoPlaces(positions, group16), block));
-                const __m256i lead = _mm256_and_si256(codes, unitsOf(0xFF));
-                const __m256i trail = _mm256_srli_epi16(codes, 8);
-                const __mmask16 pairs = _mm256_mask_cmpge_epu16_mask(lanes, lead, unitsOf(0x80));
-                __m256i row = _mm256_sub_epi16(lead, unitsOf(group.firstLead));
-                if (leadGap)
-                    row = _mm256_mask_sub_epi16(row, _mm256_cmpgt_epu16_mask(lead, unitsOf(group.leadGapLow)),
-                                                row, unitsOf(group.leadShift));
-                __m256i column = _mm256_sub_epi16(trail, unitsOf(group.firstTrail));
-                __mmask16 inGap = 0;
-                if (trailGap) {
-                    const __mmask16 behind = _mm256_cmpgt_epu16_mask(trail, unitsOf(group.trailGap1Low));
-                    inGap = _mm256_mask_cmplt_epu16_mask(behind, trail, unitsOf(group.trailGap1High));
-                    column = _mm256_mask_sub_epi16(column, behind, column, unitsOf(group.trailShift1));
-                }
+                const __m128i lead = _mm512_castsi512_si128(firsts);
+                const __m128i trail = _mm512_castsi512_si128(seconds);
+                firsts = _mm512_alignr_epi64(firsts, firsts, 2);
+                seconds = _mm512_alignr_epi64(seconds, seconds, 2);
+                const auto pairs = static_cast<__mmask16>(lanes & _mm_movepi8_mask(lead));
+                const __mmask16 behindGap = _mm_cmpgt_epu8_mask(lead, fewOf(group.leadGapLow));
+                const __m128i row8 = _mm_sub_epi8(lead, fewOf(group.firstLead));
+                const __m128i row = _mm_mask_sub_epi8(row8, behindGap, row8, fewOf(group.leadShift));
+                const __mmask16 behind = _mm_cmpgt_epu8_mask(trail, fewOf(group.trailGap1Low));
+                const __mmask16 inGap = _mm_mask_cmplt_epu8_mask(behind, trail, fewOf(group.trailGap1High));
+                const __m128i column8 = _mm_sub_epi8(trail, fewOf(group.firstTrail));
+                const __m128i column = _mm_mask_sub_epi8(column8, behind, column8, fewOf(group.trailShift1));
+                const auto inside = static_cast<__mmask16>(
+                    _mm_mask_cmplt_epu8_mask(pairs, column, fewOf(group.trailsPerLead)) & ~inGap);
                 const __m256i trailsPerLead = unitsOf(group.trailsPerLead);
-                const __mmask16 inside = static_cast<__mmask16>(
-                    _mm256_mask_cmplt_epu16_mask(pairs, column, trailsPerLead) & ~inGap);
                 // Places count from 1.
-                const __m256i found =
-                    entriesAt(group.values + 1,
-                              _mm256_add_epi16(_mm256_mullo_epi16(row, trailsPerLead), column), inside);
+                const __m256i found = entriesOfMost(
+                    group.values + 1,
+                    _mm256_add_epi16(_mm256_mullo_epi16(_mm256_cvtepu8_epi16(row), trailsPerLead),
+                                     _mm256_cvtepu8_epi16(column)),
+                    inside);
                 refused = _mm256_mask_cmpeq_epi16_mask(pairs, found, unitsOf(file::kUnmapped));
-                const __m256i values = _mm256_mask_mov_epi16(lead, pairs, found);
+                const __m256i values = _mm256_mask_mov_epi16(_mm256_cvtepu8_epi16(lead), pairs, found);
                 putUtf8(_mm512_cvtepu16_epi32(values), lanesBefore(lanes, refused), target);
                 count -= taken;
             }
