@@ -1,5 +1,6 @@
 #include "convert/at_once.hpp"
 
+#include "convert/engine.hpp"
 #include "convert/kernels/fast.hpp"
 #include "convert/kernels/fast_avx512.hpp"
 #include "core/instruction_sets.hpp"
@@ -40,49 +41,10 @@ bool areApart(const Source &source, const Target &target) {
     return source.end <= target.at || target.end <= source.at;
 }
 
-} // namespace
-
-std::uint32_t wayAtOnce(const void *converter) {
-    if (converter == nullptr || (headerOf(converter).proofs & kWideVectors) == 0)
-        return kNone;
-    if (byteMapOf(converter) != nullptr)
-        return kBytes;
-    const ConverterHeader &header = headerOf(converter);
-    if ((header.type & (kSwapSource | kSwapTarget)) != 0)
-        return kNone;
-    const bool isRow = (header.proofs & kByteRow) != 0;
-    switch (kindOf(converter)) {
-    case kPageToUtf8:
-    case kPageToUtf8Wide:
-    case kPageToUtf8Widest:
-        return !fast::canMap(header.proofs) ? kNone : isRow ? kRowToUtf8 : kPairsToUtf8;
-    case kUtf8ToPage:
-    case kUtf8ToBytePage:
-        return !fast::canMap(header.proofs) ? kNone : isRow ? kUtf8ToRow : kUtf8ToPairs;
-    case kShiftJisToEuc:
-        return kToEuc;
-    case kEucToShiftJis:
-        return kToShiftJis;
-    case kUcs2ToUtf8:
-    case kUtf16ToUtf8:
-        return kFromUtf16;
-    case kUtf32ToUtf8:
-        return kFromUtf32;
-    case kUtf8ToUcs2:
-    case kUtf8ToUtf16:
-        return kToUtf16;
-    case kUtf8ToUtf32:
-        return kToUtf32;
-    case kUtf16ToUtf32:
-        return kWidens;
-    case kUtf32ToUtf16:
-        return kNarrows;
-    default:
-        return kNone;
-    }
-}
-
-bool convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &from, nlsStr &to) {
+// False where the way does not take all of the text: bytes of the destination may have changed then, which
+// the general way writes anew.
+[[gnu::always_inline]] inline bool converts(std::uint32_t way, const void *converter, const nlsStr &from,
+                                            nlsStr &to) {
     auto *const begin = reinterpret_cast<std::uint8_t *>(to.buffer);
     const auto *const text = reinterpret_cast<const std::uint8_t *>(from.buffer);
     Source source{text, text + from.length};
@@ -141,6 +103,55 @@ bool convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &from,
     for (unsigned i = 0; i < width; ++i)
         target.at[i] = 0;
     return true;
+}
+
+} // namespace
+
+std::uint32_t wayAtOnce(const void *converter) {
+    if (converter == nullptr || (headerOf(converter).proofs & kWideVectors) == 0)
+        return kNone;
+    if (byteMapOf(converter) != nullptr)
+        return kBytes;
+    const ConverterHeader &header = headerOf(converter);
+    if ((header.type & (kSwapSource | kSwapTarget)) != 0)
+        return kNone;
+    const bool isRow = (header.proofs & kByteRow) != 0;
+    switch (kindOf(converter)) {
+    case kPageToUtf8:
+    case kPageToUtf8Wide:
+    case kPageToUtf8Widest:
+        return !fast::canMap(header.proofs) ? kNone : isRow ? kRowToUtf8 : kPairsToUtf8;
+    case kUtf8ToPage:
+    case kUtf8ToBytePage:
+        return !fast::canMap(header.proofs) ? kNone : isRow ? kUtf8ToRow : kUtf8ToPairs;
+    case kShiftJisToEuc:
+        return kToEuc;
+    case kEucToShiftJis:
+        return kToShiftJis;
+    case kUcs2ToUtf8:
+    case kUtf16ToUtf8:
+        return kFromUtf16;
+    case kUtf32ToUtf8:
+        return kFromUtf32;
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+        return kToUtf16;
+    case kUtf8ToUtf32:
+        return kToUtf32;
+    case kUtf16ToUtf32:
+        return kWidens;
+    case kUtf32ToUtf16:
+        return kNarrows;
+    default:
+        return kNone;
+    }
+}
+
+nlsStatus convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &source, nlsStr *intermediate,
+                        nlsStr &destination) {
+    if (converts(way, converter, source, destination)) [[likely]]
+        return NLS_OK;
+    return convertText(converter, source, intermediate, destination);
 }
 
 } // namespace velnls

@@ -10,9 +10,9 @@ namespace velnls {
 // What a converter's short texts go through, kept as the proofs of a conversion: 0 = nothing.
 std::uint32_t wayAtOnce(const void *converter);
 
-// Converts a text that is not empty with its terminator. False where `way` does not take all of it: then the
-// destination's bytes may have changed, which the general way writes anew, and nothing else.
-bool convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &source, nlsStr &destination);
+// As convertText(), to which it goes on where `way` does not take all of a text. Of 1 to kMostAtOnce bytes.
+nlsStatus convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &source, nlsStr *intermediate,
+                        nlsStr &destination);
 
 inline constexpr std::uint32_t kMostAtOnce = 256; // bytes of a short text
 

@@ -16,43 +16,6 @@ bool lacksBuffer(const nlsStr &string) {
     return string.buffer == nullptr && string.length != 0;
 }
 
-// Bytes of the terminator behind a converter's output; a chain's is that of its second step.
-std::uint32_t terminatorWidth(const void *converter) {
-    switch (kindOf(lastStepOf(converter))) {
-    case kUtf8ToUcs2:
-    case kUtf8ToUtf16:
-    case kUtf32ToUtf16:
-    case kPageToUtf16:
-        return 2;
-    case kUtf8ToUtf32:
-    case kUtf16ToUtf32:
-        return 4;
-    default:
-        return 1;
-    }
-}
-
-nlsStatus convertText(const void *converter, const nlsStr &source, nlsStr *intermediate,
-                      nlsStr &destination) {
-    const auto sourceLength = static_cast<std::int32_t>(source.length); // both may be one record
-    destination.length = 0; // what stands when nothing is converted
-    const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
-    const nlsStatus status = convert({.destination = bytes(destination.buffer),
-                                      .capacity = destination.size,
-                                      .source = bytes(source.buffer),
-                                      .sourceLength = sourceLength,
-                                      .intermediate = chained ? bytes(intermediate->buffer) : nullptr,
-                                      .intermediateCapacity = chained ? intermediate->size : 0,
-                                      .converter = converter,
-                                      .written = &destination.length});
-    const std::uint32_t width = terminatorWidth(converter);
-    if (std::uint64_t{destination.length} + width > destination.size)
-        return NLS_E_BUFFER;
-    for (std::uint32_t i = 0; i < width; ++i)
-        destination.buffer[destination.length + i] = '\0';
-    return status;
-}
-
 } // namespace
 
 nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr *intermediate,
@@ -61,11 +24,9 @@ nlsStatus nlsConvertNLS(nlsConversion *conversion, const nlsStr *source, nlsStr 
         return status;
     if (source == nullptr || destination == nullptr || lacksBuffer(*source) || destination->buffer == nullptr)
         return NLS_E_NULLARG;
-    const void *const converter = conversion->converter;
-    if (const std::uint32_t way = conversion->header.proofs;
-        way != 0 && source->length - 1 < kMostAtOnce && convertAtOnce(way, converter, *source, *destination))
-        return NLS_OK;
-    return convertText(converter, *source, intermediate, *destination);
+    if (const std::uint32_t way = conversion->header.proofs; way != 0 && source->length - 1 < kMostAtOnce)
+        return convertAtOnce(way, conversion->converter, *source, intermediate, *destination);
+    return convertText(conversion->converter, *source, intermediate, *destination);
 }
 
 nlsStatus nlsConvertNLSCheck(nlsConversion *conversion, const nlsStr *source, nlsStr *destination) {

@@ -254,6 +254,22 @@ nlsStatus checked(const Request &request, std::int32_t kind, nlsStatus status) {
     return changed ? NLS_R_CHANGED : status;
 }
 
+// Bytes of the terminator behind a converter's output; a chain's is that of its second step.
+std::uint32_t terminatorWidth(const void *converter) {
+    switch (kindOf(lastStepOf(converter))) {
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+    case kUtf32ToUtf16:
+    case kPageToUtf16:
+        return 2;
+    case kUtf8ToUtf32:
+    case kUtf16ToUtf32:
+        return 4;
+    default:
+        return 1;
+    }
+}
+
 } // namespace
 
 nlsStatus convert(const Request &request) {
@@ -289,6 +305,28 @@ nlsStatus convert(const Request &request) {
         return NLS_OK;
     }
     return request.check ? checked(request, kind, status) : status;
+}
+
+nlsStatus convertText(const void *converter, const nlsStr &source, nlsStr *intermediate,
+                      nlsStr &destination) {
+    const auto sourceLength = static_cast<std::int32_t>(source.length); // both may be one record
+    destination.length = 0; // what stands when nothing is converted
+    const bool chained = kindOf(converter) == kChain && intermediate != nullptr;
+    const nlsStatus status =
+        convert({.destination = reinterpret_cast<std::uint8_t *>(destination.buffer),
+                 .capacity = destination.size,
+                 .source = reinterpret_cast<std::uint8_t *>(source.buffer),
+                 .sourceLength = sourceLength,
+                 .intermediate = chained ? reinterpret_cast<std::uint8_t *>(intermediate->buffer) : nullptr,
+                 .intermediateCapacity = chained ? intermediate->size : 0,
+                 .converter = converter,
+                 .written = &destination.length});
+    const std::uint32_t width = terminatorWidth(converter);
+    if (std::uint64_t{destination.length} + width > destination.size)
+        return NLS_E_BUFFER;
+    for (std::uint32_t i = 0; i < width; ++i)
+        destination.buffer[destination.length + i] = '\0';
+    return status;
 }
 
 nlsStatus convertCharacter(const void *converter, std::uint32_t character, std::uint32_t &result) {

@@ -22,6 +22,10 @@ struct Request {
 // 0, 2, 16, 33, NLS_R_CHANGED (check mode), NLS_R_SUBSTITUTED.
 nlsStatus convert(const Request &request);
 
+// A counted text with a terminator behind it, as nlsConvertNLS converts it; a chain needs an intermediate
+// text.
+nlsStatus convertText(const void *converter, const nlsStr &source, nlsStr *intermediate, nlsStr &destination);
+
 // One character value, its bytes packed big-endian, into another.
 nlsStatus convertCharacter(const void *converter, std::uint32_t character, std::uint32_t &result);
 

@@ -38,13 +38,24 @@ inline nlsStatus checkLocale(const nlsLocale *locale) {
     return refuseLocale(locale);
 }
 
-// 0, 13 (null, or a locale of a closed handle) or 26.
-inline nlsStatus checkConversion(const nlsConversion *conversion) {
+// The same for a conversion.
+inline bool isOpenConversion(const nlsConversion *conversion) {
+    return conversion != nullptr && conversion->header.type == kConversionObject &&
+           isLive(conversion->source->handle) && isLive(conversion->target->handle);
+}
+
+// 13 (null, or a locale of a closed handle) or 26.
+[[gnu::cold, gnu::noinline]] inline nlsStatus refuseConversion(const nlsConversion *conversion) {
     if (conversion == nullptr || !isLive(ownerOf(conversion->header)))
         return NLS_E_HANDLE;
-    if (conversion->header.type != kConversionObject)
-        return NLS_E_NOTCONV;
-    return isLive(conversion->target->handle) ? NLS_OK : NLS_E_HANDLE;
+    return conversion->header.type == kConversionObject ? NLS_E_HANDLE : NLS_E_NOTCONV;
+}
+
+// 0, 13 or 26.
+inline nlsStatus checkConversion(const nlsConversion *conversion) {
+    if (isOpenConversion(conversion)) [[likely]]
+        return NLS_OK;
+    return refuseConversion(conversion);
 }
 
 } // namespace velnls

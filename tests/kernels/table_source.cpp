@@ -35,16 +35,20 @@ nlsHandle *handle() {
 
 } // namespace
 
-const velnls::MappingBody *mappingOf(const std::string &page) {
-    nlsLocale *from = nullptr;
-    nlsLocale *to = nullptr;
+const void *converterOf(const std::string &from, const std::string &to) {
+    nlsLocale *source = nullptr;
+    nlsLocale *target = nullptr;
     nlsConversion *conversion = nullptr;
     if (handle() == nullptr ||
-        nlsCreateLocale(handle(), page.c_str(), NLS_NO_COLLATION, nullptr, &from) != NLS_OK ||
-        nlsCreateLocale(handle(), "UTF-8", NLS_NO_COLLATION, nullptr, &to) != NLS_OK ||
-        nlsCreateConversion(handle(), from, to, &conversion) != NLS_OK)
+        nlsCreateLocale(handle(), from.c_str(), NLS_NO_COLLATION, nullptr, &source) != NLS_OK ||
+        nlsCreateLocale(handle(), to.c_str(), NLS_NO_COLLATION, nullptr, &target) != NLS_OK ||
+        nlsCreateConversion(handle(), source, target, &conversion) != NLS_OK)
         return nullptr;
-    return static_cast<const velnls::MappingBody *>(conversion->converter);
+    return conversion->converter;
+}
+
+const velnls::MappingBody *mappingOf(const std::string &page) {
+    return static_cast<const velnls::MappingBody *>(converterOf(page, "UTF-8"));
 }
 
 const std::vector<std::string> &pages() {

@@ -1,0 +1,145 @@
+// Short texts that are converted at once, against the general way.
+#include "convert/at_once.hpp"
+#include "convert/engine.hpp"
+#include "core/instruction_sets.hpp"
+#include "guarded_buffer.hpp"
+#include "random.hpp"
+#include "table_source.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+using namespace velnls;
+using namespace kernel_tests;
+
+namespace {
+
+struct Pair {
+    const char *from;
+    const char *to;
+};
+
+// Every way, and the tables of one and two bytes.
+constexpr Pair kPairs[] = {{"1252", "UTF-8"},       {"UTF-8", "1252"},       {"1251", "UTF-8"},
+                           {"UTF-8", "1251"},       {"SHIFT-JIS", "UTF-8"},  {"UTF-8", "SHIFT-JIS"},
+                           {"CP936", "UTF-8"},      {"UTF-8", "CP936"},      {"1252", "IBM850"},
+                           {"SHIFT-JIS", "EUCJIS"}, {"EUCJIS", "SHIFT-JIS"}, {"UTF-16", "UTF-8"},
+                           {"UTF-8", "UTF-16"},     {"UTF-32", "UTF-8"},     {"UTF-8", "UTF-32"},
+                           {"UTF-16", "UTF-32"},    {"UTF-32", "UTF-16"}};
+
+bool isWide() {
+    return (instructionSets() & kWideVectors) != 0;
+}
+
+TEST(AtOnce, EveryKindWithAKernelHasAWayWhereTheProcessorHasIts) {
+    for (const Pair &pair : kPairs) {
+        const void *const converter = converterOf(pair.from, pair.to);
+        ASSERT_NE(converter, nullptr) << pair.from << ' ' << pair.to;
+        EXPECT_EQ(wayAtOnce(converter) != 0, isWide()) << pair.from << ' ' << pair.to;
+    }
+    EXPECT_EQ(wayAtOnce(nullptr), 0u) << "a plain copy";
+    EXPECT_EQ(wayAtOnce(converterOf("IBM037", "UTF-8")), 0u) << "ASCII is no identity";
+}
+
+std::string randomText(fixture::Random &random, const Pair &pair) {
+    const std::string_view from = pair.from;
+    const std::size_t unit = from == "UTF-16" ? 2 : from == "UTF-32" ? 4 : 1;
+    const std::size_t characters = 1 + random.below(random.below(4) == 0 ? 300 : 40);
+    const unsigned script = random.below(4);
+    std::string text;
+    for (std::size_t i = 0; i < characters; ++i) {
+        const unsigned value = random.below(3) == 0 ? 0x20 + random.below(0x5F)
+                               : script == 0        ? 0xC0 + random.below(0x40)
+                               : script == 1        ? 0x410 + random.below(0x40)
+                               : script == 2        ? 0x3042 + random.below(0x50)
+                                                    : 0x4E00 + random.below(0x3000);
+        if (unit != 1) {
+            text.append(reinterpret_cast<const char *>(&value), unit);
+        } else if (from == "UTF-8") {
+            if (value < 0x80)
+                text += static_cast<char>(value);
+            else if (value < 0x800)
+                text += {static_cast<char>(0xC0 | value >> 6), static_cast<char>(0x80 | (value & 0x3F))};
+            else
+                text += {static_cast<char>(0xE0 | value >> 12), static_cast<char>(0x80 | (value >> 6 & 0x3F)),
+                         static_cast<char>(0x80 | (value & 0x3F))};
+        } else if (from.substr(0, 2) == "12" || value < 0x80) {
+            text += static_cast<char>(value);
+        } else {
+            text +=
+                {static_cast<char>(0x81 + random.below(0x7E)), static_cast<char>(0x40 + random.below(0xBF))};
+        }
+    }
+    // Now and then something is broken, or cut.
+    if (random.below(4) == 0)
+        text[random.below(static_cast<std::uint32_t>(text.size()))] = static_cast<char>(random.below(256));
+    if (random.below(8) == 0)
+        text.pop_back();
+    return text;
+}
+
+struct Outcome {
+    nlsStatus status;
+    std::string written; // with what stands where the terminator does
+};
+
+// The text in memory that ends where it does, and a destination that ends where its size does.
+template <typename Convert>
+Outcome outcomeOf(const std::string &text, std::uint32_t room, Convert convert) {
+    constexpr std::size_t kTerminator = 4;
+    static fixture::GuardedBuffer sources(8192);
+    static fixture::GuardedBuffer targets(8192);
+    fixture::Bytes bytes(text.begin(), text.end());
+    bytes.push_back(0);
+    const nlsStr source{reinterpret_cast<char *>(const_cast<unsigned char *>(sources.readOnly(bytes))),
+                        static_cast<std::uint32_t>(bytes.size()), static_cast<std::uint32_t>(text.size())};
+    unsigned char *const at = targets.tail(room);
+    std::fill_n(at, room, 0xEE);
+    nlsStr target{reinterpret_cast<char *>(at), room, 77};
+    const nlsStatus status = convert(source, target);
+    const std::size_t length = std::min<std::size_t>(target.length + kTerminator, room);
+    return {status, std::to_string(target.length) + ':' +
+                        std::string(at, at + (status == NLS_OK ? length : std::min(target.length, room)))};
+}
+
+class AtOnceOf : public testing::TestWithParam<Pair> {};
+
+TEST_P(AtOnceOf, GivesWhatTheGeneralWayGivesAtEveryRoom) {
+    const Pair &pair = GetParam();
+    const void *const converter = converterOf(pair.from, pair.to);
+    ASSERT_NE(converter, nullptr);
+    const std::uint32_t way = wayAtOnce(converter);
+    if (way == 0)
+        GTEST_SKIP() << "the processor has no such kernels";
+    fixture::Random random(4242);
+    unsigned whole = 0;
+    for (int round = 0; round < 6000; ++round) {
+        const std::string text = randomText(random, pair);
+        if (text.empty() || text.size() > kMostAtOnce)
+            continue;
+        const auto most = static_cast<std::uint32_t>(4 * text.size() + 80);
+        const std::uint32_t room = random.below(3) == 0 ? 1 + random.below(most) : most;
+        const auto generally = [&](const nlsStr &source, nlsStr &target) {
+            return convertText(converter, source, nullptr, target);
+        };
+        const auto atOnce = [&](const nlsStr &source, nlsStr &target) {
+            return convertAtOnce(way, converter, source, nullptr, target);
+        };
+        const Outcome expected = outcomeOf(text, room, generally);
+        const Outcome actual = outcomeOf(text, room, atOnce);
+        whole += expected.status == NLS_OK ? 1 : 0;
+        ASSERT_EQ(expected.status, actual.status) << "round " << round;
+        ASSERT_EQ(expected.written, actual.written) << "round " << round;
+    }
+    EXPECT_GT(whole, 500u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Pairs, AtOnceOf, testing::ValuesIn(kPairs), [](const auto &which) {
+    std::string name = std::string(which.param.from) + "_to_" + which.param.to;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+});
+
+} // namespace
