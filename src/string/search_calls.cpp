@@ -119,7 +119,42 @@ public:
         ++count_;
         return written_;
     }
-    // Behind a match, replaces what follows as far as blocks go. Gives the place behind that.
+    // Replaces matches as a search finds them.
+    MatchTaker taker() {
+        const auto take = [](void *replacing, const Match &match) {
+            return static_cast<Replacing *>(replacing)->replace(match);
+        };
+        return {take, this};
+    }
+    // The same, and what follows a match as far as blocks go. Stays as long as the taker is used.
+    struct ByBlocks {
+        Replacing &replacing;
+        const Whole &sought;
+        const Whole &where;
+        bool isUtf8;
+
+        MatchTaker taker() {
+            const auto take = [](void *self, const Match &match) {
+                const ByBlocks &by = *static_cast<const ByBlocks *>(self);
+                return by.replacing.replace(match) == nullptr
+                           ? nullptr
+                           : by.replacing.replaceBlocks(by.sought, by.where, by.isUtf8);
+            };
+            return {take, this};
+        }
+    };
+    // Adds what is left of the text up to its end.
+    nlsStatus finish(const std::uint8_t *end) {
+        if (written_ == nullptr && status_ == NLS_OK)
+            return result_.copy(where_, end);
+        // Where the text before the first match does not fit, all of it does not.
+        if (written_ != nullptr)
+            status_ = result_.append(written_, end);
+        return status_ == NLS_OK ? NLS_OK : result_.blank(status_);
+    }
+
+private:
+    // Behind a match, replaces what follows. Gives the place behind that.
     const std::uint8_t *replaceBlocks(const Whole &sought, const Whole &where, bool isUtf8) {
         const avx512::ByteReplacement by{sought.at, sought.end - sought.at, bytesOf(replacement_),
                                          insteadEnd_ - bytesOf(replacement_), isUtf8};
@@ -134,17 +169,7 @@ public:
         count_ = text.count;
         return written_;
     }
-    // Adds what is left of the text up to its end.
-    nlsStatus finish(const std::uint8_t *end) {
-        if (written_ == nullptr && status_ == NLS_OK)
-            return result_.copy(where_, end);
-        // Where the text before the first match does not fit, all of it does not.
-        if (written_ != nullptr)
-            status_ = result_.append(written_, end);
-        return status_ == NLS_OK ? NLS_OK : result_.blank(status_);
-    }
 
-private:
     OutText result_;
     const std::uint8_t *where_;
     const char *replacement_;
@@ -303,25 +328,12 @@ nlsStatus replaceAt(ShortPlaces found, const std::uint8_t *text_, Replacing &rep
         return status;
     if (sought.empty())
         return NLS_E_NULLARG;
-    const bool goesByBlocks = replacesByBlocks(locale, mode, sought);
-    const bool isUtf8 = (locale.header.proofs & kUtf8Page) != 0;
     const Whole where(text_);
     if (const nlsStatus status = checkNotCut(locale, where); status != NLS_OK)
         return status;
-    struct Taker {
-        Replacing &replacing;
-        const Whole &sought;
-        const Whole &where;
-        bool goesByBlocks;
-        bool isUtf8;
-    } taker{replacing, sought, where, goesByBlocks, isUtf8};
-    const auto replace = [](void *with, const Match &match) {
-        const Taker &to = *static_cast<const Taker *>(with);
-        const std::uint8_t *const at = to.replacing.replace(match);
-        return to.goesByBlocks && at != nullptr ? to.replacing.replaceBlocks(to.sought, to.where, to.isUtf8)
-                                                : at;
-    };
-    const nlsStatus status = findMatches(locale, mode, sought, where, {replace, &taker});
+    Replacing::ByBlocks byBlocks{replacing, sought, where, (locale.header.proofs & kUtf8Page) != 0};
+    const MatchTaker taken = replacesByBlocks(locale, mode, sought) ? byBlocks.taker() : replacing.taker();
+    const nlsStatus status = findMatches(locale, mode, sought, where, taken);
     return status != NLS_OK ? status : replacing.finish(where.end);
 }
 

@@ -174,14 +174,13 @@ namespace {
 
 nlsStatus pageToUtf8(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
     const bool isRow = (proofs & kByteRow) != 0;
-    const bool isLong = source.end - source.at >= Utf8OfByte::kWorthwhile;
     const auto wide = [&body, isRow](Source &text, Target &out) {
         if (isRow)
             avx512::byteRowToUtf8(body, text, out);
         else
             avx512::pairsToUtf8(body, text, out);
     };
-    if (!(isRow && isLong) && finishes(proofs, wide, source, target))
+    if (finishes(proofs, wide, source, target))
         return NLS_OK;
     return pageToUtf8Rest(body, proofs, source, target);
 }

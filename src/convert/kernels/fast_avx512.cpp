@@ -213,6 +213,21 @@ inline constexpr std::ptrdiff_t kUtf8Room = 64; // of 16 characters up to U+FFFF
     target.at += count;
 }
 
+// The same for the first `count` of 32 units, none of them above 7FF.
+[[gnu::always_inline]] inline void putShortUtf8(Vector units, std::uint32_t count, Target &target) {
+    constexpr int kAndOr = 0xEA;
+    const __mmask32 two = _mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(0x80));
+    // The last byte stands high in its unit, by itself or with the first one before it.
+    const Vector last = _mm512_slli_epi16(units, 8);
+    const Vector bits =
+        _mm512_ternarylogic_epi32(last, _mm512_set1_epi16(0x3F00), _mm512_srli_epi16(units, 6), kAndOr);
+    const Vector marks = _mm512_set1_epi16(static_cast<short>(0x80C0));
+    const Vector bytes = _mm512_mask_mov_epi16(last, two, _mm512_or_si512(bits, marks));
+    const std::uint64_t used = (_pdep_u64(two, 0x5555555555555555) | 0xAAAAAAAAAAAAAAAA) & lowBits(2 * count);
+    _mm512_storeu_si512(target.at, _mm512_maskz_compress_epi8(used, bytes));
+    target.at += countBits(used);
+}
+
 // ---- UTF-8 in
 // ----------------------------------------------------------------------------------------------
 
@@ -724,8 +739,15 @@ void byteRowToUtf8(const MappingBody &body, Source &source, Target &out) {
         }
         const Vector values = table.valuesOf(_mm512_cvtepu8_epi16(_mm512_castsi512_si256(block)),
                                              static_cast<__mmask32>(notAscii));
-        const std::uint32_t unmapped = _mm512_cmpeq_epi16_mask(values, _mm512_set1_epi16(-1));
         const std::uint32_t half = size < 32 ? size : 32;
+        const auto inHalf = static_cast<__mmask32>(lowBits(half));
+        // Unmapped ones are FFFF.
+        if (_mm512_mask_cmpge_epu16_mask(inHalf, values, _mm512_set1_epi16(0x800)) == 0) {
+            putShortUtf8(values, half, target);
+            at += half;
+            continue;
+        }
+        const std::uint32_t unmapped = _mm512_cmpeq_epi16_mask(values, _mm512_set1_epi16(-1));
         const std::uint32_t good = unmapped == 0 ? half : firstBitOr64(unmapped);
         const std::uint64_t lanes = lowBits(good);
         putUtf8(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(values)), static_cast<__mmask16>(lanes), target);
