@@ -67,7 +67,7 @@ bool isBoundary(ShortMatching matching, const std::uint8_t *text, const std::uin
         return nothingReachesAcross(text, place);
     // Lead bytes side by side are pairs, but for the last one of an odd number.
     const std::uint8_t *at = place;
-    while (at != text && matching.facts->isLead(at[-1]))
+    while (at != text && matching.facts()->isLead(at[-1]))
         --at;
     return ((place - at) & 1) == 0;
 }
@@ -90,7 +90,7 @@ ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const st
           std::memchr(text, kDottedILead, static_cast<std::size_t>(end - text)) != nullptr)))
         return ShortLike::Unsettled;
     const std::uint64_t any = wanted.masks.equal(signs.anyString) & (wanted.end - 1) & ~wanted.trails;
-    const LongSought sought(ordered.order, matching.weights, pattern);
+    const LongSought sought(ordered.order, matching.weights(), pattern);
     const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
     if (const unsigned length = placeOf(wanted.end) - tail; length != 0) {
         end -= length;

@@ -22,10 +22,9 @@ std::int64_t reachOf(const ByteReplacement &by) {
 class BlockReplacing {
 public:
     [[gnu::always_inline]] BlockReplacing(const ByteReplacement &by, const ReplacedText &text)
-        : by_(by), text_(text), pattern_(load(by.pattern, by.patternLength)),
-          instead_(load(by.instead, by.insteadLength)),
+        : pattern_(load(by.pattern, by.patternLength)), instead_(load(by.instead, by.insteadLength)),
           first_(_mm512_set1_epi8(static_cast<char>(by.pattern[0]))),
-          last_(_mm512_set1_epi8(static_cast<char>(by.pattern[by.patternLength - 1]))),
+          last_(_mm512_set1_epi8(static_cast<char>(by.pattern[by.patternLength - 1]))), by_(by), text_(text),
           isWhole_(by.insteadLength >= by.patternLength) {}
 
     // The places of a block where the pattern's first and last byte stand.
@@ -100,12 +99,12 @@ private:
         text_.out += length;
     }
 
-    ByteReplacement by_;
-    ReplacedText text_;
     Vector pattern_;
     Vector instead_;
     Vector first_;
     Vector last_;
+    ByteReplacement by_;
+    ReplacedText text_;
     bool isWhole_;
 };
 

@@ -58,10 +58,14 @@ enum class ShortOrder : std::uint32_t {
 struct ShortMatching {
     ShortOrder order;
     ShortPage page;
-    union {
-        const PageFacts *facts;      // of pages of pairs
-        const std::uint8_t *weights; // of the mode, for ShortOrder::Weights
-    };
+    const void *table; // the facts of a page of pairs, or the weights of the mode for ShortOrder::Weights
+
+    [[nodiscard]] const PageFacts *facts() const {
+        return static_cast<const PageFacts *>(table);
+    }
+    [[nodiscard]] const std::uint8_t *weights() const {
+        return static_cast<const std::uint8_t *>(table);
+    }
 };
 
 namespace {
@@ -71,7 +75,7 @@ template <typename Masks>
                                                          std::uint64_t stop) {
     // Single bytes have no facts.
     return matching.page == ShortPage::Bytes ? ShortStructure{0, 0}
-                                             : structureOf(matching.page, *matching.facts, masks, stop);
+                                             : structureOf(matching.page, *matching.facts(), masks, stop);
 }
 
 // A pattern, up to its NUL at `end`, a bit.
@@ -218,7 +222,7 @@ template <typename Masks>
     if (order == ShortOrder::Unknown)
         return kUnsettledPlaces;
     const unsigned length = placeOf(wanted.end);
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights);
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
     return settledPlaces(sought.places(0, length, end) & ~structure.trails, length, placeOf(end));
 }
 
@@ -268,7 +272,7 @@ template <typename Masks>
     const ShortOrder order = wanted.orderIn(matching, masks, end);
     if (order == ShortOrder::Unknown)
         return ShortLike::Unsettled;
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights);
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
     return hasPieces(sought, structure.trails, end, any, wanted.end);
 }
 
@@ -309,7 +313,7 @@ template <typename Masks>
         return kUnsettledPlaces;
     const unsigned length = placeOf(wanted.end);
     const unsigned textLength = placeOf(end);
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights);
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
     const std::uint64_t places = sought.places(0, length, end);
     if (places != 0 ? !isOfBytes(matching.page, masks, end) : mayBeCut(matching.page, text, textLength))
         return kUnsettledPlaces;
@@ -332,7 +336,7 @@ template <typename Masks>
     const ShortOrder order = wanted.orderIn(matching, masks, end);
     if (order == ShortOrder::Unknown)
         return ShortLike::Unsettled;
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights);
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
     const std::uint64_t last = wanted.end >> 1;
     const std::uint64_t next = lowestOf((any & (any - 1)) | wanted.end);
     const unsigned length = placeOf(next) - 1;

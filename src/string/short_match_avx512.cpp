@@ -40,7 +40,7 @@ ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     ShortMatching matching = fast::matchingOf(locale, mode);
     if (matching.order == ShortOrder::Unknown) {
         matching.order = ShortOrder::Weights;
-        matching.weights = weightsOf(*locale.collation, mode);
+        matching.table = weightsOf(*locale.collation, mode);
     }
     return matching;
 }
@@ -87,10 +87,10 @@ nlsStatus likeLong(nlsLocale *locale, const char *pattern, const char *text, std
 
 template <ShortPage kPage, ShortOrder kOrder>
 [[gnu::always_inline]] inline ShortMatching known(const nlsLocale &locale, unsigned mode) {
-    ShortMatching matching{kOrder, kPage, {nullptr}}; // neither page has facts
     if constexpr (kOrder == ShortOrder::Weights)
-        matching.weights = weightsOf(*locale.collation, mode);
-    return matching;
+        return {kOrder, kPage, weightsOf(*locale.collation, mode)};
+    else
+        return {kOrder, kPage, &factsOf(*locale.charTable)};
 }
 
 template <ShortPage kPage, ShortOrder kOrder>

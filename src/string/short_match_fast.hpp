@@ -32,7 +32,7 @@ inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
                            (proofs & kSingleBytePage) != 0 ? ShortPage::Bytes
                            : (proofs & kUtf8Page) != 0     ? ShortPage::Utf8
                                                            : ShortPage::Pairs,
-                           {&factsOf(*locale.charTable)}};
+                           &factsOf(*locale.charTable)};
     if (mode <= 1 && (proofs & (mode == 0 ? kMatchesAscii : kMatchesBytes)) != 0)
         matching.order = mode == 0 ? ShortOrder::Ascii : ShortOrder::Bytes;
     return matching;
