@@ -59,10 +59,7 @@ const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *text, 
     const auto test = [&](const std::uint8_t *block) {
         return _mm_and_si128(near(block + nearDistance), far(block + distance));
     };
-    const auto placeIn = [](const std::uint8_t *block, __m128i found) {
-        const auto mask = static_cast<unsigned>(_mm_movemask_epi8(found));
-        return mask == 0 ? nullptr : block + __builtin_ctz(mask);
-    };
+    const auto maskOf = [](__m128i found) { return static_cast<unsigned>(_mm_movemask_epi8(found)); };
     constexpr std::size_t kStride = 4 * kBlock;
     for (; end - at >= static_cast<std::ptrdiff_t>(kStride + distance); at += kStride) {
         const __m128i a = test(at);
@@ -73,17 +70,17 @@ const std::uint8_t *findIn(const PlaceFilter &filter, const std::uint8_t *text, 
             continue;
         const __m128i found[] = {a, b, c, d};
         for (std::size_t i = 0;; ++i)
-            if (const std::uint8_t *const place = placeIn(at + i * kBlock, found[i]); place != nullptr)
-                return place;
+            if (const unsigned mask = maskOf(found[i]); mask != 0)
+                return at + i * kBlock + __builtin_ctz(mask);
     }
     for (; end - at >= static_cast<std::ptrdiff_t>(kBlock + distance); at += kBlock)
-        if (const std::uint8_t *const place = placeIn(at, test(at)); place != nullptr)
-            return place;
+        if (const unsigned mask = maskOf(test(at)); mask != 0)
+            return at + __builtin_ctz(mask);
     // The last block looks once more at places that are done with.
     if (end - text >= static_cast<std::ptrdiff_t>(kBlock + distance) &&
         end - at > static_cast<std::ptrdiff_t>(distance)) {
         const std::uint8_t *const last = end - distance - kBlock;
-        const auto mask = static_cast<unsigned>(_mm_movemask_epi8(test(last))) >> (at - last);
+        const unsigned mask = maskOf(test(last)) >> (at - last);
         if (mask != 0)
             return at + __builtin_ctz(mask);
         at = last + kBlock;

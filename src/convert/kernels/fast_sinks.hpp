@@ -16,6 +16,7 @@ struct ByteCursor {
     std::uint8_t *out;
     std::uint8_t *end;
 
+    ByteCursor(std::uint8_t *from, std::uint8_t *to) : out(from), end(to) {}
     [[nodiscard]] bool hasRoom(std::ptrdiff_t bytes) const {
         return end - out >= bytes;
     }
