@@ -11,7 +11,11 @@ namespace velnls {
 
 namespace {
 
-enum Way : std::uint32_t {
+// A way: the kernel in the low byte, the width of the terminator above it.
+constexpr std::uint32_t kKernel = 0xFF;
+constexpr unsigned kWidthShift = 8;
+
+enum Kernel : std::uint32_t {
     kNone,
     kBytes,
     kRowToUtf8,
@@ -28,17 +32,8 @@ enum Way : std::uint32_t {
     kNarrows,
 };
 
-// Bytes of the terminator.
-unsigned widthOf(std::uint32_t way) {
-    return way < kToUtf16 ? 1 : (way == kToUtf16 || way == kNarrows) ? 2 : 4;
-}
-
 const MappingBody &mappingOf(const void *converter) {
     return *static_cast<const MappingBody *>(converter);
-}
-
-bool areApart(const Source &source, const Target &target) {
-    return source.end <= target.at || target.end <= source.at;
 }
 
 // False where the way does not take all of the text: bytes of the destination may have changed then, which
@@ -51,7 +46,7 @@ bool areApart(const Source &source, const Target &target) {
     Target target{begin, begin + std::max(static_cast<std::int32_t>(to.size), 0)};
     if (!areApart(source, target))
         return false;
-    switch (way) {
+    switch (way & kKernel) {
     case kBytes:
         if (target.room() < source.left())
             return false;
@@ -96,18 +91,16 @@ bool areApart(const Source &source, const Target &target) {
     default:
         return false;
     }
-    const unsigned width = widthOf(way);
+    const std::uint32_t width = way >> kWidthShift;
     if (source.at != source.end || target.room() < static_cast<std::ptrdiff_t>(width))
         return false;
     to.length = static_cast<std::uint32_t>(target.at - begin);
-    for (unsigned i = 0; i < width; ++i)
+    for (std::uint32_t i = 0; i < width; ++i)
         target.at[i] = 0;
     return true;
 }
 
-} // namespace
-
-std::uint32_t wayAtOnce(const void *converter) {
+Kernel kernelFor(const void *converter) {
     if (converter == nullptr || (headerOf(converter).proofs & kWideVectors) == 0)
         return kNone;
     if (byteMapOf(converter) != nullptr)
@@ -145,6 +138,13 @@ std::uint32_t wayAtOnce(const void *converter) {
     default:
         return kNone;
     }
+}
+
+} // namespace
+
+std::uint32_t wayAtOnce(const void *converter) {
+    const Kernel kernel = kernelFor(converter);
+    return kernel == kNone ? 0 : kernel | terminatorWidth(converter) << kWidthShift;
 }
 
 nlsStatus convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &source, nlsStr *intermediate,

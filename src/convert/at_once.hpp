@@ -11,6 +11,8 @@ namespace velnls {
 std::uint32_t wayAtOnce(const void *converter);
 
 // As convertText(), to which it goes on where `way` does not take all of a text. Of 1 to kMostAtOnce bytes.
+// What the general way refuses before it converts, a byte that continues a character of UTF-8 before any has
+// begun, no kernel takes.
 nlsStatus convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &source, nlsStr *intermediate,
                         nlsStr &destination);
 

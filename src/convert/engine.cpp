@@ -28,11 +28,6 @@ nlsStatus copyIdentity(const Request &request) {
     return copied < length ? NLS_E_BUFFER : NLS_OK;
 }
 
-// The fast kernels read blocks before they write: they need a target that does not lie on the source.
-bool areApart(const Source &source, const Target &target) {
-    return source.end <= target.at || target.end <= source.at;
-}
-
 // All or nothing, unlike the plain copy.
 nlsStatus convertByteMap(const Request &request, Source &source, Target &target) {
     if (target.room() < source.left()) {
@@ -254,22 +249,6 @@ nlsStatus checked(const Request &request, std::int32_t kind, nlsStatus status) {
     return changed ? NLS_R_CHANGED : status;
 }
 
-// Bytes of the terminator behind a converter's output; a chain's is that of its second step.
-std::uint32_t terminatorWidth(const void *converter) {
-    switch (kindOf(lastStepOf(converter))) {
-    case kUtf8ToUcs2:
-    case kUtf8ToUtf16:
-    case kUtf32ToUtf16:
-    case kPageToUtf16:
-        return 2;
-    case kUtf8ToUtf32:
-    case kUtf16ToUtf32:
-        return 4;
-    default:
-        return 1;
-    }
-}
-
 } // namespace
 
 nlsStatus convert(const Request &request) {
@@ -305,6 +284,21 @@ nlsStatus convert(const Request &request) {
         return NLS_OK;
     }
     return request.check ? checked(request, kind, status) : status;
+}
+
+std::uint32_t terminatorWidth(const void *converter) {
+    switch (kindOf(lastStepOf(converter))) {
+    case kUtf8ToUcs2:
+    case kUtf8ToUtf16:
+    case kUtf32ToUtf16:
+    case kPageToUtf16:
+        return 2;
+    case kUtf8ToUtf32:
+    case kUtf16ToUtf32:
+        return 4;
+    default:
+        return 1;
+    }
 }
 
 nlsStatus convertText(const void *converter, const nlsStr &source, nlsStr *intermediate,

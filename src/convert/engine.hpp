@@ -22,6 +22,9 @@ struct Request {
 // 0, 2, 16, 33, NLS_R_CHANGED (check mode), NLS_R_SUBSTITUTED.
 nlsStatus convert(const Request &request);
 
+// Bytes of the terminator behind a converter's output; a chain's is that of its second step.
+std::uint32_t terminatorWidth(const void *converter);
+
 // A counted text with a terminator behind it, as nlsConvertNLS converts it; a chain needs an intermediate
 // text.
 nlsStatus convertText(const void *converter, const nlsStr &source, nlsStr *intermediate, nlsStr &destination);

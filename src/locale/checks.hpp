@@ -38,7 +38,7 @@ inline nlsStatus checkLocale(const nlsLocale *locale) {
     return refuseLocale(locale);
 }
 
-// The same for a conversion.
+// Whether a call may use a conversion; refuseConversion tells what is wrong with any other.
 inline bool isOpenConversion(const nlsConversion *conversion) {
     return conversion != nullptr && conversion->header.type == kConversionObject &&
            isLive(conversion->source->handle) && isLive(conversion->target->handle);

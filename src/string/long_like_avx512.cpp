@@ -83,14 +83,14 @@ ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const st
     // A first byte that the end cuts off from the rest may match by itself.
     if (!isBoundary(matching, text, end))
         return ShortLike::Unsettled;
-    ShortMatching ordered = matching;
-    if (matching.order == ShortOrder::Ascii &&
-        (!wanted.foldsAsAscii(matching.page, ordered.order) ||
+    ShortOrder order = matching.order;
+    if (order == ShortOrder::Ascii &&
+        (!wanted.foldsAsAscii(matching.page, order) ||
          (wanted.mayMeetDottedI(matching.page) &&
           std::memchr(text, kDottedILead, static_cast<std::size_t>(end - text)) != nullptr)))
         return ShortLike::Unsettled;
     const std::uint64_t any = wanted.masks.equal(signs.anyString) & (wanted.end - 1) & ~wanted.trails;
-    const LongSought sought(ordered.order, matching.weights(), pattern);
+    const LongSought sought(order, matching.weights(), pattern);
     const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
     if (const unsigned length = placeOf(wanted.end) - tail; length != 0) {
         end -= length;

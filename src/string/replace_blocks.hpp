@@ -27,14 +27,15 @@ struct ByteReplacement {
 // A text with what has become of it so far, in a buffer that has room for the longest it can become.
 struct ReplacedText {
     const std::uint8_t *begin; // of the whole text
-    const std::uint8_t *at;    // what stands before is done; first, a character begins here
+    const std::uint8_t
+        *at; // what stands before is done; at first a character begins here, later it may be any byte
     const std::uint8_t *end;
     char *out; // no part of the text
     std::uint32_t count;
 };
 
 // Replaces as far as whole blocks go. Stops earlier before a place where a broken character may reach across
-// it. Call it only where kWideVectors is proved.
+// it: that place may lie inside the character. Call it only where kWideVectors is proved.
 void replaceBlocks(const ByteReplacement &replacement, ReplacedText &text);
 
 } // namespace velnls::avx512

@@ -12,9 +12,11 @@ namespace {
 constexpr std::int64_t kBlock = sizeof(Vector);
 constexpr std::int64_t kAhead = 512; // bytes: long texts and their copies are waited for else
 
-// Bytes that a text still has where it is looked at: behind whatever is put down there, at least a block of
-// it comes yet. So where nothing becomes shorter, blocks are put down whole: what they hold too much is
-// written over.
+// Bytes that a text still has where a block of it is looked at. A match begins in the block and ends at most
+// the pattern's length behind its last byte: one block more comes yet. So where nothing becomes shorter,
+// whatever is put down as a whole block is followed by at least as many bytes of the result, which are
+// written over what it held too much; nothing behind the result's end is touched. A block without a match is
+// a part of the result as it stands, whatever becomes of the rest.
 std::int64_t reachOf(const ByteReplacement &by) {
     return 2 * kBlock + by.patternLength - 1;
 }

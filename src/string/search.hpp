@@ -34,7 +34,7 @@ public:
         : page_(page), pattern_(pattern), patternEnd_(patternEnd), end_(end),
           seeker_(page, pattern, patternEnd, text, end) {}
 
-    // The first match from `at` on, where a character begins.
+    // The first match from `at` on. A character begins there, unless the page's first bytes decide.
     Match next(const std::uint8_t *at) {
         while (at != end_ && (at = seeker_.next(at)) != end_) {
             const std::uint8_t *behind = at;

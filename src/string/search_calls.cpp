@@ -41,7 +41,9 @@ nlsStatus countWhole(const nlsLocale &locale, const Whole &string, Counted &coun
     return countText(locale, string.at, static_cast<std::size_t>(string.end - string.at), counted);
 }
 
-// Takes one match after the other. Gives the place from which the search goes on, or null to end it.
+// Takes one match after the other. Gives the place from which the search goes on, or null to end it. On pages
+// where characters match by their bytes, that may be any byte behind the match: a search there proves of each
+// place that a character begins at it.
 struct MatchTaker {
     const std::uint8_t *(*take)(void *taker, const Match &match);
     void *taker;
@@ -178,10 +180,6 @@ private:
     const std::uint8_t *written_ = nullptr;    // what stands before is in the string, or replaced there
     nlsStatus status_ = NLS_OK;
 };
-
-} // namespace
-
-namespace {
 
 // A search that is checked. A function of its own, so that a short text does not pay for what this keeps.
 [[gnu::noinline]] nlsStatus searchByPage(nlsLocale *locale, const char *pattern, const char *text_,

@@ -29,8 +29,8 @@ public:
         }
     }
 
-    // The first place from `at` on, where a character begins, that may be one; the text's end when there is
-    // none. Never asked for a place before an earlier answer.
+    // The first place from `at` on that may be one; the text's end when there is none. A character begins at
+    // `at`, unless the page's first bytes decide. Never asked for a place before an earlier answer.
     const std::uint8_t *next(const std::uint8_t *at) {
         if (knowsPlaces_)
             return nextKnown(at);

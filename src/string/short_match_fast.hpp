@@ -1,4 +1,8 @@
 // The short ways to search and to match by LIKE: by what is proved of the locale.
+//
+// The calls begin with placesIn() and likeIn(). Those choose the set of instructions; findShortly() and
+// likeShortly() then look at the pattern, go on to findMoved() and likeMoved() with one that stands across
+// two pages of memory, and LIKE ends in likeByPage() where no short way settles it.
 #pragma once
 
 #include "collate/compare.hpp"

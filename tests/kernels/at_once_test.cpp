@@ -104,6 +104,55 @@ Outcome outcomeOf(const std::string &text, std::uint32_t room, Convert convert) 
                         std::string(at, at + (status == NLS_OK ? length : std::min(target.length, room)))};
 }
 
+TEST(AtOnce, SwappedUnitsHaveNoWay) {
+    for (const Pair &pair : {Pair{"UTF-16BE", "UTF-8"}, Pair{"UTF-8", "UTF-32BE"}}) {
+        const void *const converter = converterOf(pair.from, pair.to);
+        ASSERT_NE(converter, nullptr) << pair.from << ' ' << pair.to;
+        EXPECT_EQ(wayAtOnce(converter), 0u) << pair.from << ' ' << pair.to;
+    }
+}
+
+TEST(AtOnce, TextsOnTheirDestinationsGoTheGeneralWay) {
+    for (const Pair &pair : kPairs) {
+        const void *const converter = converterOf(pair.from, pair.to);
+        const std::uint32_t way = wayAtOnce(converter);
+        if (way == 0)
+            GTEST_SKIP() << "the processor has no such kernels";
+        SCOPED_TRACE(std::string(pair.from) + ' ' + pair.to);
+        fixture::Random random(99);
+        for (int distance = -36; distance <= 36; ++distance) {
+            const std::string text = randomText(random, pair).substr(0, kMostAtOnce);
+            const auto convertWith = [&](bool atOnce) {
+                std::string memory(2048, '\xEE');
+                std::copy(text.begin(), text.end(), memory.begin() + 512);
+                const nlsStr source{memory.data() + 512, 0, static_cast<std::uint32_t>(text.size())};
+                nlsStr target{memory.data() + 512 + distance, 600, 0};
+                const nlsStatus status = atOnce ? convertAtOnce(way, converter, source, nullptr, target)
+                                                : convertText(converter, source, nullptr, target);
+                return std::to_string(status) + ':' + std::to_string(target.length) + memory;
+            };
+            if (!text.empty()) {
+                EXPECT_EQ(convertWith(true), convertWith(false)) << distance;
+            }
+        }
+    }
+}
+
+TEST(AtOnce, ADestinationBeyondTheSignedRangeHasNoRoom) {
+    const void *const converter = converterOf("1252", "UTF-8");
+    const std::uint32_t way = wayAtOnce(converter);
+    if (way == 0)
+        GTEST_SKIP() << "the processor has no such kernels";
+    char text[] = "text";
+    char out[16] = "untouched";
+    const nlsStr source{text, sizeof text, 4};
+    nlsStr target{out, 0x80000000, 7};
+    nlsStr expected = target;
+    EXPECT_EQ(convertAtOnce(way, converter, source, nullptr, target),
+              convertText(converter, source, nullptr, expected));
+    EXPECT_EQ(target.length, expected.length);
+}
+
 class AtOnceOf : public testing::TestWithParam<Pair> {};
 
 TEST_P(AtOnceOf, GivesWhatTheGeneralWayGivesAtEveryRoom) {
@@ -116,7 +165,12 @@ TEST_P(AtOnceOf, GivesWhatTheGeneralWayGivesAtEveryRoom) {
     fixture::Random random(4242);
     unsigned whole = 0;
     for (int round = 0; round < 6000; ++round) {
-        const std::string text = randomText(random, pair);
+        std::string text = randomText(random, pair);
+        if (round % 64 == 0 && !text.empty()) // of the most bytes, and of one
+            text = round % 128 == 0 ? text.substr(0, 1)
+                                    : (text + std::string(kMostAtOnce, 'x')).substr(0, kMostAtOnce);
+        if (round % 50 == 1 && !text.empty())
+            text[0] = static_cast<char>(0x80 + random.below(0x40));
         if (text.empty() || text.size() > kMostAtOnce)
             continue;
         const auto most = static_cast<std::uint32_t>(4 * text.size() + 80);

@@ -34,6 +34,11 @@ struct Target {
     }
 };
 
+// Whether none of the target's bytes is one of the source's: the fast kernels read blocks before they write.
+inline bool areApart(const Source &source, const Target &target) {
+    return source.end <= target.at || target.end <= source.at;
+}
+
 // Byte order of the units of a UTF-16 or UTF-32 side.
 enum class Order {
     Native,
