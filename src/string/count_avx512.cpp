@@ -12,7 +12,7 @@ Passed countUtf8(const std::uint8_t *text, std::size_t length) {
 }
 
 Passed columnsUtf8(const std::uint8_t *text, std::size_t length) {
-    return columnsUtf8By<WideMasks, WideMasks, WideMasks>(text, length);
+    return columnsUtf8By<WideMasks, WideMasks>(text, length);
 }
 
 Passed countPairs(const PageFacts &facts, const std::uint8_t *text, std::size_t length) {
@@ -24,7 +24,7 @@ Passed countValidPairs(const PageFacts &facts, const std::uint8_t *text, std::si
 }
 
 Passed narrowColumns(const PageFacts &facts, const std::uint8_t *text, std::size_t length) {
-    return narrowColumnsBy<WideMasks, WideMasks, WideMasks>(facts, text, length);
+    return narrowColumnsBy<WideMasks, WideMasks>(facts, text, length);
 }
 
 } // namespace velnls::avx512

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace velnls {
 
@@ -79,7 +80,19 @@ template <typename Masks>
     passed.bytes = static_cast<std::size_t>(stop - text);
 }
 
-// `Masks` of 64 bytes, and those for shorter rests.
+// Calls `count` with the narrowest masks that `left` bytes fit, up to 64: those of 64 bytes and those for
+// shorter rests, some of which may be the same.
+template <typename Masks, typename Half, typename Quarter, typename Count>
+[[gnu::always_inline]] inline auto withMasksFor(std::size_t left, Count count) {
+    if constexpr (!std::is_same_v<Quarter, Half>)
+        if (left <= 16)
+            return count.template operator()<Quarter>();
+    if constexpr (!std::is_same_v<Half, Masks>)
+        if (left <= 32)
+            return count.template operator()<Half>();
+    return count.template operator()<Masks>();
+}
+
 template <typename Masks, typename Half, typename Quarter>
 [[gnu::always_inline]] inline Passed countUtf8By(const std::uint8_t *text, std::size_t length) {
     Passed passed{0, 0};
@@ -103,12 +116,9 @@ template <typename Masks, typename Half, typename Quarter>
         left -= 64;
     }
     passed.bytes = static_cast<std::size_t>(at - text);
-    if (left <= 16)
-        countUtf8Rest<Quarter>(text, at, left, announced, passed);
-    else if (left <= 32)
-        countUtf8Rest<Half>(text, at, left, announced, passed);
-    else
-        countUtf8Rest<Masks>(text, at, left, announced, passed);
+    withMasksFor<Masks, Half, Quarter>(
+        left, [&]<typename Rest>()
+                  __attribute__((always_inline)) { countUtf8Rest<Rest>(text, at, left, announced, passed); });
     return passed;
 }
 
@@ -163,17 +173,17 @@ template <typename Masks>
     return end + 4 > bytes && irregular == 0;
 }
 
-template <typename Masks, typename Half, typename Quarter>
+template <typename Masks, typename Half>
 [[gnu::always_inline]] inline Passed columnsUtf8By(const std::uint8_t *text, std::size_t length) {
     Passed passed{0, 0};
     for (;;) {
         const std::size_t left = length - passed.bytes;
         if (left == 0)
             break;
-        const bool goesOn = left <= 16   ? columnsUtf8Block<Quarter>(text, left, passed)
-                            : left <= 32 ? columnsUtf8Block<Half>(text, left, passed)
-                                         : columnsUtf8Block<Masks>(text, left, passed);
-        if (!goesOn)
+        if (!withMasksFor<Masks, Half, Half>(
+                left, [&]<typename Block>() __attribute__((always_inline)) {
+                    return columnsUtf8Block<Block>(text, left, passed);
+                }))
             break;
     }
     return passed;
@@ -224,12 +234,10 @@ template <bool kChecked, typename Masks, typename Half, typename Quarter>
     while (goesOn && length - passed.bytes >= 64)
         goesOn = countPairsBlock<kChecked, Masks>(facts, text, 64, pending, passed);
     if (const auto left = static_cast<unsigned>(length - passed.bytes); goesOn && left != 0) {
-        if (left <= 16)
-            countPairsBlock<kChecked, Quarter>(facts, text, left, pending, passed);
-        else if (left <= 32)
-            countPairsBlock<kChecked, Half>(facts, text, left, pending, passed);
-        else
-            countPairsBlock<kChecked, Masks>(facts, text, left, pending, passed);
+        withMasksFor<Masks, Half, Quarter>(
+            left, [&]<typename Rest>() __attribute__((always_inline)) {
+                countPairsBlock<kChecked, Rest>(facts, text, left, pending, passed);
+            });
     }
     // A lead byte without its trail byte is left to the caller.
     passed.bytes -= pending;
@@ -253,7 +261,7 @@ template <typename Masks>
     passed.bytes += bytes;
 }
 
-template <typename Masks, typename Half, typename Quarter>
+template <typename Masks, typename Half>
 [[gnu::always_inline]] inline Passed narrowColumnsBy(const PageFacts &facts, const std::uint8_t *text,
                                                      std::size_t length) {
     Passed passed{0, 0};
@@ -261,12 +269,10 @@ template <typename Masks, typename Half, typename Quarter>
     while (length - passed.bytes >= 64)
         columnsPairsBlock<Masks>(facts, text, 64, pending, passed);
     if (const auto left = static_cast<unsigned>(length - passed.bytes); left != 0) {
-        if (left <= 16)
-            columnsPairsBlock<Quarter>(facts, text, left, pending, passed);
-        else if (left <= 32)
-            columnsPairsBlock<Half>(facts, text, left, pending, passed);
-        else
-            columnsPairsBlock<Masks>(facts, text, left, pending, passed);
+        withMasksFor<Masks, Half, Half>(
+            left, [&]<typename Rest>() __attribute__((always_inline)) {
+                columnsPairsBlock<Rest>(facts, text, left, pending, passed);
+            });
     }
     // A lead byte without its trail byte is left to the caller.
     if (pending != 0) {

@@ -44,13 +44,12 @@ Passed countValid(const nlsLocale &locale, const std::uint8_t *text, std::size_t
 
 Passed countColumns(const nlsLocale &locale, const std::uint8_t *text, std::size_t length) {
     if ((locale.header.proofs & kUtf8Page) != 0)
-        return isWide(locale) ? avx512::columnsUtf8(text, length)
-                              : columnsUtf8By<Masks, Half, Quarter>(text, length);
+        return isWide(locale) ? avx512::columnsUtf8(text, length) : columnsUtf8By<Masks, Half>(text, length);
     if ((locale.header.proofs & kNarrowLeads) == 0)
         return {0, 0};
     const PageFacts &facts = factsOf(*locale.charTable);
     return isWide(locale) ? avx512::narrowColumns(facts, text, length)
-                          : narrowColumnsBy<Masks, Half, Quarter>(facts, text, length);
+                          : narrowColumnsBy<Masks, Half>(facts, text, length);
 }
 
 #else

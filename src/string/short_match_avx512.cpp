@@ -1,5 +1,6 @@
 // The short ways to match on processors with AVX-512.
 #include "locale/masks_avx512.hpp"
+#include "string/short_at_once.hpp"
 #include "string/short_match_fast.hpp"
 
 #if defined(VELNLS_SHORT_TEXTS)
@@ -8,55 +9,34 @@ namespace velnls::avx512 {
 
 namespace {
 
-// ---- What is looked at closely: with page and order as variables, in one function each
-// ------------------------
+// ---- What is looked at closely: the order of matching is a variable
+// --------------------------------------------
 
-// For size, how a block divides is told by a function of its own.
-class CloseMasks : public WideMasks {
-public:
-    using WideMasks::WideMasks;
-    CloseMasks(const WideMasks &masks) : WideMasks(masks) {}
-};
-
-} // namespace
-} // namespace velnls::avx512
-
-namespace velnls {
-namespace {
-
-template <>
-[[gnu::noinline]] ShortStructure structureOf(ShortMatching matching, const avx512::CloseMasks &masks,
-                                             std::uint64_t stop) {
-    return structureOf<avx512::WideMasks>(matching, masks, stop);
+template <ShortPage kPage>
+[[gnu::always_inline]] inline ShortMatching matchingOn(const nlsLocale &locale, unsigned mode) {
+    const ShortOrder order = mode == 0 ? ShortOrder::Ascii : ShortOrder::Bytes;
+    const std::uint32_t proof = mode == 0 ? kMatchesAscii : kMatchesBytes;
+    if constexpr (kPage == ShortPage::Bytes)
+        if ((locale.header.proofs & proof) == 0)
+            return {ShortOrder::Weights, kPage, weightsOf(*locale.collation, mode)};
+    return {order, kPage, &factsOf(*locale.charTable)};
 }
 
-} // namespace
-} // namespace velnls
-
-namespace velnls::avx512 {
-namespace {
-
-ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
-    ShortMatching matching = fast::matchingOf(locale, mode);
-    if (matching.order == ShortOrder::Unknown) {
-        matching.order = ShortOrder::Weights;
-        matching.table = weightsOf(*locale.collation, mode);
-    }
-    return matching;
-}
-
+template <ShortPage kPage>
 [[gnu::noinline]] ShortPlaces findClosely(const nlsLocale &locale, const std::uint8_t *pattern,
                                           const std::uint8_t *text, unsigned mode) {
-    return shortPlacesBy<CloseMasks>(matchingOf(locale, mode), pattern, text);
+    return shortPlacesBy<WideMasks>(matchingOn<kPage>(locale, mode), pattern, text);
 }
 
-[[gnu::noinline]] LikeCall likeClosely;
 [[gnu::noinline]] LikeCall likeLong;
 
-nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
-                      std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
+template <ShortPage kPage>
+[[gnu::noinline]] nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text,
+                                        std::uint16_t mode, std::uint32_t escape, std::uint32_t oneCharacter,
+                                        std::uint32_t anyString) {
     const ShortSigns signs{escape, oneCharacter, anyString};
-    switch (shortLikeBy<CloseMasks>(matchingOf(*locale, mode), bytesOf(pattern), bytesOf(text), signs)) {
+    switch (
+        shortLikeBy<WideMasks>(matchingOn<kPage>(*locale, mode), bytesOf(pattern), bytesOf(text), signs)) {
     case ShortLike::No:
         return kLikeNo;
     case ShortLike::Yes:
@@ -72,7 +52,10 @@ nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text, 
 nlsStatus likeLong(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
                    std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
     const ShortSigns signs{escape, oneCharacter, anyString};
-    switch (longLike(matchingOf(*locale, mode), bytesOf(pattern), bytesOf(text), signs)) {
+    ShortMatching matching = fast::matchingOf(*locale, mode);
+    if (matching.order == ShortOrder::Unknown)
+        matching = matchingOn<ShortPage::Bytes>(*locale, mode);
+    switch (longLike(matching, bytesOf(pattern), bytesOf(text), signs)) {
     case ShortLike::No:
         return kLikeNo;
     case ShortLike::Yes:
@@ -95,17 +78,20 @@ template <ShortPage kPage, ShortOrder kOrder>
 
 template <ShortPage kPage, ShortOrder kOrder>
 struct Places {
-    static constexpr auto kClosely = &findClosely;
+    static constexpr auto kOfPairs = &findClosely<ShortPage::Pairs>;
     [[gnu::noinline]] static ShortPlaces match(const nlsLocale &locale, const std::uint8_t *pattern,
                                                const std::uint8_t *text, unsigned mode) {
         const ShortPlaces found = placesAtOnce<WideMasks>(known<kPage, kOrder>(locale, mode), pattern, text);
-        return found.settled() ? found : findClosely(locale, pattern, text, mode);
+        // A page of single bytes leaves nothing to look at.
+        if (found.settled() || kPage == ShortPage::Bytes)
+            return found;
+        return findClosely<kPage>(locale, pattern, text, mode);
     }
 };
 
 template <ShortPage kPage, ShortOrder kOrder>
 struct Like {
-    static constexpr auto kClosely = &likeClosely;
+    static constexpr auto kOfPairs = &likeClosely<ShortPage::Pairs>;
     [[gnu::noinline]] static nlsStatus match(nlsLocale *locale, const char *pattern, const char *text,
                                              std::uint16_t mode, std::uint32_t escape,
                                              std::uint32_t oneCharacter, std::uint32_t anyString) {
@@ -120,7 +106,7 @@ struct Like {
         case ShortLike::TextGoesOn:
             return likeLong(locale, pattern, text, mode, escape, oneCharacter, anyString);
         default:
-            return likeClosely(locale, pattern, text, mode, escape, oneCharacter, anyString);
+            return likeClosely<kPage>(locale, pattern, text, mode, escape, oneCharacter, anyString);
         }
     }
 };
@@ -140,7 +126,7 @@ template <template <ShortPage, ShortOrder> typename By>
     if ((proofs & kSingleBytePage) != 0)
         return folds ? &By<ShortPage::Bytes, ShortOrder::Ascii>::match
                      : &By<ShortPage::Bytes, ShortOrder::Bytes>::match;
-    return Utf8::kClosely;
+    return Utf8::kOfPairs;
 }
 
 } // namespace
