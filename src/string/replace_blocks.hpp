@@ -38,4 +38,8 @@ struct ReplacedText {
 // it: that place may lie inside the character. Call it only where kWideVectors is proved.
 void replaceBlocks(const ByteReplacement &replacement, ReplacedText &text);
 
+// The same for all of a text shorter than a block, at `places` where the pattern matches, whatever its bytes
+// are there; of places that overlap the first one counts. Nothing is written behind the result.
+void replaceShort(const ByteReplacement &replacement, std::uint64_t places, ReplacedText &text);
+
 } // namespace velnls::avx512

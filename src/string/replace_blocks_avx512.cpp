@@ -116,10 +116,35 @@ void replaceBlocks(const ByteReplacement &by, ReplacedText &text) {
     BlockReplacing(by, text).goOn(text);
 }
 
+void replaceShort(const ByteReplacement &by, std::uint64_t places, ReplacedText &text) {
+    const std::uint64_t inInstead = lowBits(static_cast<std::size_t>(by.insteadLength));
+    const Vector instead = _mm512_maskz_loadu_epi8(inInstead, by.instead);
+    const std::uint8_t *at = text.at;
+    char *out = text.out;
+    const auto copyTo = [&at, &out ](const std::uint8_t *end) __attribute__((always_inline)) {
+        const std::uint64_t bytes = lowBits(static_cast<std::size_t>(end - at));
+        _mm512_mask_storeu_epi8(out, bytes, _mm512_maskz_loadu_epi8(bytes, at));
+        out += end - at;
+    };
+    while (places != 0) {
+        const std::uint8_t *const place = text.begin + _tzcnt_u64(places);
+        copyTo(place);
+        _mm512_mask_storeu_epi8(out, inInstead, instead);
+        out += by.insteadLength;
+        at = place + by.patternLength;
+        places &= ~lowBits(static_cast<std::size_t>(at - text.begin));
+        ++text.count;
+    }
+    copyTo(text.end);
+    text.at = text.end;
+    text.out = out;
+}
+
 #else
 
 // Never called on other processors.
 void replaceBlocks(const ByteReplacement &, ReplacedText &) {}
+void replaceShort(const ByteReplacement &, std::uint64_t, ReplacedText &) {}
 
 #endif
 

@@ -121,6 +121,24 @@ public:
         ++count_;
         return written_;
     }
+    // All of a text of one block at once, with the matches that were found in it. False where that is not for
+    // the text or for the room: then nothing has changed.
+    bool replaceShortly(const ShortPlaces &found, std::uint32_t proofs) {
+        if ((proofs & kWideVectors) == 0)
+            return false;
+        const std::uint8_t *const end = where_ + found.textLength();
+        insteadEnd_ = bytesOf(replacement_) + std::strlen(replacement_);
+        const avx512::ByteReplacement by{nullptr, found.patternLength(), bytesOf(replacement_),
+                                         insteadEnd_ - bytesOf(replacement_), false};
+        if (by.insteadLength > by.kMost || by.longestOf(end - where_) >= result_.size())
+            return false;
+        result_.clear();
+        avx512::ReplacedText text{where_, where_, end, result_.end(), 0};
+        avx512::replaceShort(by, found.places, text);
+        result_.endAt(text.out);
+        count_ = text.count;
+        return true;
+    }
     // Replaces matches as a search finds them.
     MatchTaker taker() {
         const auto take = [](void *replacing, const Match &match) {
@@ -307,7 +325,10 @@ nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replace
 namespace {
 
 // Replaces what was found in a text of one block.
-nlsStatus replaceAt(ShortPlaces found, const std::uint8_t *text_, Replacing &replacing) {
+nlsStatus replaceAt(ShortPlaces found, const std::uint8_t *text_, std::uint32_t proofs,
+                    Replacing &replacing) {
+    if (found.places != 0 && replacing.replaceShortly(found, proofs))
+        return NLS_OK;
     for (std::uint64_t left = found.places; left != 0;) {
         const unsigned place = static_cast<unsigned>(__builtin_ctzll(left));
         const std::uint8_t *const at = text_ + place;
@@ -341,7 +362,7 @@ nlsStatus replaceAt(ShortPlaces found, const std::uint8_t *text_, Replacing &rep
                                        const char *text_, unsigned mode, ShortPlaces brief, nlsStr &out,
                                        std::uint32_t &count) {
     Replacing replacing(locale, bytesOf(text_), replacement, out, count);
-    return brief.settled() ? replaceAt(brief, bytesOf(text_), replacing)
+    return brief.settled() ? replaceAt(brief, bytesOf(text_), locale.header.proofs, replacing)
                            : replaceByPage(locale, pattern, text_, mode, replacing);
 }
 
