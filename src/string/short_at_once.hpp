@@ -31,21 +31,13 @@ template <typename Masks>
 template <typename Masks>
 [[gnu::always_inline]] inline ShortPlaces placesAtOnce(ShortMatching matching, const std::uint8_t *pattern,
                                                        const std::uint8_t *text) {
-    ShortPattern<Masks> wanted(pattern);
-    const Masks masks(text);
-    const std::uint64_t end = lowestOf(masks.equal(0));
-    if (wanted.end <= 1 || end == 0 || !wanted.divide(matching))
-        return kUnsettledPlaces;
-    const ShortOrder order = wanted.orderIn(matching, masks, end);
-    if (order == ShortOrder::Unknown)
-        return kUnsettledPlaces;
-    const unsigned length = placeOf(wanted.end);
-    const unsigned textLength = placeOf(end);
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
-    const std::uint64_t places = sought.places(0, length, end);
-    if (places != 0 ? !isOfBytes(matching.page, masks, end) : mayBeCut(matching.page, text, textLength))
-        return kUnsettledPlaces;
-    return settledPlaces(places, length, textLength);
+    return withPlaces<Masks>(
+        matching, pattern,
+        text, [=](const Masks &masks, std::uint64_t end, ShortPlaces found) __attribute__((always_inline)) {
+            const bool unsettled = found.places != 0 ? !isOfBytes(matching.page, masks, end)
+                                                     : mayBeCut(matching.page, text, found.textLength());
+            return unsettled ? kUnsettledPlaces : found;
+        });
 }
 
 // As shortLikeBy(), for UTF-8 and single bytes; BytesStand where the bytes of the pattern's first piece stand
@@ -53,30 +45,23 @@ template <typename Masks>
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike likeAtOnce(ShortMatching matching, const std::uint8_t *pattern,
                                                    const std::uint8_t *text, const ShortSigns &signs) {
-    ShortPattern<Masks> wanted(pattern);
-    const std::uint64_t any = wanted.anyStrings(matching, signs);
-    if (any == 0)
-        return ShortLike::Unsettled;
-    const Masks masks(text);
-    const std::uint64_t end = lowestOf(masks.equal(0));
-    if (end <= 1)
-        return end == 0 ? ShortLike::TextGoesOn : ShortLike::Unsettled;
-    const ShortOrder order = wanted.orderIn(matching, masks, end);
-    if (order == ShortOrder::Unknown)
-        return ShortLike::Unsettled;
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
-    const std::uint64_t last = wanted.end >> 1;
-    const std::uint64_t next = lowestOf((any & (any - 1)) | wanted.end);
-    const unsigned length = placeOf(next) - 1;
-    bool stands = length == 0;
-    if (!stands && ((any & last) != 0 || (sought.placesOf(placeOf(last)) & end >> 1) != 0))
-        stands = sought.places(1, length, end) != 0;
-    if (stands)
-        return next == last && isOfBytes(matching.page, masks, end) ? ShortLike::Yes : ShortLike::BytesStand;
-    // By its own bytes alone a character that is cut matches none.
-    if (order != ShortOrder::Bytes && mayBeCut(matching.page, text, placeOf(end)))
-        return ShortLike::BytesStand;
-    return ShortLike::No;
+    return withLikeRead<Masks>(
+        matching, pattern, text, signs, [=](const ShortLikeRead<Masks> &read) __attribute__((always_inline)) {
+            const std::uint64_t last = read.patternEnd >> 1;
+            const std::uint64_t next = lowestOf((read.any & (read.any - 1)) | read.patternEnd);
+            const unsigned length = placeOf(next) - 1;
+            bool stands = length == 0;
+            if (!stands &&
+                ((read.any & last) != 0 || (read.sought.placesOf(placeOf(last)) & read.end >> 1) != 0))
+                stands = read.sought.places(1, length, read.end) != 0;
+            if (stands)
+                return next == last && isOfBytes(matching.page, read.masks, read.end) ? ShortLike::Yes
+                                                                                      : ShortLike::BytesStand;
+            // By its own bytes alone a character that is cut matches none.
+            if (read.order != ShortOrder::Bytes && mayBeCut(matching.page, text, placeOf(read.end)))
+                return ShortLike::BytesStand;
+            return ShortLike::No;
+        });
 }
 
 } // namespace

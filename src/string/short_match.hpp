@@ -207,22 +207,36 @@ inline constexpr ShortPlaces kUnsettledPlaces{0, 0};
     return {places, pattern | std::uint64_t{text} << 32};
 }
 
-template <typename Masks>
-[[gnu::always_inline]] inline ShortPlaces shortPlacesBy(ShortMatching matching, const std::uint8_t *pattern,
-                                                        const std::uint8_t *text) {
+// Calls `settle(masks, end, found)` with the text's masks and end, a bit, and all places where the pattern's
+// bytes stand, where both are for the short ways.
+template <typename Masks, typename Settle>
+[[gnu::always_inline]] inline ShortPlaces withPlaces(ShortMatching matching, const std::uint8_t *pattern,
+                                                     const std::uint8_t *text, Settle settle) {
     ShortPattern<Masks> wanted(pattern);
     const Masks masks(text);
     const std::uint64_t end = lowestOf(masks.equal(0));
-    const ShortStructure structure = structureOf(matching, masks, end);
-    if (wanted.end <= 1 || end == 0 || (structure.wrong | (structure.trails & end)) != 0 ||
-        !wanted.divide(matching))
+    if (wanted.end <= 1 || end == 0 || !wanted.divide(matching))
         return kUnsettledPlaces;
     const ShortOrder order = wanted.orderIn(matching, masks, end);
     if (order == ShortOrder::Unknown)
         return kUnsettledPlaces;
     const unsigned length = placeOf(wanted.end);
     const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
-    return settledPlaces(sought.places(0, length, end) & ~structure.trails, length, placeOf(end));
+    return settle(masks, end, settledPlaces(sought.places(0, length, end), length, placeOf(end)));
+}
+
+template <typename Masks>
+[[gnu::always_inline]] inline ShortPlaces shortPlacesBy(ShortMatching matching, const std::uint8_t *pattern,
+                                                        const std::uint8_t *text) {
+    return withPlaces<Masks>(
+        matching, pattern, text,
+        [matching](const Masks &masks, std::uint64_t end, ShortPlaces found) __attribute__((always_inline)) {
+            const ShortStructure structure = structureOf(matching, masks, end);
+            if ((structure.wrong | (structure.trails & end)) != 0)
+                return kUnsettledPlaces;
+            found.places &= ~structure.trails;
+            return found;
+        });
 }
 
 // The literals of a pattern that begins with an any-string sign: pieces between such signs, each of which
@@ -252,27 +266,49 @@ template <typename Masks>
     return ShortLike::Yes;
 }
 
-// Patterns that begin with an any-string sign and have no other sign than those, and texts that are not
+// A pattern that begins with an any-string sign and has no other sign than those, and a text that is not
 // empty.
 template <typename Masks>
-[[gnu::always_inline]] inline ShortLike shortLikeBy(ShortMatching matching, const std::uint8_t *pattern,
-                                                    const std::uint8_t *text, const ShortSigns &signs) {
+struct ShortLikeRead {
+    Masks masks;       // of the text
+    std::uint64_t end; // of the text, a bit
+    std::uint64_t any; // the signs
+    std::uint64_t patternEnd;
+    ShortOrder order;
+    ShortSought<Masks> sought;
+};
+
+// Calls `settle` with them, where both are for the short ways.
+template <typename Masks, typename Settle>
+[[gnu::always_inline]] inline ShortLike withLikeRead(ShortMatching matching, const std::uint8_t *pattern,
+                                                     const std::uint8_t *text, const ShortSigns &signs,
+                                                     Settle settle) {
     ShortPattern<Masks> wanted(pattern);
     const std::uint64_t any = wanted.anyStrings(matching, signs);
     if (any == 0)
         return ShortLike::Unsettled;
     const Masks masks(text);
     const std::uint64_t end = lowestOf(masks.equal(0));
-    if (end == 0)
-        return ShortLike::TextGoesOn;
-    const ShortStructure structure = structureOf(matching, masks, end);
-    if (end == 1 || (structure.wrong | (structure.trails & end)) != 0)
-        return ShortLike::Unsettled;
+    if (end <= 1)
+        return end == 0 ? ShortLike::TextGoesOn : ShortLike::Unsettled;
     const ShortOrder order = wanted.orderIn(matching, masks, end);
     if (order == ShortOrder::Unknown)
         return ShortLike::Unsettled;
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
-    return hasPieces(sought, structure.trails, end, any, wanted.end);
+    return settle(ShortLikeRead<Masks>{
+        masks, end, any, wanted.end, order, {masks, wanted.masks, pattern, order, matching.weights()}});
+}
+
+template <typename Masks>
+[[gnu::always_inline]] inline ShortLike shortLikeBy(ShortMatching matching, const std::uint8_t *pattern,
+                                                    const std::uint8_t *text, const ShortSigns &signs) {
+    return withLikeRead<Masks>(
+        matching, pattern, text,
+        signs, [matching](const ShortLikeRead<Masks> &read) __attribute__((always_inline)) {
+            const ShortStructure structure = structureOf(matching, read.masks, read.end);
+            if ((structure.wrong | (structure.trails & read.end)) != 0)
+                return ShortLike::Unsettled;
+            return hasPieces(read.sought, structure.trails, read.end, read.any, read.patternEnd);
+        });
 }
 
 } // namespace

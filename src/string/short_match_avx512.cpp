@@ -35,17 +35,12 @@ template <ShortPage kPage>
                                         std::uint16_t mode, std::uint32_t escape, std::uint32_t oneCharacter,
                                         std::uint32_t anyString) {
     const ShortSigns signs{escape, oneCharacter, anyString};
-    switch (
-        shortLikeBy<WideMasks>(matchingOn<kPage>(*locale, mode), bytesOf(pattern), bytesOf(text), signs)) {
-    case ShortLike::No:
-        return kLikeNo;
-    case ShortLike::Yes:
-        return kLikeYes;
-    case ShortLike::TextGoesOn:
-        return likeLong(locale, pattern, text, mode, escape, oneCharacter, anyString);
-    default:
-        return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
-    }
+    const ShortLike said =
+        shortLikeBy<WideMasks>(matchingOn<kPage>(*locale, mode), bytesOf(pattern), bytesOf(text), signs);
+    if (fast::isAnswer(said))
+        return fast::answerOf(said);
+    return (said == ShortLike::TextGoesOn ? likeLong : likeByPage)(locale, pattern, text, mode, escape,
+                                                                   oneCharacter, anyString);
 }
 
 // A text that goes on behind its block.
@@ -55,14 +50,9 @@ nlsStatus likeLong(nlsLocale *locale, const char *pattern, const char *text, std
     ShortMatching matching = fast::matchingOf(*locale, mode);
     if (matching.order == ShortOrder::Unknown)
         matching = matchingOn<ShortPage::Bytes>(*locale, mode);
-    switch (longLike(matching, bytesOf(pattern), bytesOf(text), signs)) {
-    case ShortLike::No:
-        return kLikeNo;
-    case ShortLike::Yes:
-        return kLikeYes;
-    default:
-        return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
-    }
+    const ShortLike said = longLike(matching, bytesOf(pattern), bytesOf(text), signs);
+    return fast::isAnswer(said) ? fast::answerOf(said)
+                                : likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
 }
 
 // ---- What is said at once: with page and order as constants, each pair in a function of its own

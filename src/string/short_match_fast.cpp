@@ -49,8 +49,8 @@ nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, 
             return likeMoved(locale, pattern, text, mode, escape, oneCharacter, anyString);
         const ShortSigns signs{escape, oneCharacter, anyString};
         const ShortLike result = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), signs);
-        if (result == ShortLike::Yes || result == ShortLike::No)
-            return result == ShortLike::Yes ? kLikeYes : kLikeNo;
+        if (isAnswer(result))
+            return answerOf(result);
     }
     return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
 }

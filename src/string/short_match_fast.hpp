@@ -42,6 +42,14 @@ inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     return matching;
 }
 
+// Whether a short way has settled LIKE, and what the call then gives.
+constexpr bool isAnswer(ShortLike said) {
+    return said == ShortLike::Yes || said == ShortLike::No;
+}
+constexpr nlsStatus answerOf(ShortLike said) {
+    return said == ShortLike::Yes ? kLikeYes : kLikeNo;
+}
+
 // The same for every processor.
 ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
                         unsigned mode);

@@ -40,12 +40,22 @@ DataFile fiveEntries() {
 }
 
 // The text of a property of a freshly opened file.
-std::string property(const DataFile &file, std::uint32_t id) {
-    Library library(file, 100000);
+std::string property(const Bytes &image, std::uint32_t id) {
+    FileServer files(image);
+    LentMemory memory(100000);
+    nlsHandle *handle = nullptr;
+    EXPECT_EQ(nlsInit(files.token(), memory.data(), 100000, &FileServer::read, &handle), NLS_OK);
+    if (handle == nullptr)
+        return "not opened";
     char buffer[2000];
     nlsStr text = {buffer, sizeof buffer - 1, 0};
-    EXPECT_EQ(nlsGetStrNLSProperty(library.handle, id, &text), NLS_OK);
+    EXPECT_EQ(nlsGetStrNLSProperty(handle, id, &text), NLS_OK);
+    nlsClose(handle);
     return {text.buffer, text.length};
+}
+
+std::string property(const DataFile &file, std::uint32_t id) {
+    return property(file.image(), id);
 }
 
 TEST(Directory, HeaderWrittenBackToBackIsRead) {
@@ -259,15 +269,7 @@ TEST(Directory, NamesEndAtTheirNul) {
     file.codePage("NINETEEN-CHARACTERS", fixture::CharacterTable::singleByte());
     Bytes image = file.image();
     std::copy_n("junk", 4, image.begin() + 16 + 6); // behind the NUL
-    FileServer files(image);
-    LentMemory memory(30000);
-    nlsHandle *handle = nullptr;
-    ASSERT_EQ(nlsInit(files.token(), memory.data(), 30000, &FileServer::read, &handle), NLS_OK);
-    char buffer[64];
-    nlsStr text = {buffer, sizeof buffer - 1, 0};
-    EXPECT_EQ(nlsGetStrNLSProperty(handle, 2, &text), NLS_OK);
-    EXPECT_STREQ(buffer, "SHORT,NINETEEN-CHARACTERS");
-    nlsClose(handle);
+    EXPECT_EQ(property(image, 2), "SHORT,NINETEEN-CHARACTERS");
 }
 
 // The conversions that a file has, whose first entry's names are followed by junk from these places on.
@@ -279,15 +281,7 @@ std::string conversionsWithJunk(std::size_t behindName, std::size_t behindName2)
     const auto first = image.begin() + 16;
     std::fill(first + static_cast<std::ptrdiff_t>(behindName), first + 20, 'x');
     std::fill(first + 20 + static_cast<std::ptrdiff_t>(behindName2), first + 40, 'y');
-    FileServer files(image);
-    LentMemory memory(30000);
-    nlsHandle *handle = nullptr;
-    EXPECT_EQ(nlsInit(files.token(), memory.data(), 30000, &FileServer::read, &handle), NLS_OK);
-    char buffer[200];
-    nlsStr text = {buffer, sizeof buffer - 1, 0};
-    EXPECT_EQ(nlsGetStrNLSProperty(handle, 9, &text), NLS_OK);
-    nlsClose(handle);
-    return {text.buffer, text.length};
+    return property(image, 9);
 }
 
 TEST(Directory, WhatStandsBehindANulIsNoPartOfANameAndTheTwentiethCharacterIsNone) {
