@@ -2,7 +2,9 @@
 
 #include "convert/engine.hpp"
 #include "convert/kernels/fast.hpp"
+#include "convert/kernels/fast_avx2.hpp"
 #include "convert/kernels/fast_avx512.hpp"
+#include "convert/kernels/japanese_blocks.hpp"
 #include "core/instruction_sets.hpp"
 
 #include <algorithm>
@@ -11,9 +13,11 @@ namespace velnls {
 
 namespace {
 
-// A way: the kernel in the low byte, the width of the terminator above it.
+// A way: the kernel in the low byte, the width of the terminator above it, and which set the kernel is of.
 constexpr std::uint32_t kKernel = 0xFF;
 constexpr unsigned kWidthShift = 8;
+constexpr std::uint32_t kWidthMask = 0xFF;
+constexpr std::uint32_t kOfWideVectors = 0x10000;
 
 enum Kernel : std::uint32_t {
     kNone,
@@ -36,8 +40,45 @@ const MappingBody &mappingOf(const void *converter) {
     return *static_cast<const MappingBody *>(converter);
 }
 
+struct WideVectors {
+    [[gnu::always_inline]] static void mapBytes(const std::uint8_t *map, Source &source, Target &target) {
+        avx512::mapBytes(map, source, target);
+    }
+    static constexpr auto byteRowToUtf8 = avx512::byteRowToUtf8;
+    static constexpr auto pairsToUtf8 = avx512::pairsToUtf8;
+    static constexpr auto utf8ToByteRow = avx512::utf8ToByteRow;
+    static constexpr auto utf8ToPairs = avx512::utf8ToPairs;
+    static constexpr auto shiftJisToEuc = avx512::shiftJisToEuc;
+    static constexpr auto eucToShiftJis = avx512::eucToShiftJis;
+    static constexpr auto utf16ToUtf8 = avx512::utf16ToUtf8;
+    static constexpr auto utf32ToUtf8 = avx512::utf32ToUtf8;
+    static constexpr auto utf8ToUtf16 = avx512::utf8ToUtf16;
+    static constexpr auto utf8ToUtf32 = avx512::utf8ToUtf32;
+    static constexpr auto utf16ToUtf32 = avx512::utf16ToUtf32;
+    static constexpr auto utf32ToUtf16 = avx512::utf32ToUtf16;
+};
+
+struct ByteShuffles {
+    [[gnu::always_inline]] static void mapBytes(const std::uint8_t *map, Source &source, Target &target) {
+        fast::mapBytes(map, kByteShuffles, source, target);
+    }
+    static constexpr auto byteRowToUtf8 = avx2::byteRowToUtf8;
+    static constexpr auto pairsToUtf8 = avx2::pairsToUtf8;
+    static constexpr auto utf8ToByteRow = avx2::utf8ToByteRow;
+    static constexpr auto utf8ToPairs = avx2::utf8ToPairs;
+    static constexpr auto shiftJisToEuc = fast::shiftJisToEucBlocks;
+    static constexpr auto eucToShiftJis = fast::eucToShiftJisBlocks;
+    static constexpr auto utf16ToUtf8 = avx2::utf16ToUtf8;
+    static constexpr auto utf32ToUtf8 = avx2::utf32ToUtf8;
+    static constexpr auto utf8ToUtf16 = avx2::utf8ToUtf16;
+    static constexpr auto utf8ToUtf32 = avx2::utf8ToUtf32;
+    static constexpr auto utf16ToUtf32 = avx2::utf16ToUtf32;
+    static constexpr auto utf32ToUtf16 = avx2::utf32ToUtf16;
+};
+
 // False where the way does not take all of the text: bytes of the destination may have changed then, which
 // the general way writes anew.
+template <typename Set>
 [[gnu::always_inline]] inline bool converts(std::uint32_t way, const void *converter, const nlsStr &from,
                                             nlsStr &to) {
     auto *const begin = reinterpret_cast<std::uint8_t *>(to.buffer);
@@ -50,48 +91,48 @@ const MappingBody &mappingOf(const void *converter) {
     case kBytes:
         if (target.room() < source.left())
             return false;
-        avx512::mapBytes(static_cast<const std::uint8_t *>(converter), source, target);
+        Set::mapBytes(static_cast<const std::uint8_t *>(converter), source, target);
         break;
     case kRowToUtf8:
-        avx512::byteRowToUtf8(mappingOf(converter), source, target);
+        Set::byteRowToUtf8(mappingOf(converter), source, target);
         break;
     case kPairsToUtf8:
-        avx512::pairsToUtf8(mappingOf(converter), source, target);
+        Set::pairsToUtf8(mappingOf(converter), source, target);
         break;
     case kUtf8ToRow:
-        avx512::utf8ToByteRow(mappingOf(converter), source, target);
+        Set::utf8ToByteRow(mappingOf(converter), source, target);
         break;
     case kUtf8ToPairs:
-        avx512::utf8ToPairs(mappingOf(converter), source, target);
+        Set::utf8ToPairs(mappingOf(converter), source, target);
         break;
     case kToEuc:
-        avx512::shiftJisToEuc(source, target);
+        Set::shiftJisToEuc(source, target);
         break;
     case kToShiftJis:
-        avx512::eucToShiftJis(source, target);
+        Set::eucToShiftJis(source, target);
         break;
     case kFromUtf16:
-        avx512::utf16ToUtf8(source, target);
+        Set::utf16ToUtf8(source, target);
         break;
     case kFromUtf32:
-        avx512::utf32ToUtf8(source, target);
+        Set::utf32ToUtf8(source, target);
         break;
     case kToUtf16:
-        avx512::utf8ToUtf16(source, target);
+        Set::utf8ToUtf16(source, target);
         break;
     case kToUtf32:
-        avx512::utf8ToUtf32(source, target);
+        Set::utf8ToUtf32(source, target);
         break;
     case kWidens:
-        avx512::utf16ToUtf32(source, target);
+        Set::utf16ToUtf32(source, target);
         break;
     case kNarrows:
-        avx512::utf32ToUtf16(source, target);
+        Set::utf32ToUtf16(source, target);
         break;
     default:
         return false;
     }
-    const std::uint32_t width = way >> kWidthShift;
+    const std::uint32_t width = way >> kWidthShift & kWidthMask;
     if (source.at != source.end || target.room() < static_cast<std::ptrdiff_t>(width))
         return false;
     to.length = static_cast<std::uint32_t>(target.at - begin);
@@ -101,7 +142,7 @@ const MappingBody &mappingOf(const void *converter) {
 }
 
 Kernel kernelFor(const void *converter) {
-    if (converter == nullptr || (headerOf(converter).proofs & kWideVectors) == 0)
+    if (converter == nullptr || (headerOf(converter).proofs & kInstructionSets) == 0)
         return kNone;
     if (byteMapOf(converter) != nullptr)
         return kBytes;
@@ -144,13 +185,20 @@ Kernel kernelFor(const void *converter) {
 
 std::uint32_t wayAtOnce(const void *converter) {
     const Kernel kernel = kernelFor(converter);
-    return kernel == kNone ? 0 : kernel | terminatorWidth(converter) << kWidthShift;
+    if (kernel == kNone)
+        return 0;
+    const bool isWide = (headerOf(converter).proofs & kWideVectors) != 0;
+    return kernel | terminatorWidth(converter) << kWidthShift | (isWide ? kOfWideVectors : 0);
 }
 
 nlsStatus convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &source, nlsStr *intermediate,
                         nlsStr &destination) {
-    if (converts(way, converter, source, destination)) [[likely]]
+    if ((way & kOfWideVectors) != 0) [[likely]] {
+        if (converts<WideVectors>(way, converter, source, destination)) [[likely]]
+            return NLS_OK;
+    } else if (converts<ByteShuffles>(way, converter, source, destination)) {
         return NLS_OK;
+    }
     return convertText(converter, source, intermediate, destination);
 }
 

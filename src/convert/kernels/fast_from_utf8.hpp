@@ -123,18 +123,21 @@ template <typename Sink>
 
 template <typename Sink>
 [[gnu::always_inline]] inline void readUtf8Into(Source &source, Sink &sink) {
-    for (;;) {
-        bool refused = false;
-        if constexpr (kHasVectors)
+    if constexpr (kHasVectors && Sink::kByBlocks) {
+        for (;;) {
+            bool refused = false;
             utf8Blocks(source, sink, refused);
-        if (refused)
-            return;
-        // A block that is not well formed, or the last bytes of the source.
-        const std::uint8_t *end = source.end;
-        if (kHasVectors && end - source.at >= 64 + 16 && sink.hasRoom(Sink::kBlockRoom))
-            end = source.at + 64;
-        if (!utf8Characters(source, end, sink) || end == source.end)
-            return;
+            if (refused)
+                return;
+            // A block that is not well formed, or the last bytes of the source.
+            const std::uint8_t *end = source.end;
+            if (end - source.at >= 64 + 16 && sink.hasRoom(Sink::kBlockRoom))
+                end = source.at + 64;
+            if (!utf8Characters(source, end, sink) || end == source.end)
+                return;
+        }
+    } else {
+        utf8Characters(source, source.end, sink);
     }
 }
 

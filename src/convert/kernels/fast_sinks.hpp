@@ -1,9 +1,9 @@
 // Where the fast kernels put characters: one sink per target form.
 //
-// A sink writes at `out` and knows how much room a block of 64 source bytes or one character may need there;
-// the kernels ask for that room first and hand over to the plain way when it is not left. It may scribble
-// behind what it has written, but never beyond the target's end. put() refuses a character that needs the
-// plain way, with nothing written.
+// A sink writes at `out` and knows how much room one character may need there, and with kByBlocks a block of
+// 64 source bytes; the kernels ask for that room first and hand over to the plain way when it is not left. It
+// may scribble behind what it has written, but never beyond the target's end. put() refuses a character that
+// needs the plain way, with nothing written.
 #pragma once
 
 #include "convert/kernels/fast_vector.hpp"
@@ -36,6 +36,7 @@ struct ByteCursor {
 }
 
 struct Utf16Sink : ByteCursor {
+    static constexpr bool kByBlocks = true;
     static constexpr std::ptrdiff_t kBlockRoom = (64 + 16) * 2;
     static constexpr std::ptrdiff_t kAsciiRoom = 32;
     static constexpr std::ptrdiff_t kCharacterRoom = 2;
@@ -69,7 +70,7 @@ struct Utf16Sink : ByteCursor {
 };
 
 struct Utf32Sink : ByteCursor {
-    static constexpr std::ptrdiff_t kBlockRoom = (64 + 16) * 4;
+    static constexpr bool kByBlocks = false;
     static constexpr std::ptrdiff_t kAsciiRoom = 64;
     static constexpr std::ptrdiff_t kCharacterRoom = 4;
 
@@ -99,13 +100,11 @@ struct Utf32Sink : ByteCursor {
         out += 4;
         return true;
     }
-    [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
-        return put(valueUpToTwo(word));
-    }
 };
 
 // A single-byte page: the reverse window gives the index, the row makes it a byte.
 struct ByteRowSink : ByteCursor {
+    static constexpr bool kByBlocks = true;
     static constexpr std::ptrdiff_t kBlockRoom = 64 + 16;
     static constexpr std::ptrdiff_t kAsciiRoom = 16;
     static constexpr std::ptrdiff_t kCharacterRoom = 1;
@@ -157,43 +156,9 @@ struct ByteRowSink : ByteCursor {
     }
 };
 
-// The same page for long texts: the byte of every character of one or two UTF-8 bytes, made once. 0 needs the
-// plain way, and so does U+0000 itself.
-struct ByteTableSink : ByteRowSink {
-    static constexpr std::ptrdiff_t kWorthwhile = 8192; // source bytes that repay making the table
-    static constexpr std::uint32_t kValues = 0x800;
-
-    const std::uint8_t *bytes;
-
-    struct Table {
-        std::uint8_t bytes[kValues];
-
-        explicit Table(const ByteRowSink &row) {
-            std::memset(bytes, 0, sizeof bytes);
-            for (std::uint32_t value = 0; value < 0x80; ++value)
-                bytes[value] = static_cast<std::uint8_t>(value);
-            for (std::uint32_t place = 0; place < row.span && row.lowest + place < kValues; ++place) {
-                const std::uint32_t index = loadNumber<std::uint16_t>(row.window + std::size_t{place} * 2);
-                if (index != file::kUnmapped && row.lowest + place >= 0x80)
-                    bytes[row.lowest + place] = static_cast<std::uint8_t>(index + row.base);
-            }
-        }
-    };
-
-    ByteTableSink(const ByteRowSink &row, const Table &table) : ByteRowSink(row), bytes(table.bytes) {}
-
-    [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
-        const std::uint8_t byte = bytes[valueUpToTwo(word)];
-        if (byte == 0)
-            return false;
-        *out++ = byte;
-        return true;
-    }
-};
-
 // A page of lead and trail bytes: the reverse window, and the linear stretches of kana and full-width forms.
 struct PairSink : ByteCursor {
-    static constexpr std::ptrdiff_t kBlockRoom = 64 + 16;
+    static constexpr bool kByBlocks = false;
     static constexpr std::ptrdiff_t kAsciiRoom = 16;
     static constexpr std::ptrdiff_t kCharacterRoom = 2; // of one byte too, since two are stored
 
@@ -272,50 +237,6 @@ struct PairSink : ByteCursor {
             if (index == 0)
                 return false;
         }
-        putIndex(index);
-        return true;
-    }
-    [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
-        if ((word & 0x80) != 0)
-            return put(twoByteValue(word));
-        putAscii(static_cast<std::uint8_t>(word));
-        return true;
-    }
-};
-
-// The same page for long texts: kana by a table of their own, so that the change between kana and ideographs,
-// which is as good as random, costs no jump.
-struct KanaTableSink : PairSink {
-    static constexpr std::ptrdiff_t kWorthwhile = 2048; // source bytes that repay making the table
-    static constexpr std::uint32_t kValues = 0x100;     // U+3000 to 30FF
-
-    const std::uint16_t *kana;
-
-    struct Table {
-        std::uint16_t indexes[kValues];
-
-        explicit Table(const PairSink &page) {
-            for (std::uint32_t i = 0; i < kValues; ++i) {
-                const std::uint32_t index = page.indexBeside(kPunctuationBegin + i);
-                indexes[i] = index != 0 ? static_cast<std::uint16_t>(index) : file::kUnmapped;
-            }
-        }
-    };
-
-    KanaTableSink(const PairSink &page, const Table &table) : PairSink(page), kana(table.indexes) {}
-
-    [[gnu::always_inline]] bool put(std::uint32_t value) {
-        const std::uint32_t place = value - lowest;
-        if (place >= span && value >> 8 != kPunctuationBegin >> 8)
-            return PairSink::put(value);
-        std::uintptr_t mask = 0 - static_cast<std::uintptr_t>(place < span);
-        asm("" : "+r"(mask));
-        const auto inWindow = reinterpret_cast<std::uintptr_t>(window + std::size_t{place} * 2);
-        const auto inTable = reinterpret_cast<std::uintptr_t>(kana + (value & 0xFF));
-        const std::uintptr_t entry = inTable ^ ((inWindow ^ inTable) & mask);
-        const std::uint32_t index = loadNumber<std::uint16_t>(reinterpret_cast<const void *>(entry));
-        if (index == file::kUnmapped)
-            return false;
         putIndex(index);
         return true;
     }

@@ -1,16 +1,16 @@
 // Shift_JIS to EUC-JP and back, blocks of 64 bytes at a time: where no half-width katakana stand, no
 // character changes its length, so both formulas are computed on all bytes and chosen by mask.
-//
-// Stops at the first character outside that; the plain way takes it.
-#pragma once
+#include "convert/kernels/japanese_blocks.hpp"
+
+#if defined(VELNLS_JAPANESE_BLOCKS)
 
 #include "convert/kernels/fast_walk.hpp"
-#include "convert/kernels/kernels.hpp"
+#include "convert/kernels/text_reader.hpp"
 
-namespace velnls {
+#include <algorithm>
+
+namespace velnls::fast {
 namespace {
-
-#if defined(__SSE2__)
 
 // A byte of ones for each bit of the low 16.
 [[gnu::always_inline]] inline __m128i bytesOfBits(std::uint64_t bits) {
@@ -94,41 +94,53 @@ struct EucBlock {
     }
 };
 
-// Reads up to 16 bytes behind a block.
+constexpr std::ptrdiff_t kBlock = 64;
+constexpr std::ptrdiff_t kPart = 16; // as formulas are computed and stored
+
 template <typename Block>
-[[gnu::always_inline]] inline void japaneseBlocks(Source &source, Target &target) {
+void japaneseBlocks(Source &source, Target &target) {
+    TextReader<kBlock + kPart> reader; // the byte behind each is looked at
     const std::uint8_t *at = source.at;
     std::uint8_t *to = target.at;
-    while (source.end - at >= 64 + 16 && target.end - to >= 64) {
-        if (notAsciiMask<64>(at) == 0) {
-            copyBytes<64>(to, at);
-            at += 64;
-            to += 64;
-            continue;
-        }
-        const std::uint64_t leadValues = Block::leadValues(at);
-        const std::uint64_t trails = trailsBehind(leadValues);
+    while (at < source.end) {
+        const std::ptrdiff_t size = std::min(source.end - at, kBlock);
+        if (target.end - to < ((size + kPart - 1) & -kPart))
+            break;
+        const std::uint64_t inside = ~std::uint64_t{0} >> (kBlock - size);
+        const std::uint8_t *const text = reader.block(at, source.end);
+        const std::uint64_t leadValues = Block::leadValues(text) & inside;
+        const std::uint64_t trails = trailsBehind(leadValues) & inside;
         const std::uint64_t leads = leadValues & ~trails;
         const std::uint64_t odd =
-            (Block::oddSingles(at) & ~trails & ~leads) | (Block::oddTrails(at) & trails) >> 1;
+            (Block::oddSingles(text) & inside & ~trails & ~leads) | (Block::oddTrails(text) & trails) >> 1;
         // A pair that the block cuts belongs to the next one.
-        const std::uint64_t stop = odd | (leads & std::uint64_t{1} << 63);
-        for (int i = 0; i < 64; i += 16) {
+        const std::uint64_t stop = odd | (leads & std::uint64_t{1} << (size - 1));
+        for (std::ptrdiff_t i = 0; i < size; i += kPart) {
             const __m128i made =
-                Block::convert(at + i, i == 0, bytesOfBits(leads >> i), bytesOfBits(trails >> i));
-            _mm_storeu_si128(reinterpret_cast<__m128i *>(to + i), made);
+                Block::convert(text + i, i == 0, bytesOfBits(leads >> i), bytesOfBits(trails >> i));
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(to + i),
+                             _mm_and_si128(made, bytesOfBits(inside >> i)));
         }
-        const int good = stop != 0 ? firstBit(stop) : 64;
+        const std::ptrdiff_t good = stop != 0 ? firstBit(stop) : size;
         at += good;
         to += good;
-        if (odd != 0)
+        if (odd != 0 || good == 0)
             break;
     }
     source.at = at;
     target.at = to;
 }
 
-#endif
-
 } // namespace
-} // namespace velnls
+
+void shiftJisToEucBlocks(Source &source, Target &target) {
+    japaneseBlocks<ShiftJisBlock>(source, target);
+}
+
+void eucToShiftJisBlocks(Source &source, Target &target) {
+    japaneseBlocks<EucBlock>(source, target);
+}
+
+} // namespace velnls::fast
+
+#endif

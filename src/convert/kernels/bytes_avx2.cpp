@@ -1,29 +1,15 @@
+// Look-ups in tables of 128 bytes that are held in registers, for processors with AVX2.
 #include "convert/kernels/fast_avx2.hpp"
 
-#if defined(__x86_64__) && !defined(VELNLS_PLAIN_LOOPS)
+#if defined(VELNLS_AVX2_KERNELS)
 
+#include "convert/kernels/avx2_lanes.hpp"
 #include "convert/kernels/fast_from_page.hpp"
 #include "convert/kernels/fast_sinks.hpp"
-
-#include <immintrin.h>
 
 namespace velnls::avx2 {
 
 namespace {
-
-using Bytes = __m256i;
-
-constexpr std::ptrdiff_t kBlock = 32;
-
-[[gnu::always_inline]] inline Bytes load(const std::uint8_t *at) {
-    return _mm256_loadu_si256(reinterpret_cast<const Bytes *>(at));
-}
-[[gnu::always_inline]] inline void store(std::uint8_t *at, Bytes bytes) {
-    _mm256_storeu_si256(reinterpret_cast<Bytes *>(at), bytes);
-}
-[[gnu::always_inline]] inline std::uint32_t maskOf(Bytes bytes) {
-    return static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes));
-}
 
 // A table of 128 bytes, as the differences of neighbouring rows of 16: a look-up adds up the rows as far as
 // that of its byte, and each step is a shuffle, which gives 0 where the byte's row is passed.
@@ -31,6 +17,7 @@ class Table128 {
 public:
     [[gnu::always_inline]] explicit Table128(const std::uint8_t *values) {
         __m128i before = _mm_setzero_si128();
+#pragma GCC unroll 8
         for (int row = 0; row < 8; ++row) {
             const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(values + 16 * row));
             steps_[row] = _mm256_broadcastsi128_si256(_mm_xor_si128(bytes, before));
@@ -40,6 +27,7 @@ public:
     // Of bytes below 80.
     [[gnu::always_inline]] [[nodiscard]] Bytes operator[](Bytes places) const {
         Bytes sum = _mm256_shuffle_epi8(steps_[0], places);
+#pragma GCC unroll 8
         for (int row = 1; row < 8; ++row) {
             places = _mm256_sub_epi8(places, _mm256_set1_epi8(16));
             sum = _mm256_xor_si256(sum, _mm256_shuffle_epi8(steps_[row], places));
@@ -56,19 +44,27 @@ private:
 }
 
 bool keepsAscii(const std::uint8_t *map) {
-    unsigned differences = 0;
-    for (unsigned byte = 0; byte < 0x80; ++byte)
-        differences |= map[byte] ^ byte;
-    return differences == 0;
+    Bytes identity = _mm256_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19,
+                                      20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31);
+    Bytes differences = _mm256_setzero_si256();
+#pragma GCC unroll 4
+    for (int i = 0; i < 0x80; i += kRegister) {
+        differences = _mm256_or_si256(differences, _mm256_xor_si256(load(map + i), identity));
+        identity = _mm256_add_epi8(identity, _mm256_set1_epi8(kRegister));
+    }
+    return _mm256_testz_si256(differences, differences) != 0;
 }
 
-// Maps block by block; the last one overlaps the one before it.
-template <typename MapBlock>
-[[gnu::always_inline]] inline void mapBlocks(const std::uint8_t *from, std::uint8_t *to,
-                                             std::ptrdiff_t length, MapBlock mapBlock) {
-    for (std::ptrdiff_t done = 0; length - done > kBlock; done += kBlock)
-        store(to + done, mapBlock(load(from + done)));
-    store(to + length - kBlock, mapBlock(load(from + length - kBlock)));
+// Maps register by register; the last one overlaps the one before it.
+template <typename MapRegister>
+[[gnu::always_inline]] inline void mapRegisters(const std::uint8_t *from, std::uint8_t *to,
+                                                std::ptrdiff_t length, MapRegister mapRegister) {
+    const std::ptrdiff_t last = length - kRegister;
+    for (std::ptrdiff_t at = 0;; at = at + kRegister < last ? at + kRegister : last) {
+        store(to + at, mapRegister(load(from + at)));
+        if (at == last)
+            return;
+    }
 }
 
 } // namespace
@@ -76,12 +72,12 @@ template <typename MapBlock>
 void mapBytes(const std::uint8_t *map, const std::uint8_t *from, std::uint8_t *to, std::ptrdiff_t length) {
     const Table128 upper(map + 0x80);
     if (keepsAscii(map)) {
-        mapBlocks(from, to, length,
-                  [&](Bytes bytes) { return _mm256_blendv_epi8(bytes, upper[lowSeven(bytes)], bytes); });
+        mapRegisters(from, to, length,
+                     [&](Bytes bytes) { return _mm256_blendv_epi8(bytes, upper[lowSeven(bytes)], bytes); });
         return;
     }
     const Table128 lower(map);
-    mapBlocks(from, to, length, [&](Bytes bytes) {
+    mapRegisters(from, to, length, [&](Bytes bytes) {
         const Bytes places = lowSeven(bytes);
         return _mm256_blendv_epi8(lower[places], upper[places], bytes);
     });
@@ -89,35 +85,16 @@ void mapBytes(const std::uint8_t *map, const std::uint8_t *from, std::uint8_t *t
 
 namespace {
 
-// For each choice of characters of two bytes among eight: the shuffle that leaves out the lead bytes of the
-// others.
-struct Squeezes {
-    alignas(16) std::uint8_t shuffles[256][16];
-};
-constexpr Squeezes kSqueezes = [] {
-    Squeezes squeezes{};
-    for (unsigned mask = 0; mask < 256; ++mask) {
-        unsigned length = 0;
-        for (unsigned i = 0; i < 8; ++i) {
-            if ((mask >> i & 1) != 0)
-                squeezes.shuffles[mask][length++] = static_cast<std::uint8_t>(2 * i);
-            squeezes.shuffles[mask][length++] = static_cast<std::uint8_t>(2 * i + 1);
-        }
-        while (length < 16)
-            squeezes.shuffles[mask][length++] = 0x80;
-    }
-    return squeezes;
-}();
-
 // The UTF-8 bytes of the values of the bytes from 80 up; a lead byte of 0 for values that do not have two.
 struct TwoBytes {
     alignas(32) std::uint8_t leads[0x80];
     alignas(32) std::uint8_t trails[0x80];
 
     [[gnu::always_inline]] explicit TwoBytes(const std::uint8_t *values) {
-        for (int i = 0; i < 0x80; i += kBlock) {
+#pragma GCC unroll 4
+        for (int i = 0; i < 0x80; i += kRegister) {
             const Bytes first = load(values + 2 * i);
-            const Bytes second = load(values + 2 * i + kBlock);
+            const Bytes second = load(values + 2 * i + kRegister);
             store(leads + i, inOrder(leadsOf(first), leadsOf(second)));
             store(trails + i, inOrder(trailsOf(first), trailsOf(second)));
         }
@@ -141,32 +118,39 @@ private:
     }
 };
 
-// Eight characters, as pairs of a lead and a trail byte: stores 16 bytes, gives how many count.
-[[gnu::always_inline]] inline std::ptrdiff_t putEight(std::uint8_t *to, __m128i pairs,
-                                                      std::uint32_t twoBytes) {
-    const std::uint32_t mask = twoBytes & 0xFF;
-    const auto *const shuffle = reinterpret_cast<const __m128i *>(kSqueezes.shuffles[mask]);
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(to), _mm_shuffle_epi8(pairs, _mm_load_si128(shuffle)));
-    return 8 + static_cast<std::ptrdiff_t>(__builtin_popcount(mask));
-}
-
 } // namespace
 
 void byteRowToUtf8(const MappingBody &body, Source &source, Target &target) {
-    constexpr std::ptrdiff_t kRoom = 2 * kBlock + 16;
+    constexpr std::ptrdiff_t kRoom = 2 * kRegister + 16;
+    TextReader<kRegister> reader;
+    const std::uint8_t *at = source.at;
+    std::uint8_t *to = target.at;
+    // Text of ASCII alone goes without tables.
+    while (at < source.end && target.end - to >= kRegister) {
+        const std::uint32_t size = smaller(source.end - at, kRegister);
+        const Bytes bytes = _mm256_and_si256(load(reader.block(at, source.end)), firstBytes(size));
+        if (maskOf(bytes) != 0)
+            break;
+        store(to, bytes);
+        at += size;
+        to += size;
+    }
+    source.at = at;
+    target.at = to;
+    if (at == source.end)
+        return;
     const ByteRow row(body);
     const TwoBytes forms(row.values());
     const Table128 leadTable(forms.leads);
     const Table128 trailTable(forms.trails);
-    const std::uint8_t *at = source.at;
-    std::uint8_t *to = target.at;
-    while (source.end - at >= kBlock && target.end - to >= kRoom) {
-        const Bytes bytes = load(at);
-        const std::uint32_t high = maskOf(bytes);
+    while (at < source.end && target.end - to >= kRoom) {
+        const std::uint32_t size = smaller(source.end - at, kRegister);
+        const Bytes bytes = _mm256_and_si256(load(reader.block(at, source.end)), firstBytes(size));
+        const std::uint64_t high = maskOf(bytes);
         if (high == 0) {
             store(to, bytes);
-            at += kBlock;
-            to += kBlock;
+            at += size;
+            to += size;
             continue;
         }
         const Bytes places = lowSeven(bytes);
@@ -174,20 +158,21 @@ void byteRowToUtf8(const MappingBody &body, Source &source, Target &target) {
         const Bytes trails = _mm256_blendv_epi8(bytes, trailTable[places], bytes);
         const Bytes low = _mm256_unpacklo_epi8(leads, trails);
         const Bytes upper = _mm256_unpackhi_epi8(leads, trails);
-        std::uint8_t *const begin = to;
-        to += putEight(to, _mm256_castsi256_si128(low), high);
-        to += putEight(to, _mm256_castsi256_si128(upper), high >> 8);
-        to += putEight(to, _mm256_extracti128_si256(low, 1), high >> 16);
-        to += putEight(to, _mm256_extracti128_si256(upper, 1), high >> 24);
-        const std::uint32_t others = high & maskOf(_mm256_cmpeq_epi8(leads, _mm256_setzero_si256()));
+        std::uint8_t *put = to;
+        put += squeeze(put, lowHalf(low), high);
+        put += squeeze(put, lowHalf(upper), high >> 8);
+        put += squeeze(put, highHalf(low), high >> 16);
+        squeeze(put, highHalf(upper), high >> 24);
+        const std::uint64_t others = high & maskOf(_mm256_cmpeq_epi8(leads, _mm256_setzero_si256()));
         if (others == 0) [[likely]] {
-            at += kBlock;
+            at += size; // mostly a constant: the next load waits for nothing
+            to += size + countBits(high);
             continue;
         }
         // Goes on behind the first value of another length.
-        const auto before = static_cast<unsigned>(__builtin_ctz(others));
-        at += before;
-        to = begin + before + __builtin_popcount(high & ((1U << before) - 1));
+        const std::uint32_t good = firstBitOr64(others);
+        at += good;
+        to += good + countBits(high & lowBits(good));
         const std::uint32_t value = row.valueOf(*at);
         if (value == file::kUnmapped)
             break;

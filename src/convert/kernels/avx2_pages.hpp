@@ -1,0 +1,90 @@
+// What the kernels between code pages and UTF-8 share, for processors with AVX2.
+#pragma once
+
+#include "convert/kernels/avx2_from_utf8.hpp"
+#include "convert/kernels/mapping_lookup.hpp"
+#include "convert/kernels/proofs.hpp"
+#include "convert/kernels/table_entries.hpp"
+#include "convert/kernels/through_units.hpp"
+
+namespace velnls::avx2 {
+namespace {
+
+// Without a window nothing lies inside, and its first entry is looked at all the same.
+inline const std::uint16_t *windowOf(const file::MappingGroup &group) {
+    return group.reverseCount != 0 ? group.reverse : group.values;
+}
+inline unsigned spanOf(const file::MappingGroup &group) {
+    return group.reverseCount != 0 ? group.highest - group.lowest + 1U : 0;
+}
+
+// How many of `count` lanes stand before the first that is refused.
+[[gnu::always_inline]] inline std::uint32_t before(Bytes refused, std::uint32_t count) {
+    if (!isAny(refused)) [[likely]]
+        return count;
+    return smaller(static_cast<std::ptrdiff_t>(firstBitOr64(bitsOf(refused))), count);
+}
+
+// Writes units by groups of up to sixteen: `put` gets them, with zeros behind `count`, and gives how many it
+// has written, fewer where it stops.
+template <typename Put>
+[[gnu::always_inline]] inline void writeUnits(Source &units, Target &out, Put put) {
+    Target target = out;
+    while (units.at < units.end) {
+        const std::uint32_t count = smaller(units.left() / 2, kLanes);
+        // By halves, as they were stored: a load across two stores would wait for both to reach memory.
+        const auto *const halves = reinterpret_cast<const __m128i *>(units.at);
+        const Bytes group = joined(_mm_loadu_si128(halves), _mm_loadu_si128(halves + 1));
+        const std::uint32_t taken = put(_mm256_and_si256(group, firstBytes(2 * count)), count, target);
+        units.at += std::ptrdiff_t{taken} * 2;
+        if (taken != count) [[unlikely]]
+            break;
+    }
+    out.at = target.at;
+}
+
+// What the conversions of UTF-8 into a page have in common.
+class FromUtf8 {
+public:
+    static std::ptrdiff_t lengthOf(std::uint8_t lead) {
+        return 1 + (lead >= 0xC0 ? 1 : 0) + (lead >= 0xE0 ? 1 : 0);
+    }
+    // A character that the page has, though not where the kernels look.
+    bool writeOne(std::uint32_t value, Target &target) const {
+        const std::uint32_t code = codeOfUnicode(body_, value);
+        if (code == kNone || target.room() < 2)
+            return false;
+        if (code > 0xFF)
+            *target.at++ = static_cast<std::uint8_t>(code >> 8);
+        *target.at++ = static_cast<std::uint8_t>(code);
+        return true;
+    }
+
+protected:
+    explicit FromUtf8(const MappingBody &body)
+        : body_(body), window_(windowOf(body.groups[2])), lowest_(unitsOf(body.groups[2].lowest)),
+          span_(unitsOf(spanOf(body.groups[2]))) {}
+
+    [[nodiscard]] const MappingBody &body() const {
+        return body_;
+    }
+    // The entries of the reverse window, and in which lanes they are those of the units.
+    struct Found {
+        Bytes entries;
+        Bytes inside;
+    };
+    [[gnu::always_inline]] [[nodiscard]] Found inWindow(Bytes units, Bytes beyondAscii, bool both) const {
+        const Bytes places = _mm256_sub_epi16(units, lowest_);
+        const Bytes inside = _mm256_andnot_si256(isAtLeast(places, span_), beyondAscii);
+        return {entriesAt(window_, _mm256_and_si256(places, inside), both), inside};
+    }
+
+private:
+    const MappingBody &body_;
+    const std::uint16_t *window_;
+    Bytes lowest_;
+    Bytes span_;
+};
+
+} // namespace
+} // namespace velnls::avx2
