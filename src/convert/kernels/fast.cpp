@@ -55,14 +55,26 @@ void intoTightRoom(Blocks blocks, const MappingBody *body, Source &source, Targe
     }
 }
 
-// The blocks alone finish most texts.
+// The blocks alone finish most texts. Where they stop again and again, as in a script that the page does not
+// have, starting them costs more than the characters: the plain kernel gets twice as many each time.
+constexpr std::ptrdiff_t kFew = 32;  // bytes that blocks have to take to be worth their start
+constexpr int kMostCharacters = 128; // that the plain kernel gets at once
+
 nlsStatus convertBy(const Steps &steps, const MappingBody *body, Source &source, Target &target) {
-    const auto blocks = [&steps, body](Source &text, Target &out) {
+    int characters = 1;
+    const auto blocks = [&steps, body, &characters](Source &text, Target &out) {
+        const std::uint8_t *const begin = text.at;
         steps.blocks(body, text, out);
         if (text.at != text.end && out.room() < kTightRoom)
             intoTightRoom(steps.blocks, body, text, out);
+        characters = text.at - begin >= kFew ? 1 : std::min(2 * characters, kMostCharacters);
     };
-    const auto window = [&steps, body](const Source &text) { return steps.window(body, text); };
+    const auto window = [&steps, body, &characters](const Source &text) {
+        std::ptrdiff_t length = 0;
+        for (int i = 0; i < characters && length < text.left(); ++i)
+            length += steps.window(body, {text.at + length, text.end, text.behind});
+        return length;
+    };
     const auto plain = [&steps, body](Source &piece, Target &out) { return steps.plain(body, piece, out); };
     return alternate(source, target, steps.unit, blocks, window, plain, steps.ends);
 }
