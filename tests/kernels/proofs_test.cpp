@@ -216,13 +216,4 @@ TEST(Proofs, FewerValuesThanTheRectangleIsRefused) {
     }
 }
 
-TEST(Proofs, ReciprocalDividesEveryPlace) {
-    for (const char *page : {"SHIFT-JIS", "CP949", "CP936", "CP950"}) {
-        const MappingBody &body = *mappingOf(page);
-        const std::uint64_t reciprocal = factsOf(body).reciprocal;
-        for (std::uint32_t place = 0; place < 0x10000; ++place)
-            ASSERT_EQ(place / body.groups[2].trailsPerLead, place * reciprocal >> kReciprocalShift) << page;
-    }
-}
-
 } // namespace

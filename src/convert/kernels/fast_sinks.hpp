@@ -167,26 +167,13 @@ struct PairSink : ByteCursor {
     const std::uint8_t *punctuation;
     const std::uint8_t *widePunctuation;
     std::uint32_t lowest;
-    std::uint32_t span;
-    std::uint32_t reciprocal;
-    std::uint32_t codeBase;   // the first code of the rectangle
-    std::uint32_t rowStep;    // from the end of one row to the begin of the next
-    std::uint32_t leadGapEnd; // the last code before the lead gap
-    std::uint32_t leadShift;  // in codes
-    std::uint32_t trailGapLow;
-    std::uint32_t trailShift;
+    PairUnits units;
 
     PairSink(const MappingBody &body, std::uint8_t *outBegin, std::uint8_t *outEnd)
         : ByteCursor{outBegin, outEnd},
           window(reinterpret_cast<const std::uint8_t *>(body.groups[2].reverse)), facts(factsOf(body)),
           punctuation(body.groups[1].unusedA), widePunctuation(body.groups[2].unusedA),
-          lowest(body.groups[2].lowest),
-          span(body.groups[2].reverseCount == 0 ? 0 : body.groups[2].highest - body.groups[2].lowest + 1),
-          reciprocal(facts.reciprocal),
-          codeBase(body.groups[2].firstLead * 0x100u + body.groups[2].firstTrail),
-          rowStep(0x100u - body.groups[2].trailsPerLead),
-          leadGapEnd(body.groups[2].leadGapLow * 0x100u + 0xFF), leadShift(body.groups[2].leadShift * 0x100u),
-          trailGapLow(body.groups[2].trailGap1Low), trailShift(body.groups[2].trailShift1) {}
+          lowest(body.groups[2].lowest), units(facts.units) {}
 
     [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
         copyBytes<16>(out, at);
@@ -198,13 +185,12 @@ struct PairSink : ByteCursor {
         *out++ = byte;
     }
     [[gnu::always_inline]] void putIndex(std::uint32_t index) {
-        const std::uint32_t place = index - 1;
-        const auto row = static_cast<std::uint32_t>(std::uint64_t{place} * reciprocal >> kReciprocalShift);
-        std::uint32_t code = codeBase + place + row * rowStep;
-        if (trailShift != 0)
-            code += trailShift & maskIf((code & 0xFF) > trailGapLow);
-        if (leadShift != 0)
-            code += leadShift & maskIf(code > leadGapEnd);
+        const std::uint32_t row = (index - 1) * units.reciprocal >> 16 >> units.reciprocalShift;
+        std::uint32_t code = (units.codeBase + index + row * units.rowStep) & 0xFFFF;
+        if (units.trailShift != 0)
+            code += units.trailShift & maskIf((code & 0xFF) > units.trailGapLow);
+        if (units.leadShift != 0)
+            code += units.leadShift & maskIf(code > units.leadGapEnd);
         storeNumber(out, __builtin_bswap16(static_cast<std::uint16_t>(code)));
         out += 2;
     }
@@ -228,7 +214,7 @@ struct PairSink : ByteCursor {
     }
     [[gnu::always_inline]] bool put(std::uint32_t value) {
         std::uint32_t index = 0;
-        if (value - lowest < span) {
+        if (value - lowest < units.span) {
             index = loadNumber<std::uint16_t>(window + std::size_t{value - lowest} * 2);
             if (index == file::kUnmapped)
                 return false;

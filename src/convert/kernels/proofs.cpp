@@ -223,9 +223,6 @@ void putFacts(MappingBody &body) {
         facts.letters[block] = linearBlock(body, kLettersBegin + 32 * block);
     for (unsigned i = 0; i < kSoundMarks; ++i)
         facts.marks[i] = pairIndex(body, kSoundMarksBegin + i);
-    // Rounded up. The error of at most 254 per 2^24, times a place below 2^16, stays below one.
-    const std::uint32_t divisor = body.groups[2].trailsPerLead;
-    facts.reciprocal = ((1u << kReciprocalShift) + divisor - 1) / divisor;
     facts.units = pairUnits(body.groups[2]);
     std::memcpy(body.groups[0].unusedA, &facts, sizeof facts);
     putPunctuation(body, body.groups[1], kPunctuationBegin);

@@ -61,14 +61,10 @@ struct [[gnu::packed]] MappingFacts {
     LinearBlock kana[kKanaBlocks];
     LinearBlock letters[kLetterBlocks];
     std::uint16_t marks[kSoundMarks];
-    std::uint32_t
-        reciprocal; // of trailsPerLead: place * reciprocal >> kReciprocalShift is place / trailsPerLead
     PairUnits units;
 };
 static_assert(sizeof(MappingFacts) <= sizeof(file::MappingGroup::unusedA));
 static_assert(kPunctuation * sizeof(std::uint16_t) <= sizeof(file::MappingGroup::unusedA));
-
-inline constexpr unsigned kReciprocalShift = 24;
 
 inline const MappingFacts &factsOf(const MappingBody &body) {
     return *reinterpret_cast<const MappingFacts *>(body.groups[0].unusedA);
