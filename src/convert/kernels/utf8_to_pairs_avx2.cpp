@@ -98,7 +98,7 @@ private:
         };
         Bytes found = _mm256_setzero_si256();
         // `number`: that of the stretch, from 0 to 7.
-        const auto linear = [&found, units, this](Bytes which, Bytes number) {
+        const auto linear = [units, &found, this](Bytes which, Bytes number) {
             const Bytes both = _mm256_add_epi16(_mm256_mullo_epi16(number, unitsOf(0x0202)), unitsOf(0x0100));
             const Bytes stretch = _mm256_shuffle_epi8(stretches_, both);
             const Bytes step = _mm256_sub_epi16(_mm256_and_si256(units, unitsOf(31)),
@@ -111,7 +111,7 @@ private:
             return _mm256_and_si256(_mm256_srli_epi16(_mm256_sub_epi16(units, unitsOf(begin)), 5),
                                     unitsOf(7));
         };
-        const auto onePerValue = [&found, units](Bytes which, unsigned begin, const Table32 &table) {
+        const auto onePerValue = [units, &found](Bytes which, unsigned begin, const Table32 &table) {
             found = _mm256_blendv_epi8(found, table[_mm256_sub_epi16(units, unitsOf(begin))], which);
         };
         linear(within(kKanaBegin, 32 * kKanaBlocks), numberFrom(kKanaBegin));

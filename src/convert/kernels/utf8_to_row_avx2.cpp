@@ -54,7 +54,7 @@ private:
     [[gnu::always_inline]] std::uint32_t putMostlyAscii(const std::uint8_t *text, Utf8Starts characters,
                                                         std::uint64_t notAscii, Target &target) const {
         constexpr std::uint32_t kPiece = 16;
-        if (target.room() < static_cast<std::ptrdiff_t>(characters.length + kPiece))
+        if (target.room() < static_cast<std::ptrdiff_t>(characters.length) + kPiece)
             return 0;
         std::uint32_t from = 0;
         const auto copyTo = [text, &from, &target](std::uint32_t end) {
