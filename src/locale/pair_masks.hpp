@@ -22,6 +22,12 @@ namespace {
     return (kEven ^ sum << 1) & behindLead;
 }
 
+// Of a block that begins with a character.
+[[gnu::always_inline]] inline std::uint64_t pairTrails(std::uint64_t leads) {
+    std::uint64_t pending = 0;
+    return pairTrails(leads, pending);
+}
+
 template <typename Masks>
 [[gnu::always_inline]] inline std::uint64_t leadsOf(const Masks &masks, const PageFacts &facts) {
     return masks.inRange(facts.leads[0].first, facts.leads[0].span) |

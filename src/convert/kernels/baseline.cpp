@@ -1,10 +1,10 @@
 #include "convert/kernels/baseline.hpp"
 
 #include "convert/kernels/alternate.hpp"
-#include "convert/kernels/fast_from_page.hpp"
-#include "convert/kernels/fast_from_units.hpp"
-#include "convert/kernels/fast_from_utf8.hpp"
-#include "convert/kernels/fast_sinks.hpp"
+#include "convert/kernels/baseline_from_page.hpp"
+#include "convert/kernels/baseline_from_units.hpp"
+#include "convert/kernels/baseline_from_utf8.hpp"
+#include "convert/kernels/baseline_sinks.hpp"
 
 namespace velnls::baseline {
 

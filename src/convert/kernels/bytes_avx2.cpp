@@ -4,8 +4,8 @@
 #if defined(VELNLS_AVX2_KERNELS)
 
 #include "convert/kernels/avx2_lanes.hpp"
-#include "convert/kernels/fast_from_page.hpp"
-#include "convert/kernels/fast_sinks.hpp"
+#include "convert/kernels/baseline_from_page.hpp"
+#include "convert/kernels/baseline_sinks.hpp"
 
 namespace velnls::avx2 {
 

@@ -6,7 +6,7 @@
 #if defined(VELNLS_AVX512_KERNELS)
 
 #include "convert/kernels/avx512_lanes.hpp"
-#include "convert/kernels/fast_walk.hpp"
+#include "locale/pair_masks.hpp"
 
 namespace velnls::avx512 {
 
@@ -81,7 +81,8 @@ template <typename Text>
         const Vector before = carried != 0 ? _mm512_maskz_loadu_epi8(whole, at - 1)
                                            : _mm512_permutexvar_epi8(placeBefore, bytes);
         const std::uint64_t leadValues = Text::leadValues(bytes) & ~carried;
-        const std::uint64_t trails = trailsBehind(leadValues, carried) & whole;
+        std::uint64_t pending = carried;
+        const std::uint64_t trails = pairTrails(leadValues, pending) & whole;
         const std::uint64_t leads = leadValues & ~trails;
         const std::uint64_t oddSingles = Text::oddSingles(bytes) & ~trails & ~leads & whole;
         const std::uint64_t oddTrails = Text::oddTrails(bytes) & trails;

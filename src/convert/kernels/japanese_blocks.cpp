@@ -4,8 +4,9 @@
 
 #if defined(VELNLS_JAPANESE_BLOCKS)
 
-#include "convert/kernels/fast_walk.hpp"
+#include "convert/kernels/baseline_vector.hpp"
 #include "convert/kernels/text_reader.hpp"
+#include "locale/pair_masks.hpp"
 
 #include <algorithm>
 
@@ -109,7 +110,7 @@ void japaneseBlocks(Source &source, Target &target) {
         const std::uint64_t inside = ~std::uint64_t{0} >> (kBlock - size);
         const std::uint8_t *const text = reader.block(at, source.end);
         const std::uint64_t leadValues = Block::leadValues(text) & inside;
-        const std::uint64_t trails = trailsBehind(leadValues) & inside;
+        const std::uint64_t trails = pairTrails(leadValues) & inside;
         const std::uint64_t leads = leadValues & ~trails;
         const std::uint64_t odd =
             (Block::oddSingles(text) & inside & ~trails & ~leads) | (Block::oddTrails(text) & trails) >> 1;

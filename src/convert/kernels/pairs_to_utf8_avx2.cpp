@@ -4,7 +4,7 @@
 #if defined(VELNLS_AVX2_KERNELS)
 
 #include "convert/kernels/avx2_pages.hpp"
-#include "convert/kernels/fast_walk.hpp"
+#include "locale/pair_masks.hpp"
 
 namespace velnls::avx2 {
 
@@ -56,7 +56,7 @@ public:
             const Block block(text, size);
             const std::uint64_t leads = block.atLeast(group_.firstLead) & block.atMost(group_.lastLead) &
                                         (block.atMost(group_.leadGapLow) | block.atLeast(group_.leadGapHigh));
-            const std::uint64_t trails = trailsBehind(leads);
+            const std::uint64_t trails = pairTrails(leads);
             // A single byte beyond ASCII, or a pair that the block or the source cuts, ends the stretch.
             const std::uint64_t odd = (block.notAscii() & ~leads & ~trails) |
                                       (leads & ~trails & std::uint64_t{1} << (size - 1)) | ~lowBits(size);

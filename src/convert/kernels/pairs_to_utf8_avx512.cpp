@@ -6,9 +6,9 @@
 #if defined(VELNLS_AVX512_KERNELS)
 
 #include "convert/kernels/avx512_lanes.hpp"
-#include "convert/kernels/fast_walk.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "convert/kernels/table_entries.hpp"
+#include "locale/pair_masks.hpp"
 
 namespace velnls::avx512 {
 
@@ -42,7 +42,7 @@ void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
         }
         const std::uint64_t leads = atLeast(block, group.firstLead) & atMost(block, group.lastLead) &
                                     (atMost(block, group.leadGapLow) | atLeast(block, group.leadGapHigh));
-        const std::uint64_t trails = trailsBehind(leads) & lowBits(size);
+        const std::uint64_t trails = pairTrails(leads) & lowBits(size);
         // A single byte beyond ASCII, or a pair that the block or the source cuts, ends the stretch.
         const std::uint64_t odd =
             (notAscii & ~leads & ~trails) | (leads & ~trails & std::uint64_t{1} << (size - 1));

@@ -1,9 +1,8 @@
-// What the fast kernels ask of a block of 64 bytes, as bit masks: bit i speaks of byte i.
+// What the baseline's kernels ask of a block of 64 bytes, as bit masks: bit i speaks of byte i.
 //
-// The kernels are written once over these masks and compiled once per instruction set; this header alone
-// knows the vectors. Everything is in an unnamed namespace, so that no function compiled for one set can
-// stand in for its twin in another. Without vectors kHasVectors is false and the kernels keep to their scalar
-// loops.
+// This header alone knows the vectors. Without them kHasVectors is false and the kernels keep to their scalar
+// loops. Everything is in an unnamed namespace: kernels for other instruction sets take some of it in too,
+// and no function compiled for one set may stand in for its twin in another.
 #pragma once
 
 #include "core/unaligned.hpp"
@@ -18,78 +17,37 @@
 namespace velnls {
 namespace {
 
-#if defined(__AVX2__)
-
-inline constexpr bool kHasVectors = true;
-inline constexpr int kVectorBytes = 32;
-
-struct Vector {
-    __m256i bytes;
-};
-
-inline Vector loadVector(const std::uint8_t *at) {
-    return {_mm256_loadu_si256(reinterpret_cast<const __m256i *>(at))};
-}
-inline std::uint64_t notAscii(Vector vector) {
-    return static_cast<std::uint32_t>(_mm256_movemask_epi8(vector.bytes));
-}
-inline std::uint64_t atLeast(Vector vector, std::uint8_t value) {
-    const __m256i least = _mm256_set1_epi8(static_cast<char>(value));
-    const __m256i hit = _mm256_cmpeq_epi8(_mm256_max_epu8(vector.bytes, least), vector.bytes);
-    return static_cast<std::uint32_t>(_mm256_movemask_epi8(hit));
-}
-
-#elif defined(__SSE2__)
-
-inline constexpr bool kHasVectors = true;
-inline constexpr int kVectorBytes = 16;
-
-struct Vector {
-    __m128i bytes;
-};
-
-inline Vector loadVector(const std::uint8_t *at) {
-    return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(at))};
-}
-inline std::uint64_t notAscii(Vector vector) {
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(vector.bytes));
-}
-inline std::uint64_t atLeast(Vector vector, std::uint8_t value) {
-    const __m128i least = _mm_set1_epi8(static_cast<char>(value));
-    const __m128i hit = _mm_cmpeq_epi8(_mm_max_epu8(vector.bytes, least), vector.bytes);
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(hit));
-}
-
-#else
-
-inline constexpr bool kHasVectors = false;
-
-#endif
-
 #if defined(__SSE2__)
+
+inline constexpr bool kHasVectors = true;
 
 template <int Width, typename Test>
 [[gnu::always_inline]] inline std::uint64_t maskOf(const std::uint8_t *at, Test test) {
-    static_assert(Width % kVectorBytes == 0);
     std::uint64_t mask = 0;
-    for (int i = 0; i < Width / kVectorBytes; ++i)
-        mask |= test(loadVector(at + i * kVectorBytes)) << (i * kVectorBytes);
+    for (int i = 0; i < Width; i += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at + i));
+        mask |= std::uint64_t{static_cast<std::uint32_t>(_mm_movemask_epi8(test(bytes)))} << i;
+    }
     return mask;
 }
 
 // The bytes from 80 up.
 template <int Width>
 [[gnu::always_inline]] inline std::uint64_t notAsciiMask(const std::uint8_t *at) {
-    return maskOf<Width>(at, [](Vector vector) { return notAscii(vector); });
+    return maskOf<Width>(at, [](__m128i bytes) { return bytes; });
 }
 
 // The bytes of that value and above, unsigned.
 template <int Width>
 [[gnu::always_inline]] inline std::uint64_t atLeastMask(const std::uint8_t *at, std::uint8_t value) {
-    return maskOf<Width>(at, [value](Vector vector) { return atLeast(vector, value); });
+    const __m128i least = _mm_set1_epi8(static_cast<char>(value));
+    return maskOf<Width>(
+        at, [least](__m128i bytes) { return _mm_cmpeq_epi8(_mm_max_epu8(bytes, least), bytes); });
 }
 
 #else
+
+inline constexpr bool kHasVectors = false;
 
 template <int Width>
 inline std::uint64_t atLeastMask(const std::uint8_t *at, std::uint8_t value) {

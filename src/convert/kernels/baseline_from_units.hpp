@@ -3,7 +3,7 @@
 // Stops at a surrogate, at a value above U+FFFF and before half a unit; the plain way takes those.
 #pragma once
 
-#include "convert/kernels/fast_sinks.hpp"
+#include "convert/kernels/baseline_sinks.hpp"
 #include "convert/kernels/kernels.hpp"
 
 namespace velnls {

@@ -5,7 +5,7 @@
 // end of the source; the plain way takes that one.
 #pragma once
 
-#include "convert/kernels/fast_walk.hpp"
+#include "convert/kernels/baseline_walk.hpp"
 #include "convert/kernels/kernels.hpp"
 
 namespace velnls {

@@ -4,7 +4,7 @@
 // walks give the position of the first character not taken, up to 64.
 #pragma once
 
-#include "convert/kernels/fast_vector.hpp"
+#include "convert/kernels/baseline_vector.hpp"
 
 namespace velnls {
 namespace {
@@ -75,17 +75,6 @@ template <std::uint64_t Inside, typename Sink, typename Take>
     for (int i = 0; i < 6; ++i)
         leads &= leads - 1;
     return leads == 0;
-}
-
-// Which bytes stand behind a lead byte as its trail, when `leads` marks every byte of a lead's value, and
-// `carried` is 1 when the block's first byte is a trail (it is not marked then): in a run of such bytes every
-// second one is a trail. One addition per block finds the runs that begin at odd places.
-[[gnu::always_inline]] inline std::uint64_t trailsBehind(std::uint64_t leads, std::uint64_t carried = 0) {
-    constexpr std::uint64_t kEven = 0x5555555555555555;
-    const std::uint64_t follows = leads << 1 | carried;
-    const std::uint64_t oddRunStarts = leads & ~kEven & ~follows;
-    const std::uint64_t runsFromEven = (oddRunStarts + leads) << 1;
-    return (kEven ^ runsFromEven) & follows;
 }
 
 } // namespace

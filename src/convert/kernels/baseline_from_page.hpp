@@ -3,7 +3,7 @@
 // Stops at the first character that has no value there; the plain way takes that one.
 #pragma once
 
-#include "convert/kernels/fast_walk.hpp"
+#include "convert/kernels/baseline_walk.hpp"
 #include "convert/kernels/kernels.hpp"
 #include "convert/kernels/proofs.hpp"
 

@@ -6,7 +6,7 @@
 // needs the plain way, with nothing written.
 #pragma once
 
-#include "convert/kernels/fast_vector.hpp"
+#include "convert/kernels/baseline_vector.hpp"
 #include "convert/kernels/proofs.hpp"
 
 namespace velnls {
