@@ -89,16 +89,18 @@ private:
     }
 };
 
-// Sinks: kAsciiRoom for 64 ASCII characters, kBlockRoom for 64 bytes of any kind, kRoom for 16 characters;
-// putAscii writes the `count` low bytes; put writes lanes, of the kind that Lanes makes, and gives those that
-// it refuses, having written the ones before the first of them.
+// Sinks: asciiRoom(count) for that many ASCII characters, kBlockRoom for 64 bytes of any kind, kRoom for 16
+// characters; putAscii writes the `count` low bytes; put writes lanes, of the kind that Lanes makes, and
+// gives those that it refuses, having written the ones before the first of them.
 struct PageSink {
-    static constexpr std::ptrdiff_t kAsciiRoom = 64;
     static constexpr std::ptrdiff_t kBlockRoom = 64 + 64;
     static constexpr std::ptrdiff_t kRoom = 32;
+    static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
+        return count;
+    }
 
     [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
-        _mm512_storeu_si512(target.at, block);
+        store(target, block, count);
         target.at += count;
     }
 };
@@ -168,7 +170,7 @@ template <typename Sink>
         const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), at);
         const std::uint64_t notAscii = _mm512_movepi8_mask(block);
         if (notAscii == 0) {
-            if (target.end - target.at < Sink::kAsciiRoom)
+            if (target.end - target.at < Sink::asciiRoom(size))
                 break;
             sink.putAscii(block, size, target);
             at += size;

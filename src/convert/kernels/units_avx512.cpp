@@ -13,13 +13,22 @@ namespace {
 
 struct Utf16Sink {
     using Lanes = NarrowLanes;
-    static constexpr std::ptrdiff_t kAsciiRoom = 128;
     static constexpr std::ptrdiff_t kBlockRoom = 128 + 32;
     static constexpr std::ptrdiff_t kRoom = 32;
-
+    static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
+        return std::ptrdiff_t{count} * 2;
+    }
     [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
-        _mm512_storeu_si512(target.at, _mm512_cvtepu8_epi16(_mm512_castsi512_si256(block)));
-        _mm512_storeu_si512(target.at + 64, _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(block, 1)));
+        const Vector low = _mm512_cvtepu8_epi16(_mm512_castsi512_si256(block));
+        const Vector high = _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(block, 1));
+        if (target.room() >= 128) [[likely]] {
+            _mm512_storeu_si512(target.at, low);
+            _mm512_storeu_si512(target.at + 64, high);
+        } else {
+            const std::uint64_t lanes = lowBits(count);
+            _mm512_mask_storeu_epi16(target.at, static_cast<__mmask32>(lanes), low);
+            _mm512_mask_storeu_epi16(target.at + 64, static_cast<__mmask32>(lanes >> 32), high);
+        }
         target.at += std::ptrdiff_t{count} * 2;
     }
     [[gnu::always_inline]] static __mmask16 put(__m256i values, __mmask16 lanes, Target &target) {
@@ -31,15 +40,19 @@ struct Utf16Sink {
 
 struct Utf32Sink {
     using Lanes = WideLanes;
-    static constexpr std::ptrdiff_t kAsciiRoom = 256;
     static constexpr std::ptrdiff_t kBlockRoom = 256 + 64;
     static constexpr std::ptrdiff_t kRoom = 64;
+    static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
+        return count > 32 ? 256 : 128;
+    }
 
     [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
         _mm512_storeu_si512(target.at, _mm512_cvtepu8_epi32(_mm512_castsi512_si128(block)));
         _mm512_storeu_si512(target.at + 64, _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(block, 1)));
-        _mm512_storeu_si512(target.at + 128, _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(block, 2)));
-        _mm512_storeu_si512(target.at + 192, _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(block, 3)));
+        if (count > 32) {
+            _mm512_storeu_si512(target.at + 128, _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(block, 2)));
+            _mm512_storeu_si512(target.at + 192, _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(block, 3)));
+        }
         target.at += std::ptrdiff_t{count} * 4;
     }
     [[gnu::always_inline]] static __mmask16 put(Vector values, __mmask16 lanes, Target &target) {
