@@ -8,6 +8,7 @@
 #include "core/instruction_sets.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 namespace velnls {
 
@@ -39,6 +40,13 @@ enum Kernel : std::uint32_t {
 const MappingBody &mappingOf(const void *converter) {
     return *static_cast<const MappingBody *>(converter);
 }
+
+std::uint32_t widthOf(std::uint32_t way) {
+    return way >> kWidthShift & kWidthMask;
+}
+
+// More than any kernel asks for to go on.
+constexpr std::ptrdiff_t kTightRoom = 512;
 
 struct WideVectors {
     [[gnu::always_inline]] static void mapBytes(const std::uint8_t *map, Source &source, Target &target) {
@@ -76,21 +84,27 @@ struct ByteShuffles {
     static constexpr auto utf32ToUtf16 = avx2::utf32ToUtf16;
 };
 
-// False where the way does not take all of the text: bytes of the destination may have changed then, which
-// the general way writes anew.
+enum class Said {
+    Done,
+    NoRoom, // for what the kernel stores, though there may be for the text
+    Not
+};
+
+// Where the way does not take all of the text, bytes of the destination may have changed, which the general
+// way writes anew.
 template <typename Set>
-[[gnu::always_inline]] inline bool converts(std::uint32_t way, const void *converter, const nlsStr &from,
-                                            nlsStr &to) {
+[[gnu::always_inline]] inline Said convertBy(std::uint32_t way, const void *converter, const nlsStr &from,
+                                             nlsStr &to) {
     auto *const begin = reinterpret_cast<std::uint8_t *>(to.buffer);
     const auto *const text = reinterpret_cast<const std::uint8_t *>(from.buffer);
     Source source{text, text + from.length};
     Target target{begin, begin + std::max(static_cast<std::int32_t>(to.size), 0)};
     if (!areApart(source, target))
-        return false;
+        return Said::Not;
     switch (way & kKernel) {
     case kBytes:
         if (target.room() < source.left())
-            return false;
+            return Said::Not;
         Set::mapBytes(static_cast<const std::uint8_t *>(converter), source, target);
         break;
     case kRowToUtf8:
@@ -130,15 +144,15 @@ template <typename Set>
         Set::utf32ToUtf16(source, target);
         break;
     default:
-        return false;
+        return Said::Not;
     }
-    const std::uint32_t width = way >> kWidthShift & kWidthMask;
+    const std::uint32_t width = widthOf(way);
     if (source.at != source.end || target.room() < static_cast<std::ptrdiff_t>(width))
-        return false;
+        return target.room() < kTightRoom ? Said::NoRoom : Said::Not;
     to.length = static_cast<std::uint32_t>(target.at - begin);
     for (std::uint32_t i = 0; i < width; ++i)
         target.at[i] = 0;
-    return true;
+    return Said::Done;
 }
 
 Kernel kernelFor(const void *converter) {
@@ -191,15 +205,33 @@ std::uint32_t wayAtOnce(const void *converter) {
     return kernel | terminatorWidth(converter) << kWidthShift | (isWide ? kOfWideVectors : 0);
 }
 
+namespace {
+
+// By a buffer that has room for all that a text of kMostAtOnce bytes may become. What fits the destination is
+// the same there.
+[[gnu::noinline]] nlsStatus convertThroughBuffer(std::uint32_t way, const void *converter,
+                                                 const nlsStr &source, nlsStr &destination) {
+    char buffer[kMostAtOnce * 4 + kTightRoom];
+    nlsStr made{buffer, sizeof buffer, 0};
+    const nlsStatus status = convertAtOnce(way, converter, source, nullptr, made);
+    if (static_cast<std::int32_t>(made.length + widthOf(way)) > static_cast<std::int32_t>(destination.size))
+        return convertText(converter, source, nullptr, destination);
+    std::memcpy(destination.buffer, buffer, made.length + widthOf(way));
+    destination.length = made.length;
+    return status;
+}
+
+} // namespace
+
 nlsStatus convertAtOnce(std::uint32_t way, const void *converter, const nlsStr &source, nlsStr *intermediate,
                         nlsStr &destination) {
-    if ((way & kOfWideVectors) != 0) [[likely]] {
-        if (converts<WideVectors>(way, converter, source, destination)) [[likely]]
-            return NLS_OK;
-    } else if (converts<ByteShuffles>(way, converter, source, destination)) {
+    const Said said = (way & kOfWideVectors) != 0
+                          ? convertBy<WideVectors>(way, converter, source, destination)
+                          : convertBy<ByteShuffles>(way, converter, source, destination);
+    if (said == Said::Done) [[likely]]
         return NLS_OK;
-    }
-    return convertText(converter, source, intermediate, destination);
+    return said == Said::NoRoom ? convertThroughBuffer(way, converter, source, destination)
+                                : convertText(converter, source, intermediate, destination);
 }
 
 } // namespace velnls

@@ -6,25 +6,8 @@
 namespace velnls::avx512 {
 namespace {
 
-// For each of 16 positions four bytes that count on from it. `positions` holds bytes; those from `group`
-// times 16 on are meant.
-[[gnu::always_inline]] inline Vector fourPlaces(Vector positions, int group) {
-    const Vector spread = _mm512_set_epi32(
-        0x0F0F0F0F, 0x0E0E0E0E, 0x0D0D0D0D, 0x0C0C0C0C, 0x0B0B0B0B, 0x0A0A0A0A, 0x09090909, 0x08080808,
-        0x07070707, 0x06060606, 0x05050505, 0x04040404, 0x03030303, 0x02020202, 0x01010101, 0x00000000);
-    const Vector which = _mm512_add_epi8(spread, bytesOf(static_cast<unsigned>(group) * 16));
-    return _mm512_add_epi8(_mm512_permutexvar_epi8(which, positions), numbersOf(0x03020100));
-}
-// The bytes at those places, as numbers. Places behind the block lie in the next one; without one they are
-// taken from the block's begin, and no character looks at them.
-[[gnu::always_inline]] inline Vector gatherBytes(Vector block, Vector positions, int group) {
-    return _mm512_permutexvar_epi8(fourPlaces(positions, group), block);
-}
-[[gnu::always_inline]] inline Vector gatherBytes(Vector block, Vector next, Vector positions, int group) {
-    return _mm512_permutex2var_epi8(block, fourPlaces(positions, group), next);
-}
-
-// For each of the positions the one itself and the next.
+// For each of 16 positions the one itself and the next. `positions` holds bytes; those from `group` times 16
+// on are meant.
 [[gnu::always_inline]] inline Vector twoPlaces(Vector positions, int group) {
     const Vector spread = _mm512_castsi256_si512(
         _mm256_set_epi16(0x0F0F, 0x0E0E, 0x0D0D, 0x0C0C, 0x0B0B, 0x0A0A, 0x0909, 0x0808, 0x0707, 0x0606,
@@ -33,33 +16,9 @@ namespace {
     return _mm512_add_epi8(_mm512_permutexvar_epi8(which, positions), numbersOf(0x01000100));
 }
 
-// Well-formed characters of one to three bytes, of 16 positions: their values as numbers of 32 bits.
-struct WideLanes {
-    [[gnu::always_inline]] static Vector of(Vector block, Vector positions, int group) {
-        return values(gatherBytes(block, positions, group));
-    }
-    [[gnu::always_inline]] static Vector of(Vector block, Vector next, Vector positions, int group) {
-        return values(gatherBytes(block, next, positions, group));
-    }
-
-private:
-    // Of their bytes, the first one lowest.
-    [[gnu::always_inline]] static Vector values(Vector bytes) {
-        const Vector six = numbersOf(0x3F);
-        const __mmask16 isAscii = _mm512_testn_epi32_mask(bytes, numbersOf(0x80));
-        const __mmask16 isThree =
-            _mm512_cmpeq_epi32_mask(_mm512_and_si512(bytes, numbersOf(0xE0)), numbersOf(0xE0));
-        const Vector second = _mm512_and_si512(_mm512_srli_epi32(bytes, 8), six);
-        Vector values =
-            _mm512_or_si512(_mm512_slli_epi32(_mm512_and_si512(bytes, numbersOf(0x1F)), 6), second);
-        const Vector third = _mm512_and_si512(_mm512_srli_epi32(bytes, 16), six);
-        values = _mm512_mask_or_epi32(values, isThree, _mm512_slli_epi32(values, 6), third);
-        return _mm512_mask_and_epi32(values, isAscii, bytes, numbersOf(0x7F));
-    }
-};
-
-// The same as units of 16 bits: half the work.
-struct NarrowLanes {
+// Well-formed characters of one to three bytes, of 16 positions, as units of 16 bits.
+struct Utf8Units {
+    // Of a block alone: places behind it are taken from its begin, and no character looks at them.
     [[gnu::always_inline]] static __m256i of(Vector block, Vector positions, int group) {
         const Vector places = twoPlaces(positions, group);
         return values(_mm512_permutexvar_epi8(places, block),
@@ -90,8 +49,9 @@ private:
 };
 
 // Sinks: asciiRoom(count) for that many ASCII characters, kBlockRoom for 64 bytes of any kind, kRoom for 16
-// characters; putAscii writes the `count` low bytes; put writes lanes, of the kind that Lanes makes, and
-// gives those that it refuses, having written the ones before the first of them.
+// characters; putAscii writes the `count` low bytes; put writes lanes and gives those that it refuses, having
+// written the ones before the first of them. kTakesBlocks: long texts are worth the code of a way of their
+// own.
 struct PageSink {
     static constexpr std::ptrdiff_t kBlockRoom = 64 + 64;
     static constexpr std::ptrdiff_t kRoom = 32;
@@ -139,7 +99,7 @@ template <typename Sink>
         int group = 0;
         for (std::uint32_t left = count; left != 0; ++group) {
             const std::uint32_t taken = left < 16 ? left : 16;
-            const auto values = Sink::Lanes::of(block, next, positions, group);
+            const auto values = Utf8Units::of(block, next, positions, group);
             refused = sink.put(values, static_cast<__mmask16>(lowBits(taken)), target);
             if (refused != 0)
                 break;
@@ -159,8 +119,10 @@ template <typename Sink>
 
 template <typename Sink>
 [[gnu::always_inline]] inline void fromUtf8(const Sink &sink, Source &source, Target &out) {
-    if (source.end - source.at >= 128)
-        utf8Blocks(sink, source, out);
+    if constexpr (Sink::kTakesBlocks) {
+        if (source.end - source.at >= 128)
+            utf8Blocks(sink, source, out);
+    }
     const std::uint8_t *at = source.at;
     Target target = out;
     const Vector counting = countingBytes();
@@ -211,7 +173,7 @@ template <typename Sink>
             }
             const std::uint32_t taken = count < 16 ? count : 16;
             const auto lanes = static_cast<__mmask16>(lowBits(taken));
-            const auto values = Sink::Lanes::of(block, positions, group);
+            const auto values = Utf8Units::of(block, positions, group);
             const std::uint32_t refused = sink.put(values, lanes, target);
             if (refused != 0) {
                 stopped = true;

@@ -12,7 +12,7 @@ namespace velnls::avx512 {
 namespace {
 
 struct Utf16Sink {
-    using Lanes = NarrowLanes;
+    static constexpr bool kTakesBlocks = true;
     static constexpr std::ptrdiff_t kBlockRoom = 128 + 32;
     static constexpr std::ptrdiff_t kRoom = 32;
     static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
@@ -39,7 +39,7 @@ struct Utf16Sink {
 };
 
 struct Utf32Sink {
-    using Lanes = WideLanes;
+    static constexpr bool kTakesBlocks = true;
     static constexpr std::ptrdiff_t kBlockRoom = 256 + 64;
     static constexpr std::ptrdiff_t kRoom = 64;
     static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
@@ -55,8 +55,8 @@ struct Utf32Sink {
         }
         target.at += std::ptrdiff_t{count} * 4;
     }
-    [[gnu::always_inline]] static __mmask16 put(Vector values, __mmask16 lanes, Target &target) {
-        _mm512_storeu_si512(target.at, values);
+    [[gnu::always_inline]] static __mmask16 put(__m256i values, __mmask16 lanes, Target &target) {
+        _mm512_storeu_si512(target.at, _mm512_cvtepu16_epi32(values));
         target.at += std::ptrdiff_t{countBits(lanes)} * 4;
         return 0;
     }

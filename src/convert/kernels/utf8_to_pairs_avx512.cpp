@@ -20,8 +20,7 @@ namespace {
 }
 
 struct PairSink : PageSink {
-    using Lanes = NarrowLanes;
-
+    static constexpr bool kTakesBlocks = true;
     const MappingFacts &facts;
     const MappingBody &body;
     const std::uint16_t *window;

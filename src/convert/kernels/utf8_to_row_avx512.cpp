@@ -17,13 +17,13 @@ namespace {
 // The windows of single-byte pages are small: they fit registers, where looking up costs a fraction of
 // loading each entry.
 struct ByteRowSink : PageSink {
-    using Lanes = WideLanes;
+    static constexpr bool kTakesBlocks = false; // a script of one alphabet does not come here
     static constexpr std::uint32_t kParts = 8;
     static constexpr std::uint32_t kRegisterSpan = kParts * 32; // indexes
 
-    Vector lowest;
-    Vector span;
-    Vector base;
+    __m256i lowest;
+    __m256i span;
+    __m256i base;
     Vector part[kParts];
 
     static bool fits(const MappingBody &body) {
@@ -32,9 +32,9 @@ struct ByteRowSink : PageSink {
     }
     // The body's window fits.
     explicit ByteRowSink(const MappingBody &body)
-        : lowest(numbersOf(body.groups[2].lowest)),
-          span(numbersOf(body.groups[2].highest - body.groups[2].lowest + 1)),
-          base(numbersOf(body.groups[2].firstTrail - 1u)) {
+        : lowest(unitsOf(body.groups[2].lowest)),
+          span(unitsOf(body.groups[2].highest - body.groups[2].lowest + 1)),
+          base(unitsOf(body.groups[2].firstTrail - 1u)) {
         const std::ptrdiff_t count = body.groups[2].highest - body.groups[2].lowest + 1;
         for (std::uint32_t i = 0; i < kParts; ++i) {
             const std::ptrdiff_t left = count - static_cast<std::ptrdiff_t>(32 * i);
@@ -44,25 +44,25 @@ struct ByteRowSink : PageSink {
         }
     }
     // The entries at places below kRegisterSpan.
-    [[gnu::always_inline]] Vector entries(Vector places) const {
-        const __mmask16 second = _mm512_test_epi32_mask(places, numbersOf(0x40));
-        const __mmask16 third = _mm512_test_epi32_mask(places, numbersOf(0x80));
-        const Vector low = _mm512_mask_mov_epi32(_mm512_permutex2var_epi16(part[0], places, part[1]), second,
+    [[gnu::always_inline]] __m256i entries(__m256i sixteen) const {
+        const Vector places = _mm512_castsi256_si512(sixteen);
+        const __mmask32 second = _mm512_test_epi16_mask(places, _mm512_set1_epi16(0x40));
+        const __mmask32 third = _mm512_test_epi16_mask(places, _mm512_set1_epi16(0x80));
+        const Vector low = _mm512_mask_mov_epi16(_mm512_permutex2var_epi16(part[0], places, part[1]), second,
                                                  _mm512_permutex2var_epi16(part[2], places, part[3]));
-        const Vector high = _mm512_mask_mov_epi32(_mm512_permutex2var_epi16(part[4], places, part[5]), second,
+        const Vector high = _mm512_mask_mov_epi16(_mm512_permutex2var_epi16(part[4], places, part[5]), second,
                                                   _mm512_permutex2var_epi16(part[6], places, part[7]));
-        return _mm512_and_si512(_mm512_mask_mov_epi32(low, third, high), numbersOf(0xFFFF));
+        return _mm512_castsi512_si256(_mm512_mask_mov_epi16(low, third, high));
     }
-    [[gnu::always_inline]] __mmask16 put(Vector values, __mmask16 lanes, Target &target) const {
-        const __mmask16 beyondAscii = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x80));
-        const Vector places = _mm512_sub_epi32(values, lowest);
-        const __mmask16 inside = _mm512_mask_cmplt_epu32_mask(beyondAscii, places, span);
-        const Vector found = _mm512_mask_mov_epi32(numbersOf(file::kUnmapped), inside, entries(places));
-        const __mmask16 refused =
-            _mm512_mask_cmpeq_epi32_mask(beyondAscii, found, numbersOf(file::kUnmapped));
+    [[gnu::always_inline]] __mmask16 put(__m256i values, __mmask16 lanes, Target &target) const {
+        const __mmask16 beyondAscii = _mm256_mask_cmpge_epu16_mask(lanes, values, unitsOf(0x80));
+        const __m256i places = _mm256_sub_epi16(values, lowest);
+        const __mmask16 inside = _mm256_mask_cmplt_epu16_mask(beyondAscii, places, span);
+        const __m256i found = _mm256_mask_mov_epi16(unitsOf(file::kUnmapped), inside, entries(places));
+        const __mmask16 refused = _mm256_mask_cmpeq_epi16_mask(beyondAscii, found, unitsOf(file::kUnmapped));
         const __mmask16 good = lanesBefore(lanes, refused);
-        const Vector bytes = _mm512_mask_add_epi32(values, beyondAscii, found, base);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(target.at), _mm512_cvtepi32_epi8(bytes));
+        const __m256i bytes = _mm256_mask_add_epi16(values, beyondAscii, found, base);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(target.at), _mm256_cvtepi16_epi8(bytes));
         target.at += countBits(good);
         return refused;
     }
