@@ -3,6 +3,7 @@
 // outside.
 #include "convert/kernels/fast.hpp"
 #include "convert/kernels/kernels.hpp"
+#include "convert/kernels/mapping_lookup.hpp"
 #include "convert/kernels/unicode_units.hpp"
 #include "core/instruction_sets.hpp"
 #include "table_source.hpp"
@@ -277,6 +278,25 @@ TEST_P(PageKernels, FromUtf8EveryValue) {
         const Kernel fast = [&](Source &s, Target &t) { return fast::utf8ToPage(*body, proofs, s, t); };
         ASSERT_EQ(run(plain, text, text.size()), run(fast, text, text.size())) << first;
     }
+}
+
+// Long enough for the tables that pay late, and no room behind what the bytes without a value become.
+TEST_P(PageKernels, ToUtf8BytesWithoutAValueAtTheTargetsEnd) {
+    const MappingBody *const body = this->body();
+    ASSERT_NE(nullptr, body);
+    const std::uint32_t proofs = this->proofs();
+    if (!fast::canMap(proofs))
+        GTEST_SKIP() << "the plain way runs";
+    constexpr std::size_t kBefore = 2048;
+    Bytes text(kBefore, 'a');
+    for (unsigned byte = 0x80; byte < 0x100 && text.size() == kBefore; ++byte)
+        if (body->charTable->trailCount(static_cast<std::uint8_t>(byte)) == 0 &&
+            unicodeOfCode(*body, static_cast<std::uint16_t>(byte)) == kNone)
+            text.insert(text.end(), 32, static_cast<std::uint8_t>(byte));
+    const Kernel plain = [&](Source &s, Target &t) { return pageToUtf8(*body, s, t); };
+    const Kernel fast = [&](Source &s, Target &t) { return fast::pageToUtf8(*body, proofs, s, t); };
+    for (std::size_t capacity = kBefore; capacity < kBefore + 100; ++capacity)
+        ASSERT_EQ(run(plain, text, capacity), run(fast, text, capacity)) << capacity;
 }
 
 TEST_P(PageKernels, ToUtf8EveryPair) {

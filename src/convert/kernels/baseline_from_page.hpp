@@ -88,7 +88,7 @@ public:
                                         const std::uint8_t *outEnd) const {
         const std::uint8_t *at = source.at;
         std::uint8_t *to = out;
-        while (source.end - at >= 16 && outEnd - to >= 16 * 3 + 4) {
+        while (source.end - at >= 16 && outEnd - to >= kRoom) {
             if (asciiPrefix16(at) == 16) {
                 copyBytes<16>(to, at);
                 at += 16;
@@ -114,9 +114,10 @@ public:
     }
 
 private:
-    // Above the three bytes; lengths are 1 to 3, so the top bit is free.
+    // Above the three bytes; lengths are 1 to 3, so the top bit is free: read as a length, it makes four.
     static constexpr int kLengthShift = 29;
     static constexpr std::uint32_t kHard = 0x80000000;
+    static constexpr std::ptrdiff_t kRoom = 16 * 4; // for blocks of bytes without a value too
 
     static std::uint32_t entryOf(std::uint32_t value) {
         const std::uint32_t last = (value & 0x3F) | 0x80;
