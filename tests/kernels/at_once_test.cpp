@@ -162,6 +162,30 @@ TEST(AtOnce, NothingOfWhatStandsBehindTheTextGetsIntoTheDestination) {
     }
 }
 
+TEST(AtOnce, NothingOfWhatStandsBehindATextOfMostlyAsciiGetsIntoTheDestination) {
+    for (const Pair &pair : kPairs) {
+        const void *const converter = converterOf(pair.from, pair.to);
+        const std::uint32_t way = wayAtOnce(converter);
+        if (way == 0)
+            GTEST_SKIP() << "the processor has no such kernels";
+        if (std::string_view(pair.from) != "UTF-8")
+            continue;
+        SCOPED_TRACE(std::string(pair.from) + ' ' + pair.to);
+        for (std::size_t length = 0; length < 100; ++length) {
+            const std::string text = std::string(length, 'a') + "\xC2\xA7" + std::string(length % 20, 'b');
+            const auto convertBefore = [&](char behind) {
+                std::string from = text + '\0' + std::string(128, behind);
+                std::string to(2048, '\xEE');
+                const nlsStr source{from.data(), 0, static_cast<std::uint32_t>(text.size())};
+                nlsStr target{to.data(), 2048, 0};
+                convertAtOnce(way, converter, source, nullptr, target);
+                return to;
+            };
+            ASSERT_TRUE(convertBefore('x') == convertBefore('\xE3')) << "length " << length;
+        }
+    }
+}
+
 TEST(AtOnce, ADestinationBeyondTheSignedRangeHasNoRoom) {
     const void *const converter = converterOf("1252", "UTF-8");
     const std::uint32_t way = wayAtOnce(converter);

@@ -57,10 +57,11 @@ private:
         if (target.room() < static_cast<std::ptrdiff_t>(characters.length) + kPiece)
             return 0;
         std::uint32_t from = 0;
-        const auto copyTo = [text, &from, &target](std::uint32_t end) {
+        const auto copyTo = [text, &from, &target, &characters](std::uint32_t end) {
             for (; from < end; from += kPiece) {
                 const auto piece = loadNumber<__m128i>(text + from);
-                storeNumber(target.at, piece);
+                // Pieces reach behind the text; nothing of what stands there gets into the target.
+                storeNumber(target.at, _mm_and_si128(piece, lowHalf(firstBytes(characters.length - from))));
                 target.at += smaller(static_cast<std::ptrdiff_t>(end - from), kPiece);
             }
             from = end;
