@@ -57,14 +57,18 @@ private:
         if (target.room() < static_cast<std::ptrdiff_t>(characters.length) + kPiece)
             return 0;
         std::uint32_t from = 0;
-        const auto copyTo = [text, &from, &target, &characters](std::uint32_t end) {
+        const auto copyTo = [text, &from, &target](std::uint32_t end) {
             for (; from < end; from += kPiece) {
                 const auto piece = loadNumber<__m128i>(text + from);
-                // Pieces reach behind the text; nothing of what stands there gets into the target.
-                storeNumber(target.at, _mm_and_si128(piece, lowHalf(firstBytes(characters.length - from))));
+                storeNumber(target.at, piece);
                 target.at += smaller(static_cast<std::ptrdiff_t>(end - from), kPiece);
             }
             from = end;
+        };
+        // Pieces reach behind the text; nothing of what stands there stays in the target.
+        const auto endAt = [&target](std::uint32_t length) {
+            storeNumber(target.at, _mm_setzero_si128());
+            return length;
         };
         for (std::uint64_t leads = characters.starts & notAscii; leads != 0; leads &= leads - 1) {
             copyTo(firstBitOr64(leads));
@@ -73,11 +77,11 @@ private:
             const std::uint32_t two = (word & 0x1F) << 6 | (word >> 8 & 0x3F);
             const std::uint32_t value = isThree ? (two << 6 | (word >> 16 & 0x3F)) & 0xFFFF : two;
             if (!putScalar(value, target))
-                return from;
+                return endAt(from);
             from += isThree ? 3 : 2;
         }
         copyTo(characters.length);
-        return characters.length;
+        return endAt(characters.length);
     }
     // A value beyond ASCII.
     [[gnu::always_inline]] bool putScalar(std::uint32_t value, Target &target) const {
