@@ -1,5 +1,5 @@
 // Short texts in one go: where one kernel takes all of a text, nothing else has to be looked at. For
-// processors with AVX-512.
+// processors with AVX2 or AVX-512.
 #pragma once
 
 #include "convert/converter.hpp"

@@ -1,4 +1,5 @@
-// The block kernels for processors with AVX2: what the ones for AVX-512 do, eight characters at a time.
+// The block kernels for processors with AVX2: what the ones for AVX-512 do, sixteen characters at a time
+// through units of 16 bits, eight through wider ones.
 //
 // Each goes as far as whole blocks of characters are provably what the plain kernel would make of them and
 // find room, and leaves the positions there; the caller goes on. Text is read up to the end of its page of

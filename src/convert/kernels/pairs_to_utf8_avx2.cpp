@@ -104,9 +104,9 @@ private:
         const __m128i inGap = _mm_and_si128(behind, _mm_cmpgt_epi16(trailGapHigh_, trail));
         const __m128i column =
             _mm_sub_epi16(_mm_sub_epi16(trail, firstTrail_), _mm_and_si128(behind, trailShift_));
-        const __m128i within =
-            _mm_cmpeq_epi16(_mm_subs_epu16(trailsPerLead_, column), _mm_setzero_si128()); // at least
-        const __m128i inside = _mm_andnot_si128(_mm_or_si128(within, inGap), pairs);
+        const __m128i beyond = // at least trailsPerLead
+            _mm_cmpeq_epi16(_mm_subs_epu16(trailsPerLead_, column), _mm_setzero_si128());
+        const __m128i inside = _mm_andnot_si128(_mm_or_si128(beyond, inGap), pairs);
         const __m128i place = _mm_add_epi16(_mm_mullo_epi16(row, trailsPerLead_), column);
         const __m128i entries = entriesAt(values_, _mm_and_si128(place, inside));
         const __m128i found = _mm_or_si128(entries, _mm_andnot_si128(inside, pairs));
