@@ -18,13 +18,13 @@ namespace {
 
 // The steps of a conversion by kernels, for any kind: `body` is null where there are no tables.
 using Blocks = void (*)(const MappingBody *body, Source &, Target &);
-using Plain = nlsStatus (*)(const MappingBody *body, Source &, Target &);
-using Window = std::ptrdiff_t (*)(const MappingBody *body, const Source &);
+using Rest = nlsStatus (*)(const MappingBody *body, Source &, Target &);
+using Window = std::ptrdiff_t (*)(const MappingBody *body, const Source &, std::ptrdiff_t wanted);
 
 struct Steps {
     Blocks blocks;
-    Plain plain;             // what the blocks stop at
-    Window window;           // how many bytes that is
+    Rest rest;     // for what the blocks stop at: complete conversions
+    Window window; // how many bytes to hand over: whole characters, of what is wanted or a little more
     std::ptrdiff_t unit = 1; // bytes without which there is no character
     bool (*ends)(nlsStatus) = endsUnits;
 };
@@ -55,28 +55,26 @@ void intoTightRoom(Blocks blocks, const MappingBody *body, Source &source, Targe
     }
 }
 
-// The blocks alone finish most texts. Where they stop again and again, as in a script that the page does not
-// have, starting them costs more than the characters: the plain kernel gets twice as many each time.
-constexpr std::ptrdiff_t kFew = 32;  // bytes that blocks have to take to be worth their start
-constexpr int kMostCharacters = 128; // that the plain kernel gets at once
+// Much of what blocks do up to a character that they refuse is in vain: they have read ahead. Of text in
+// which they hardly get on, the kernels that take one character after the other get twice as much each time.
+constexpr std::ptrdiff_t kWorthBlocks = 32; // source bytes between two refusals
+constexpr std::ptrdiff_t kMostRefused = 512;
 
+// The blocks alone finish most texts.
 nlsStatus convertBy(const Steps &steps, const MappingBody *body, Source &source, Target &target) {
-    int characters = 1;
-    const auto blocks = [&steps, body, &characters](Source &text, Target &out) {
+    std::ptrdiff_t refused = 1; // bytes that go to the other kernels
+    const auto blocks = [&steps, body, &refused](Source &text, Target &out) {
         const std::uint8_t *const begin = text.at;
         steps.blocks(body, text, out);
         if (text.at != text.end && out.room() < kTightRoom)
             intoTightRoom(steps.blocks, body, text, out);
-        characters = text.at - begin >= kFew ? 1 : std::min(2 * characters, kMostCharacters);
+        refused = text.at - begin < kWorthBlocks ? std::min(2 * refused, kMostRefused) : 1;
     };
-    const auto window = [&steps, body, &characters](const Source &text) {
-        std::ptrdiff_t length = 0;
-        for (int i = 0; i < characters && length < text.left(); ++i)
-            length += steps.window(body, {text.at + length, text.end, text.behind});
-        return length;
+    const auto window = [&steps, body, &refused](const Source &text) {
+        return steps.window(body, text, refused);
     };
-    const auto plain = [&steps, body](Source &piece, Target &out) { return steps.plain(body, piece, out); };
-    return alternate(source, target, steps.unit, blocks, window, plain, steps.ends);
+    const auto rest = [&steps, body](Source &piece, Target &out) { return steps.rest(body, piece, out); };
+    return alternate(source, target, steps.unit, blocks, window, rest, steps.ends);
 }
 
 // Kernels and windows without tables as such steps.
@@ -88,24 +86,38 @@ template <void (*kKernel)(const MappingBody &, Source &, Target &)>
 void blocksOf(const MappingBody *body, Source &source, Target &target) {
     kKernel(*body, source, target);
 }
-template <nlsStatus (*kKernel)(Source &, Target &, Order)>
-nlsStatus plainOf(const MappingBody *, Source &source, Target &target) {
-    return kKernel(source, target, Order::Native);
+template <nlsStatus (*kKernel)(Source &, Target &)>
+nlsStatus restOf(const MappingBody *, Source &source, Target &target) {
+    return kKernel(source, target);
 }
-template <nlsStatus (*kKernel)(Source &, Target &, Order, Order)>
-nlsStatus plainOf(const MappingBody *, Source &source, Target &target) {
-    return kKernel(source, target, Order::Native, Order::Native);
+template <nlsStatus (*kKernel)(const MappingBody &, std::uint32_t, Source &, Target &), std::uint32_t kShape>
+nlsStatus restOf(const MappingBody *body, Source &source, Target &target) {
+    return kKernel(*body, kShape, source, target);
 }
-template <nlsStatus (*kKernel)(const MappingBody &, Source &, Target &)>
-nlsStatus plainOf(const MappingBody *body, Source &source, Target &target) {
-    return kKernel(*body, source, target);
+template <nlsStatus (*kKernel)(const MappingBody &, std::uint32_t, Source &, Target &)>
+Rest restOf(std::uint32_t proofs) {
+    return (proofs & kByteRow) != 0 ? restOf<kKernel, kByteRow> : restOf<kKernel, kPairRectangle>;
+}
+// Whole characters of `wanted` bytes or a little more; the last one may be cut by the source's end.
+template <typename Length>
+[[gnu::always_inline]] inline std::ptrdiff_t charactersOf(const Source &source, std::ptrdiff_t wanted,
+                                                          Length lengthOf) {
+    Source rest = source;
+    std::ptrdiff_t length = 0;
+    do {
+        rest.at = source.at + length;
+        length += lengthOf(rest);
+    } while (length < wanted && length < source.left());
+    return length;
 }
 template <std::ptrdiff_t (*kWindow)(const Source &)>
-std::ptrdiff_t windowOf(const MappingBody *, const Source &source) {
-    return kWindow(source);
+std::ptrdiff_t windowOf(const MappingBody *, const Source &source, std::ptrdiff_t wanted) {
+    return charactersOf(source, wanted, kWindow);
 }
-std::ptrdiff_t pageWindow(const MappingBody *body, const Source &source) {
-    return std::ptrdiff_t{1} + body->charTable->trailCount(*source.at);
+std::ptrdiff_t pageWindow(const MappingBody *body, const Source &source, std::ptrdiff_t wanted) {
+    return charactersOf(source, wanted, [table = body->charTable](const Source &rest) {
+        return std::ptrdiff_t{1} + table->trailCount(*rest.at);
+    });
 }
 
 bool hasKernels(std::uint32_t proofs) {
@@ -138,7 +150,7 @@ nlsStatus pageToUtf8(const MappingBody &body, std::uint32_t proofs, Source &sour
     const Blocks blocks = (proofs & kByteRow) != 0
                               ? widest(proofs, blocksOf<avx512::byteRowToUtf8>, blocksOf<avx2::byteRowToUtf8>)
                               : widest(proofs, blocksOf<avx512::pairsToUtf8>, blocksOf<avx2::pairsToUtf8>);
-    return convertBy({blocks, plainOf<velnls::pageToUtf8>, pageWindow}, &body, source, target);
+    return convertBy({blocks, restOf<baseline::pageToUtf8>(proofs), pageWindow}, &body, source, target);
 }
 
 nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &source, Target &target) {
@@ -147,15 +159,15 @@ nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &sour
     const Blocks blocks = (proofs & kByteRow) != 0
                               ? widest(proofs, blocksOf<avx512::utf8ToByteRow>, blocksOf<avx2::utf8ToByteRow>)
                               : widest(proofs, blocksOf<avx512::utf8ToPairs>, blocksOf<avx2::utf8ToPairs>);
-    return convertBy({blocks, plainOf<velnls::utf8ToPage>, windowOf<utf8Window>, 1, endsUtf8}, &body, source,
-                     target);
+    return convertBy({blocks, restOf<baseline::utf8ToPage>(proofs), windowOf<utf8Window>, 1, endsUtf8}, &body,
+                     source, target);
 }
 
 nlsStatus utf8ToUtf16(std::uint32_t proofs, Source &source, Target &target) {
     if (!hasKernels(proofs))
         return baseline::utf8ToUtf16(source, target);
     const Blocks blocks = widest(proofs, blocksOf<avx512::utf8ToUtf16>, blocksOf<avx2::utf8ToUtf16>);
-    return convertBy({blocks, plainOf<velnls::utf8ToUtf16>, windowOf<utf8Window>, 1, endsUtf8}, nullptr,
+    return convertBy({blocks, restOf<baseline::utf8ToUtf16>, windowOf<utf8Window>, 1, endsUtf8}, nullptr,
                      source, target);
 }
 
@@ -163,7 +175,7 @@ nlsStatus utf8ToUtf32(std::uint32_t proofs, Source &source, Target &target) {
     if (!hasKernels(proofs))
         return baseline::utf8ToUtf32(source, target);
     const Blocks blocks = widest(proofs, blocksOf<avx512::utf8ToUtf32>, blocksOf<avx2::utf8ToUtf32>);
-    return convertBy({blocks, plainOf<velnls::utf8ToUtf32>, windowOf<utf8Window>, 1, endsUtf8}, nullptr,
+    return convertBy({blocks, restOf<baseline::utf8ToUtf32>, windowOf<utf8Window>, 1, endsUtf8}, nullptr,
                      source, target);
 }
 
@@ -172,7 +184,7 @@ nlsStatus utf16ToUtf8(std::uint32_t proofs, Source &source, Target &target) {
         return baseline::utf16ToUtf8(source, target);
     const Blocks blocks = widest(proofs, blocksOf<avx512::utf16ToUtf8>, blocksOf<avx2::utf16ToUtf8>);
     return convertBy(
-        {blocks, plainOf<velnls::utf16ToUtf8>, windowOf<unitWindow<std::uint16_t>>, 2, endsUnits}, nullptr,
+        {blocks, restOf<baseline::utf16ToUtf8>, windowOf<unitWindow<std::uint16_t>>, 2, endsUnits}, nullptr,
         source, target);
 }
 
@@ -181,7 +193,7 @@ nlsStatus utf32ToUtf8(std::uint32_t proofs, Source &source, Target &target) {
         return baseline::utf32ToUtf8(source, target);
     const Blocks blocks = widest(proofs, blocksOf<avx512::utf32ToUtf8>, blocksOf<avx2::utf32ToUtf8>);
     return convertBy(
-        {blocks, plainOf<velnls::utf32ToUtf8>, windowOf<unitWindow<std::uint32_t>>, 4, endsUnits}, nullptr,
+        {blocks, restOf<baseline::utf32ToUtf8>, windowOf<unitWindow<std::uint32_t>>, 4, endsUnits}, nullptr,
         source, target);
 }
 
@@ -190,7 +202,7 @@ nlsStatus utf16ToUtf32(std::uint32_t proofs, Source &source, Target &target) {
         return baseline::utf16ToUtf32(source, target);
     const Blocks blocks = widest(proofs, blocksOf<avx512::utf16ToUtf32>, blocksOf<avx2::utf16ToUtf32>);
     return convertBy(
-        {blocks, plainOf<velnls::utf16ToUtf32>, windowOf<unitWindow<std::uint16_t>>, 2, endsUnits}, nullptr,
+        {blocks, restOf<baseline::utf16ToUtf32>, windowOf<unitWindow<std::uint16_t>>, 2, endsUnits}, nullptr,
         source, target);
 }
 
@@ -199,7 +211,7 @@ nlsStatus utf32ToUtf16(std::uint32_t proofs, Source &source, Target &target) {
         return baseline::utf32ToUtf16(source, target);
     const Blocks blocks = widest(proofs, blocksOf<avx512::utf32ToUtf16>, blocksOf<avx2::utf32ToUtf16>);
     return convertBy(
-        {blocks, plainOf<velnls::utf32ToUtf16>, windowOf<unitWindow<std::uint32_t>>, 4, endsUnits}, nullptr,
+        {blocks, restOf<baseline::utf32ToUtf16>, windowOf<unitWindow<std::uint32_t>>, 4, endsUnits}, nullptr,
         source, target);
 }
 
@@ -210,17 +222,9 @@ namespace {
 constexpr std::ptrdiff_t kJapaneseStretch = 32;
 
 template <bool (*kIsLead)(std::uint8_t)>
-std::ptrdiff_t japaneseWindow(const MappingBody *, const Source &source) {
-    const std::ptrdiff_t left = source.left();
-    std::ptrdiff_t length = 0;
-    while (length < kJapaneseStretch && length < left)
-        length += kIsLead(source.at[length]) ? 2 : 1;
-    return length;
-}
-
-template <nlsStatus (*kKernel)(Source &, Target &)>
-nlsStatus japanesePlain(const MappingBody *, Source &source, Target &target) {
-    return kKernel(source, target);
+std::ptrdiff_t japaneseWindow(const MappingBody *, const Source &source, std::ptrdiff_t wanted) {
+    return charactersOf(source, std::max(wanted, kJapaneseStretch),
+                        [](const Source &rest) { return std::ptrdiff_t{kIsLead(*rest.at) ? 2 : 1}; });
 }
 
 bool isEucLead(std::uint8_t byte) {
@@ -231,15 +235,14 @@ bool isEucLead(std::uint8_t byte) {
 
 nlsStatus shiftJisToEuc(std::uint32_t proofs, Source &source, Target &target) {
     const Blocks blocks = widest(proofs, blocksOf<avx512::shiftJisToEuc>, blocksOf<shiftJisToEucBlocks>);
-    return convertBy(
-        {blocks, japanesePlain<velnls::shiftJisToEuc>, japaneseWindow<isShiftJisLead>, 1, endsUtf8}, nullptr,
-        source, target);
+    return convertBy({blocks, restOf<velnls::shiftJisToEuc>, japaneseWindow<isShiftJisLead>, 1, endsUtf8},
+                     nullptr, source, target);
 }
 
 nlsStatus eucToShiftJis(std::uint32_t proofs, Source &source, Target &target) {
     const Blocks blocks = widest(proofs, blocksOf<avx512::eucToShiftJis>, blocksOf<eucToShiftJisBlocks>);
-    return convertBy({blocks, japanesePlain<velnls::eucToShiftJis>, japaneseWindow<isEucLead>, 1, endsUtf8},
-                     nullptr, source, target);
+    return convertBy({blocks, restOf<velnls::eucToShiftJis>, japaneseWindow<isEucLead>, 1, endsUtf8}, nullptr,
+                     source, target);
 }
 
 } // namespace velnls::fast
