@@ -1,11 +1,12 @@
 // Every fast kernel gives what its plain twin gives: status, output, length, for well-formed, mixed,
-// corrupted and cut text, at every capacity. Buffers have their exact size, so that a sanitizer sees a step
-// outside.
+// corrupted and cut text, at every capacity. No byte behind the source may be read where a page of memory
+// ends there, none behind the target written.
 #include "convert/kernels/fast.hpp"
 #include "convert/kernels/kernels.hpp"
 #include "convert/kernels/mapping_lookup.hpp"
 #include "convert/kernels/unicode_units.hpp"
 #include "core/instruction_sets.hpp"
+#include "guarded_buffer.hpp"
 #include "table_source.hpp"
 
 #include <gtest/gtest.h>
@@ -33,14 +34,16 @@ struct Outcome {
 constexpr std::uint8_t kGuard = 0xA5;
 constexpr std::size_t kGuardBytes = 64;
 
-// The text lies in a block of its size and one terminator, the target in one with guards behind it.
+// The text and a terminator end where a page of memory does, the target lies in a block with guards behind
+// it.
 Outcome run(const Kernel &kernel, const Bytes &text, std::size_t capacity) {
-    const auto source = std::make_unique<std::uint8_t[]>(text.size() + 1);
-    std::copy(text.begin(), text.end(), source.get());
+    static fixture::GuardedBuffer sources(std::size_t{1} << 18);
+    std::uint8_t *const source = sources.tail(text.size() + 1);
+    std::copy(text.begin(), text.end(), source);
     source[text.size()] = 0;
     const auto target = std::make_unique<std::uint8_t[]>(capacity + kGuardBytes);
     std::fill_n(target.get(), capacity + kGuardBytes, kGuard);
-    Source from{source.get(), source.get() + text.size()};
+    Source from{source, source + text.size()};
     Target to{target.get(), target.get() + capacity};
     const nlsStatus status = kernel(from, to);
     for (std::size_t i = 0; i < kGuardBytes; ++i)
