@@ -39,13 +39,8 @@ template <typename Sink>
     const std::uint8_t *const last = source.end;
     while (at < last) {
         const std::ptrdiff_t left = last - at;
-        if (left >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
-            const int count = asciiPrefix16(at);
-            sink.ascii16(at);
-            sink.advance(count);
-            at += count;
+        if (takeAsciiRun(at, last, sink))
             continue;
-        }
         // Eight bytes of whatever script, or the last few.
         const std::uint8_t *const end = at + (left < 8 ? left : 8);
         if (!sink.hasRoom(8 * Sink::kCharacterRoom))
@@ -186,17 +181,8 @@ template <typename Sink>
     while (at < last) {
         std::uint32_t first = *at;
         if (first < 0x80) {
-            if (last - at >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
-                const int count = asciiPrefix16(at);
-                sink.ascii16(at);
-                sink.advance(count);
-                at += count;
-                continue;
-            }
-            if (!sink.hasRoom(Sink::kCharacterRoom))
+            if (!takeAscii(at, last, sink))
                 break;
-            sink.putAscii(static_cast<std::uint8_t>(first));
-            ++at;
             continue;
         }
         bool taken = true;

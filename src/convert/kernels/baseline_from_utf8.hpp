@@ -78,17 +78,8 @@ template <typename Sink>
     while (at < end && taken) {
         std::uint32_t first = *at;
         if (first < 0x80) {
-            if (last - at >= 16 && sink.hasRoom(Sink::kAsciiRoom) && isAscii8(at)) {
-                const int count = asciiPrefix16(at);
-                sink.ascii16(at);
-                sink.advance(count);
-                at += count;
-                continue;
-            }
-            if (!sink.hasRoom(Sink::kCharacterRoom))
+            if (!takeAscii(at, last, sink))
                 break;
-            sink.putAscii(static_cast<std::uint8_t>(first));
-            ++at;
             continue;
         }
         if (first < 0xC0 || first >= 0xF0)

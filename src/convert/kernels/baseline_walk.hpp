@@ -1,13 +1,37 @@
-// Walks the characters of a block of 64 bytes whose starts are known as bits.
+// Runs of ASCII, and walks over the characters of a block of 64 bytes whose starts are known as bits.
 //
-// `take(position)` converts the character there and gives its length, or 0 when it needs the plain way. Both
-// walks give the position of the first character not taken, up to 64.
+// For the walks `take(position)` converts the character there and gives its length, or 0 when it needs the
+// plain way. Both walks give the position of the first character not taken, up to 64.
 #pragma once
 
 #include "convert/kernels/baseline_vector.hpp"
 
 namespace velnls {
 namespace {
+
+// Takes up to 16 characters of ASCII that begin with eight; false where there are none, or no room.
+template <typename Sink>
+[[gnu::always_inline]] inline bool takeAsciiRun(const std::uint8_t *&at, const std::uint8_t *end,
+                                                Sink &sink) {
+    if (end - at < 16 || !sink.hasRoom(Sink::kAsciiRoom) || !isAscii8(at))
+        return false;
+    const int count = asciiPrefix16(at);
+    sink.ascii16(at);
+    sink.advance(count);
+    at += count;
+    return true;
+}
+
+// The same, or the one character of ASCII that stands there; false where there is no room.
+template <typename Sink>
+[[gnu::always_inline]] inline bool takeAscii(const std::uint8_t *&at, const std::uint8_t *end, Sink &sink) {
+    if (takeAsciiRun(at, end, sink))
+        return true;
+    if (!sink.hasRoom(Sink::kCharacterRoom))
+        return false;
+    sink.putAscii(*at++);
+    return true;
+}
 
 // Starts from which four bytes, or two, can be read inside the block.
 inline constexpr std::uint64_t kStartsOfFour = ~std::uint64_t{0} >> 3;
