@@ -1,4 +1,5 @@
-// How a conversion goes on where its blocks stop: the plain kernel takes the character there.
+// How a conversion goes on where its blocks stop: another kernel takes the characters there, mostly the plain
+// one a single character.
 #pragma once
 
 #include "convert/kernels/kernels.hpp"
@@ -7,7 +8,7 @@
 namespace velnls {
 namespace {
 
-// Alternates between the fast blocks and the plain kernel. `blocks` goes as far as it can; `window` says how
+// Alternates between blocks and the other kernel, `plain`. `blocks` goes as far as it can; `window` says how
 // many bytes make up the character (or few characters) at the source's position, and `plain` converts those.
 // A status ends the conversion when `ends` says so; any other is remembered for the end.
 template <typename Blocks, typename Window, typename Plain, typename Ends>

@@ -1,8 +1,8 @@
 // The fast twins of the plain kernels: same results to the byte, for source and target that do not overlap.
 //
-// Each runs over blocks as far as it can prove that the plain kernel would do the same, hands the character
-// that it cannot judge to the plain kernel, and goes on behind it. The mapping kernels need the proofs named
-// at each; everything else is proved from the text itself.
+// Each runs over blocks as far as it can prove that the plain kernel would do the same, hands what it cannot
+// judge to the baseline's kernels, and those a character to the plain kernel, and goes on behind it. The
+// mapping kernels need the proofs named at each; everything else is proved from the text itself.
 #pragma once
 
 #include "convert/kernels/kernels.hpp"

@@ -10,15 +10,15 @@
 namespace velnls {
 namespace {
 
+inline constexpr std::ptrdiff_t kStretch = 512; // source bytes, at most
+
 // The steps of such a conversion. Kernels go as far as they can and leave the positions there.
 // - plain() writes text that needs no units: ASCII;
-// - stretchOf() gives the end of the text before the next such, kStretch bytes from its begin at most;
+// - stretchOf() gives the end of the text before the next such, kStretch from its begin at most;
 // - read() writes units;
 // - write() reads them;
 // - writeOne() writes the unit where write() stopped, or gives false;
 // - lengthOf() gives the bytes of a character that was read, by its first one.
-inline constexpr std::ptrdiff_t kStretch = 512;
-
 template <typename Steps>
 [[gnu::always_inline]] inline void throughUnits(const Steps &steps, Source &source, Target &target) {
     // A unit for each byte, and what kernels ask for to store registers whole.
