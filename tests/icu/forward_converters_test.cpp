@@ -197,12 +197,15 @@ TEST_F(ForwardedConverter, TextsOfEveryLengthAreDecodedAsByIcuBrokenOnesToo) {
 TEST_F(ForwardedConverter, ArgumentsThatIcuRefusesAreRefused) {
     const Converter converter = openForwarded();
     char16_t room[8];
-    for (const auto &[length, capacity] :
-         std::vector<std::pair<int32_t, int32_t>>{{-2, 8}, {3, -1}, {3, 8}}) {
+    struct Sizes {
+        int32_t length;
+        int32_t capacity;
+    };
+    for (const Sizes sizes : {Sizes{-2, 8}, Sizes{3, -1}, Sizes{3, 8}}) {
         for (const UErrorCode before : {U_ZERO_ERROR, U_USING_DEFAULT_WARNING, U_MEMORY_ALLOCATION_ERROR}) {
             const auto ask = [&](auto function, UConverter *of, char16_t *target, const char *text) {
                 UErrorCode error = before;
-                const int32_t count = function(of, target, capacity, text, length, &error);
+                const int32_t count = function(of, target, sizes.capacity, text, sizes.length, &error);
                 return std::pair(count, error);
             };
             for (char16_t *const target : {room, static_cast<char16_t *>(nullptr)})

@@ -89,24 +89,24 @@ Function real(const char *name) {
 // These stand before the C library's own for everything that this program loads.
 extern "C" {
 
-void *dlopen(const char *path, int mode);
-void *dlsym(void *library, const char *name);
-int dlclose(void *library);
+void *dlopen(const char *path, int mode) noexcept;
+void *dlsym(void *library, const char *name) noexcept;
+int dlclose(void *library) noexcept;
 
-void *dlopen(const char *path, int mode) {
+void *dlopen(const char *path, int mode) noexcept {
     void *const library = real<void *(*)(const char *, int)>("dlopen")(path, mode);
     if (path != nullptr)
         process::loader().loaded(path, library);
     return library;
 }
 
-void *dlsym(void *library, const char *name) {
+void *dlsym(void *library, const char *name) noexcept {
     if (process::loader().isHidden(name))
         return nullptr;
     return real<void *(*)(void *, const char *)>("dlsym")(library, name);
 }
 
-int dlclose(void *library) {
+int dlclose(void *library) noexcept {
     process::loader().unloading(library);
     return real<int (*)(void *)>("dlclose")(library);
 }
