@@ -45,9 +45,6 @@ std::uint32_t widthOf(std::uint32_t way) {
     return way >> kWidthShift & kWidthMask;
 }
 
-// More than any kernel asks for to go on.
-constexpr std::ptrdiff_t kTightRoom = 512;
-
 struct WideVectors {
     [[gnu::always_inline]] static void mapBytes(const std::uint8_t *map, Source &source, Target &target) {
         avx512::mapBytes(map, source, target);
@@ -148,7 +145,7 @@ template <typename Set>
     }
     const std::uint32_t width = widthOf(way);
     if (source.at != source.end || target.room() < static_cast<std::ptrdiff_t>(width))
-        return target.room() < kTightRoom ? Said::NoRoom : Said::Not;
+        return target.room() < fast::kTightRoom ? Said::NoRoom : Said::Not;
     to.length = static_cast<std::uint32_t>(target.at - begin);
     for (std::uint32_t i = 0; i < width; ++i)
         target.at[i] = 0;
@@ -211,7 +208,7 @@ namespace {
 // the same there.
 [[gnu::noinline]] nlsStatus convertThroughBuffer(std::uint32_t way, const void *converter,
                                                  const nlsStr &source, nlsStr &destination) {
-    char buffer[kMostAtOnce * 4 + kTightRoom];
+    char buffer[kMostAtOnce * 4 + fast::kTightRoom];
     nlsStr made{buffer, sizeof buffer, 0};
     const nlsStatus status = convertAtOnce(way, converter, source, nullptr, made);
     if (static_cast<std::int32_t>(made.length + widthOf(way)) > static_cast<std::int32_t>(destination.size))

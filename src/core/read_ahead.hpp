@@ -40,7 +40,7 @@ template <std::size_t kBytes = kAheadBytes>
 
 // Hides from the compiler what a pointer points at: it would take loads past the end of a known object for
 // faults too.
-inline const std::uint8_t *unknownPlace(const std::uint8_t *at) {
+[[gnu::always_inline]] inline const std::uint8_t *unknownPlace(const std::uint8_t *at) {
     asm("" : "+r"(at));
     return at;
 }

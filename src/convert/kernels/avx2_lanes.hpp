@@ -133,9 +133,21 @@ inline constexpr std::uint32_t kHalf = 8;
 [[gnu::always_inline]] inline bool isAny(Bytes mask) {
     return _mm256_testz_si256(mask, mask) == 0;
 }
+// Units up to FF of two registers as bytes.
+[[gnu::always_inline]] inline Bytes narrowed(Bytes first, Bytes second) {
+    return _mm256_permute4x64_epi64(_mm256_packus_epi16(first, second), 0xD8);
+}
 // A bit for each lane of a mask.
 [[gnu::always_inline]] inline std::uint32_t bitsOf(Bytes lanes) {
     return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(lowHalf(lanes), highHalf(lanes))));
+}
+
+// How many of `count` lanes stand before the first of `odd`, a mask or its bits; none is odd behind them.
+[[gnu::always_inline]] inline std::uint32_t before(std::uint32_t odd, std::uint32_t count) {
+    return odd == 0 ? count : firstBitOr64(odd);
+}
+[[gnu::always_inline]] inline std::uint32_t before(Bytes odd, std::uint32_t count) {
+    return isAny(odd) ? firstBitOr64(bitsOf(odd)) : count;
 }
 
 // Takes the first bit out of a mask and gives its position; 64 from an empty one.
@@ -163,20 +175,6 @@ inline constexpr std::uint32_t kHalf = 8;
     }
     source.at = at;
     target.at = to;
-}
-
-// Where the text before the next whole block ends that has no more than one byte in `kMostly` beyond ASCII.
-template <std::uint32_t kMostly>
-[[gnu::always_inline]] inline const std::uint8_t *denseStretch(const Source &source, std::ptrdiff_t most) {
-    const std::uint8_t *at = source.at;
-    for (; at - source.at < most; at += Block::kSize) {
-        if (source.end - at < static_cast<std::ptrdiff_t>(Block::kSize))
-            return source.end - source.at <= most ? source.end : at;
-        const std::uint64_t notAscii = both(maskOf(load(at)), maskOf(load(at + kRegister)));
-        if (at != source.at && countBits(notAscii) * kMostly <= Block::kSize)
-            break;
-    }
-    return at;
 }
 
 // Eight characters of two bytes each: stores 16 bytes, of which those of `two` have two that count, and the

@@ -18,11 +18,19 @@ inline unsigned spanOf(const file::MappingGroup &group) {
     return group.reverseCount != 0 ? group.highest - group.lowest + 1U : 0;
 }
 
-// How many of `count` lanes stand before the first that is refused.
-[[gnu::always_inline]] inline std::uint32_t before(Bytes refused, std::uint32_t count) {
-    if (!isAny(refused)) [[likely]]
-        return count;
-    return smaller(static_cast<std::ptrdiff_t>(firstBitOr64(bitsOf(refused))), count);
+// Where the text, kStretch of it at most, before the next whole block ends that has no more than one byte in
+// `kMostly` beyond ASCII.
+template <std::uint32_t kMostly>
+[[gnu::always_inline]] inline const std::uint8_t *denseStretch(const Source &source) {
+    const std::uint8_t *at = source.at;
+    for (; at - source.at < kStretch; at += Block::kSize) {
+        if (source.end - at < static_cast<std::ptrdiff_t>(Block::kSize))
+            return source.end - source.at <= kStretch ? source.end : at;
+        const std::uint64_t notAscii = both(maskOf(load(at)), maskOf(load(at + kRegister)));
+        if (at != source.at && countBits(notAscii) * kMostly <= Block::kSize)
+            break;
+    }
+    return at;
 }
 
 // Writes units by groups of up to sixteen: `put` gets them, with zeros behind `count`, and gives how many it
@@ -52,12 +60,7 @@ public:
     // A character that the page has, though not where the kernels look.
     bool writeOne(std::uint32_t value, Target &target) const {
         const std::uint32_t code = codeOfUnicode(body_, value);
-        if (code == kNone || target.room() < 2)
-            return false;
-        if (code > 0xFF)
-            *target.at++ = static_cast<std::uint8_t>(code >> 8);
-        *target.at++ = static_cast<std::uint8_t>(code);
-        return true;
+        return code != kNone && writeCode(target, code);
     }
 
 protected:

@@ -51,7 +51,7 @@ nlsStatus byteRowToUtf8(const MappingBody &body, Source &source, Target &target)
     const ByteRow row(body);
     const auto plain = [&body](Source &piece, Target &out) { return velnls::pageToUtf8(body, piece, out); };
     const auto rest = [&row](Source &text, Target &out) {
-        into(Utf8Sink{{out.at, out.end}}, out, [&](Utf8Sink &sink) { readByteRowInto(row, text, sink); });
+        into(Utf8Sink(out.at, out.end), out, [&](Utf8Sink &sink) { readByteRowInto(row, text, sink); });
     };
     const auto one = [](const Source &) { return std::ptrdiff_t{1}; };
     if (source.left() < Utf8OfByte::kWorthwhile)
@@ -67,7 +67,7 @@ nlsStatus byteRowToUtf8(const MappingBody &body, Source &source, Target &target)
 nlsStatus pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
     const PairRectangle page(body);
     const auto blocks = [&page](Source &text, Target &out) {
-        into(Utf8Sink{{out.at, out.end}}, out, [&](Utf8Sink &sink) { readPairsInto(page, text, sink); });
+        into(Utf8Sink(out.at, out.end), out, [&](Utf8Sink &sink) { readPairsInto(page, text, sink); });
     };
     const auto window = [&page](const Source &text) { return page.isLead(*text.at) ? std::ptrdiff_t{2} : 1; };
     const auto plain = [&body](Source &piece, Target &out) { return velnls::pageToUtf8(body, piece, out); };
@@ -93,7 +93,7 @@ using PlainKernel = nlsStatus (*)(Source &, Target &, Order);
 template <typename Sink, PlainKernel kPlain>
 [[gnu::always_inline]] inline nlsStatus utf8ToUnits(Source &source, Target &target) {
     const auto blocks = [](Source &text, Target &out) {
-        into(Sink{{out.at, out.end}}, out, [&](Sink &sink) { readUtf8Into(text, sink); });
+        into(Sink(out.at, out.end), out, [&](Sink &sink) { readUtf8Into(text, sink); });
     };
     const auto plain = [](Source &piece, Target &out) { return kPlain(piece, out, Order::Native); };
     return alternate(source, target, 1, blocks, utf8Window, plain, endsUtf8);
@@ -102,7 +102,7 @@ template <typename Sink, PlainKernel kPlain>
 template <typename Unit, PlainKernel kPlain>
 [[gnu::always_inline]] inline nlsStatus unitsToUtf8(Source &source, Target &target) {
     const auto blocks = [](Source &text, Target &out) {
-        into(Utf8Sink{{out.at, out.end}}, out, [&](Utf8Sink &sink) { readUnitsInto<Unit>(text, sink); });
+        into(Utf8Sink(out.at, out.end), out, [&](Utf8Sink &sink) { readUnitsInto<Unit>(text, sink); });
     };
     const auto plain = [](Source &piece, Target &out) { return kPlain(piece, out, Order::Native); };
     return alternate(source, target, sizeof(Unit), blocks, unitWindow<Unit>, plain, endsUnits);

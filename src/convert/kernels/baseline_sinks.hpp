@@ -1,4 +1,4 @@
-// Where the fast kernels put characters: one sink per target form.
+// Where the baseline's kernels put characters: one sink per target form.
 //
 // A sink writes at `out` and knows how much room one character may need there, and with kByBlocks a block of
 // 64 source bytes; the kernels ask for that room first and hand over to the plain way when it is not left. It
@@ -22,6 +22,43 @@ struct ByteCursor {
     }
 };
 
+// ascii16() puts 16 characters without moving on.
+struct ByteSink : ByteCursor {
+    using ByteCursor::ByteCursor;
+
+    static constexpr std::ptrdiff_t kAsciiRoom = 16;
+
+    [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
+        copyBytes<16>(out, at);
+    }
+    [[gnu::always_inline]] void advance(std::ptrdiff_t characters) {
+        out += characters;
+    }
+    [[gnu::always_inline]] void putAscii(std::uint8_t byte) {
+        *out++ = byte;
+    }
+};
+
+template <typename Unit>
+struct UnitSink : ByteCursor {
+    using ByteCursor::ByteCursor;
+
+    static constexpr std::ptrdiff_t kCharacterRoom = sizeof(Unit);
+    static constexpr std::ptrdiff_t kAsciiRoom = 16 * kCharacterRoom;
+
+    [[gnu::always_inline]] void advance(std::ptrdiff_t characters) {
+        out += characters * kCharacterRoom;
+    }
+    [[gnu::always_inline]] void putAscii(std::uint8_t byte) {
+        put(byte);
+    }
+    [[gnu::always_inline]] bool put(std::uint32_t value) {
+        storeNumber(out, static_cast<Unit>(value));
+        out += kCharacterRoom;
+        return true;
+    }
+};
+
 // The value of a well-formed sequence of two bytes, or of one or two, in the low bytes of `word`.
 [[gnu::always_inline]] inline std::uint32_t twoByteValue(std::uint32_t word) {
     return (word & 0x1F) << 6 | (word >> 8 & 0x3F);
@@ -35,13 +72,12 @@ struct ByteCursor {
     return select(maskOfTop(word), twoByteValue(word), word & 0xFF);
 }
 
-struct Utf16Sink : ByteCursor {
+struct Utf16Sink : UnitSink<std::uint16_t> {
+    using UnitSink::UnitSink;
+
     static constexpr bool kByBlocks = true;
     static constexpr std::ptrdiff_t kBlockRoom = (64 + 16) * 2;
-    static constexpr std::ptrdiff_t kAsciiRoom = 32;
-    static constexpr std::ptrdiff_t kCharacterRoom = 2;
 
-    // 16 ASCII characters, without moving on.
     [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
 #if defined(__SSE2__)
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
@@ -53,26 +89,15 @@ struct Utf16Sink : ByteCursor {
             storeNumber<std::uint16_t>(out + 2 * i, at[i]);
 #endif
     }
-    [[gnu::always_inline]] void advance(std::ptrdiff_t characters) {
-        out += characters * 2;
-    }
-    [[gnu::always_inline]] void putAscii(std::uint8_t byte) {
-        put(byte);
-    }
-    [[gnu::always_inline]] bool put(std::uint32_t value) {
-        storeNumber(out, static_cast<std::uint16_t>(value));
-        out += 2;
-        return true;
-    }
     [[gnu::always_inline]] bool putUpToTwo(std::uint32_t word) {
         return put(valueUpToTwo(word));
     }
 };
 
-struct Utf32Sink : ByteCursor {
+struct Utf32Sink : UnitSink<std::uint32_t> {
+    using UnitSink::UnitSink;
+
     static constexpr bool kByBlocks = false;
-    static constexpr std::ptrdiff_t kAsciiRoom = 64;
-    static constexpr std::ptrdiff_t kCharacterRoom = 4;
 
     [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
 #if defined(__SSE2__)
@@ -89,24 +114,12 @@ struct Utf32Sink : ByteCursor {
             storeNumber<std::uint32_t>(out + 4 * i, at[i]);
 #endif
     }
-    [[gnu::always_inline]] void advance(std::ptrdiff_t characters) {
-        out += characters * 4;
-    }
-    [[gnu::always_inline]] void putAscii(std::uint8_t byte) {
-        put(byte);
-    }
-    [[gnu::always_inline]] bool put(std::uint32_t value) {
-        storeNumber(out, value);
-        out += 4;
-        return true;
-    }
 };
 
 // A single-byte page: the reverse window gives the index, the row makes it a byte.
-struct ByteRowSink : ByteCursor {
+struct ByteRowSink : ByteSink {
     static constexpr bool kByBlocks = true;
     static constexpr std::ptrdiff_t kBlockRoom = 64 + 16;
-    static constexpr std::ptrdiff_t kAsciiRoom = 16;
     static constexpr std::ptrdiff_t kCharacterRoom = 1;
 
     const std::uint8_t *window; // 16-bit indexes by value - lowest
@@ -115,7 +128,7 @@ struct ByteRowSink : ByteCursor {
     std::uint32_t base; // byte = index + base
 
     ByteRowSink(const MappingBody &body, std::uint8_t *outBegin, std::uint8_t *outEnd)
-        : ByteCursor{outBegin, outEnd},
+        : ByteSink(outBegin, outEnd),
           // Never null: ASCII looks at the first entry without using it.
           window(reinterpret_cast<const std::uint8_t *>(
               body.groups[2].reverse != nullptr ? body.groups[2].reverse : body.groups[2].values)),
@@ -123,15 +136,6 @@ struct ByteRowSink : ByteCursor {
           span(body.groups[2].reverseCount == 0 ? 1 : body.groups[2].highest - body.groups[2].lowest + 1),
           base(body.groups[2].firstTrail - 1u) {}
 
-    [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
-        copyBytes<16>(out, at);
-    }
-    [[gnu::always_inline]] void advance(std::ptrdiff_t characters) {
-        out += characters;
-    }
-    [[gnu::always_inline]] void putAscii(std::uint8_t byte) {
-        *out++ = byte;
-    }
     [[gnu::always_inline]] bool put(std::uint32_t value) {
         const std::uint32_t place = value - lowest;
         if (place >= span)
@@ -157,9 +161,8 @@ struct ByteRowSink : ByteCursor {
 };
 
 // A page of lead and trail bytes: the reverse window, and the linear stretches of kana and full-width forms.
-struct PairSink : ByteCursor {
+struct PairSink : ByteSink {
     static constexpr bool kByBlocks = false;
-    static constexpr std::ptrdiff_t kAsciiRoom = 16;
     static constexpr std::ptrdiff_t kCharacterRoom = 2; // of one byte too, since two are stored
 
     const std::uint8_t *window;
@@ -170,20 +173,10 @@ struct PairSink : ByteCursor {
     PairUnits units;
 
     PairSink(const MappingBody &body, std::uint8_t *outBegin, std::uint8_t *outEnd)
-        : ByteCursor{outBegin, outEnd},
-          window(reinterpret_cast<const std::uint8_t *>(body.groups[2].reverse)), facts(factsOf(body)),
-          punctuation(body.groups[1].unusedA), widePunctuation(body.groups[2].unusedA),
+        : ByteSink(outBegin, outEnd), window(reinterpret_cast<const std::uint8_t *>(body.groups[2].reverse)),
+          facts(factsOf(body)), punctuation(body.groups[1].unusedA), widePunctuation(body.groups[2].unusedA),
           lowest(body.groups[2].lowest), units(facts.units) {}
 
-    [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
-        copyBytes<16>(out, at);
-    }
-    [[gnu::always_inline]] void advance(std::ptrdiff_t characters) {
-        out += characters;
-    }
-    [[gnu::always_inline]] void putAscii(std::uint8_t byte) {
-        *out++ = byte;
-    }
     [[gnu::always_inline]] void putIndex(std::uint32_t index) {
         const std::uint32_t row = (index - 1) * units.reciprocal >> 16 >> units.reciprocalShift;
         std::uint32_t code = (units.codeBase + index + row * units.rowStep) & 0xFFFF;
@@ -229,20 +222,12 @@ struct PairSink : ByteCursor {
 };
 
 // UTF-8: four bytes are stored at once, the position moves by the character's length.
-struct Utf8Sink : ByteCursor {
+struct Utf8Sink : ByteSink {
+    using ByteSink::ByteSink;
+
     static constexpr std::ptrdiff_t kBlockRoom = 64 / 2 * 3 + 64;
-    static constexpr std::ptrdiff_t kAsciiRoom = 16;
     static constexpr std::ptrdiff_t kCharacterRoom = 4;
 
-    [[gnu::always_inline]] void ascii16(const std::uint8_t *at) const {
-        copyBytes<16>(out, at);
-    }
-    [[gnu::always_inline]] void advance(std::ptrdiff_t characters) {
-        out += characters;
-    }
-    [[gnu::always_inline]] void putAscii(std::uint8_t byte) {
-        *out++ = byte;
-    }
     // A value up to U+FFFF, not a surrogate.
     [[gnu::always_inline]] bool put(std::uint32_t value) {
         if (value < 0x800)

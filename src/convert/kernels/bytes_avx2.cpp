@@ -95,26 +95,19 @@ struct TwoBytes {
         for (int i = 0; i < 0x80; i += kRegister) {
             const Bytes first = load(values + 2 * i);
             const Bytes second = load(values + 2 * i + kRegister);
-            store(leads + i, inOrder(leadsOf(first), leadsOf(second)));
-            store(trails + i, inOrder(trailsOf(first), trailsOf(second)));
+            store(leads + i, narrowed(leadsOf(first), leadsOf(second)));
+            store(trails + i, narrowed(trailsOf(first), trailsOf(second)));
         }
     }
 
 private:
-    static Bytes all(int value) {
-        return _mm256_set1_epi16(static_cast<short>(value));
-    }
     static Bytes leadsOf(Bytes values) {
-        const Bytes place = _mm256_sub_epi16(values, all(0x80));
-        const Bytes two = _mm256_cmpeq_epi16(_mm256_min_epu16(place, all(0x77F)), place);
-        return _mm256_and_si256(_mm256_or_si256(_mm256_srli_epi16(values, 6), all(0xC0)), two);
+        const Bytes place = _mm256_sub_epi16(values, unitsOf(0x80));
+        const Bytes two = _mm256_cmpeq_epi16(_mm256_min_epu16(place, unitsOf(0x77F)), place);
+        return _mm256_and_si256(_mm256_or_si256(_mm256_srli_epi16(values, 6), unitsOf(0xC0)), two);
     }
     static Bytes trailsOf(Bytes values) {
-        return _mm256_or_si256(_mm256_and_si256(values, all(0x3F)), all(0x80));
-    }
-    // Packing works on the halves of the registers.
-    static Bytes inOrder(Bytes first, Bytes second) {
-        return _mm256_permute4x64_epi64(_mm256_packus_epi16(first, second), 0xD8);
+        return _mm256_or_si256(_mm256_and_si256(values, unitsOf(0x3F)), unitsOf(0x80));
     }
 };
 
@@ -122,27 +115,16 @@ private:
 
 void byteRowToUtf8(const MappingBody &body, Source &source, Target &target) {
     constexpr std::ptrdiff_t kRoom = 2 * kRegister + 16;
-    TextReader<kRegister> reader;
-    const std::uint8_t *at = source.at;
-    std::uint8_t *to = target.at;
-    // Text of ASCII alone goes without tables.
-    while (at < source.end && target.end - to >= kRegister) {
-        const std::uint32_t size = smaller(source.end - at, kRegister);
-        const Bytes bytes = _mm256_and_si256(load(reader.block(at, source.end)), firstBytes(size));
-        if (maskOf(bytes) != 0)
-            break;
-        store(to, bytes);
-        at += size;
-        to += size;
-    }
-    source.at = at;
-    target.at = to;
-    if (at == source.end)
+    copyAscii(source, target); // needs no tables
+    if (source.at == source.end)
         return;
     const ByteRow row(body);
     const TwoBytes forms(row.values());
     const Table128 leadTable(forms.leads);
     const Table128 trailTable(forms.trails);
+    TextReader<kRegister> reader;
+    const std::uint8_t *at = source.at;
+    std::uint8_t *to = target.at;
     while (at < source.end && target.end - to >= kRoom) {
         const std::uint32_t size = smaller(source.end - at, kRegister);
         const Bytes bytes = _mm256_and_si256(load(reader.block(at, source.end)), firstBytes(size));
@@ -176,7 +158,7 @@ void byteRowToUtf8(const MappingBody &body, Source &source, Target &target) {
         const std::uint32_t value = row.valueOf(*at);
         if (value == file::kUnmapped)
             break;
-        Utf8Sink sink{{to, target.end}};
+        Utf8Sink sink(to, target.end);
         sink.put(value);
         to = sink.out;
         ++at;

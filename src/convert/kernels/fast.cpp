@@ -33,7 +33,6 @@ struct Steps {
 // buffer, piece by piece, as long as what a piece becomes fits.
 constexpr std::ptrdiff_t kMostPiece = 64; // source bytes
 constexpr std::ptrdiff_t kLeastPiece = 8;
-constexpr std::ptrdiff_t kTightRoom = 1024; // more than any kernel asks for, or stores for a piece
 
 void intoTightRoom(Blocks blocks, const MappingBody *body, Source &source, Target &target) {
     std::ptrdiff_t size = kMostPiece;
@@ -163,56 +162,57 @@ nlsStatus utf8ToPage(const MappingBody &body, std::uint32_t proofs, Source &sour
                      source, target);
 }
 
-nlsStatus utf8ToUtf16(std::uint32_t proofs, Source &source, Target &target) {
+namespace {
+
+using Kernel = void (*)(Source &, Target &);
+using Whole = nlsStatus (*)(Source &, Target &);
+
+template <Kernel kWide, Kernel kShuffles, Whole kBaseline>
+nlsStatus convertUtf8(std::uint32_t proofs, Source &source, Target &target) {
     if (!hasKernels(proofs))
-        return baseline::utf8ToUtf16(source, target);
-    const Blocks blocks = widest(proofs, blocksOf<avx512::utf8ToUtf16>, blocksOf<avx2::utf8ToUtf16>);
-    return convertBy({blocks, restOf<baseline::utf8ToUtf16>, windowOf<utf8Window>, 1, endsUtf8}, nullptr,
-                     source, target);
+        return kBaseline(source, target);
+    return convertBy({widest(proofs, blocksOf<kWide>, blocksOf<kShuffles>), restOf<kBaseline>,
+                      windowOf<utf8Window>, 1, endsUtf8},
+                     nullptr, source, target);
+}
+
+template <typename Unit, Kernel kWide, Kernel kShuffles, Whole kBaseline>
+nlsStatus convertUnits(std::uint32_t proofs, Source &source, Target &target) {
+    if (!hasKernels(proofs))
+        return kBaseline(source, target);
+    return convertBy({widest(proofs, blocksOf<kWide>, blocksOf<kShuffles>), restOf<kBaseline>,
+                      windowOf<unitWindow<Unit>>, sizeof(Unit)},
+                     nullptr, source, target);
+}
+
+} // namespace
+
+nlsStatus utf8ToUtf16(std::uint32_t proofs, Source &source, Target &target) {
+    return convertUtf8<avx512::utf8ToUtf16, avx2::utf8ToUtf16, baseline::utf8ToUtf16>(proofs, source, target);
 }
 
 nlsStatus utf8ToUtf32(std::uint32_t proofs, Source &source, Target &target) {
-    if (!hasKernels(proofs))
-        return baseline::utf8ToUtf32(source, target);
-    const Blocks blocks = widest(proofs, blocksOf<avx512::utf8ToUtf32>, blocksOf<avx2::utf8ToUtf32>);
-    return convertBy({blocks, restOf<baseline::utf8ToUtf32>, windowOf<utf8Window>, 1, endsUtf8}, nullptr,
-                     source, target);
+    return convertUtf8<avx512::utf8ToUtf32, avx2::utf8ToUtf32, baseline::utf8ToUtf32>(proofs, source, target);
 }
 
 nlsStatus utf16ToUtf8(std::uint32_t proofs, Source &source, Target &target) {
-    if (!hasKernels(proofs))
-        return baseline::utf16ToUtf8(source, target);
-    const Blocks blocks = widest(proofs, blocksOf<avx512::utf16ToUtf8>, blocksOf<avx2::utf16ToUtf8>);
-    return convertBy(
-        {blocks, restOf<baseline::utf16ToUtf8>, windowOf<unitWindow<std::uint16_t>>, 2, endsUnits}, nullptr,
-        source, target);
+    return convertUnits<std::uint16_t, avx512::utf16ToUtf8, avx2::utf16ToUtf8, baseline::utf16ToUtf8>(
+        proofs, source, target);
 }
 
 nlsStatus utf32ToUtf8(std::uint32_t proofs, Source &source, Target &target) {
-    if (!hasKernels(proofs))
-        return baseline::utf32ToUtf8(source, target);
-    const Blocks blocks = widest(proofs, blocksOf<avx512::utf32ToUtf8>, blocksOf<avx2::utf32ToUtf8>);
-    return convertBy(
-        {blocks, restOf<baseline::utf32ToUtf8>, windowOf<unitWindow<std::uint32_t>>, 4, endsUnits}, nullptr,
-        source, target);
+    return convertUnits<std::uint32_t, avx512::utf32ToUtf8, avx2::utf32ToUtf8, baseline::utf32ToUtf8>(
+        proofs, source, target);
 }
 
 nlsStatus utf16ToUtf32(std::uint32_t proofs, Source &source, Target &target) {
-    if (!hasKernels(proofs))
-        return baseline::utf16ToUtf32(source, target);
-    const Blocks blocks = widest(proofs, blocksOf<avx512::utf16ToUtf32>, blocksOf<avx2::utf16ToUtf32>);
-    return convertBy(
-        {blocks, restOf<baseline::utf16ToUtf32>, windowOf<unitWindow<std::uint16_t>>, 2, endsUnits}, nullptr,
-        source, target);
+    return convertUnits<std::uint16_t, avx512::utf16ToUtf32, avx2::utf16ToUtf32, baseline::utf16ToUtf32>(
+        proofs, source, target);
 }
 
 nlsStatus utf32ToUtf16(std::uint32_t proofs, Source &source, Target &target) {
-    if (!hasKernels(proofs))
-        return baseline::utf32ToUtf16(source, target);
-    const Blocks blocks = widest(proofs, blocksOf<avx512::utf32ToUtf16>, blocksOf<avx2::utf32ToUtf16>);
-    return convertBy(
-        {blocks, restOf<baseline::utf32ToUtf16>, windowOf<unitWindow<std::uint32_t>>, 4, endsUnits}, nullptr,
-        source, target);
+    return convertUnits<std::uint32_t, avx512::utf32ToUtf16, avx2::utf32ToUtf16, baseline::utf32ToUtf16>(
+        proofs, source, target);
 }
 
 namespace {

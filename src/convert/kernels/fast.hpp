@@ -13,6 +13,9 @@ namespace velnls::fast {
 // `proofs` is the second word of the converter's header: what is proved of its tables, and the instruction
 // sets.
 
+// More than any block kernel asks for to go on, or stores for 64 bytes of text.
+inline constexpr std::ptrdiff_t kTightRoom = 512;
+
 // Any 256-byte map; target.room() is at least source.left().
 void mapBytes(const std::uint8_t *map, std::uint32_t proofs, Source &source, Target &target);
 

@@ -2,8 +2,8 @@
 // through units of 16 bits, eight through wider ones.
 //
 // Each goes as far as whole blocks of characters are provably what the plain kernel would make of them and
-// find room, and leaves the positions there; the caller goes on. Text is read up to the end of its page of
-// memory. Call them only where instructionSets() says kByteShuffles.
+// find room, and leaves the positions there; the caller goes on. Loads may reach behind the text, never into
+// another page of memory. Call them only where instructionSets() says kByteShuffles.
 #pragma once
 
 #include "convert/kernels/kernels.hpp"

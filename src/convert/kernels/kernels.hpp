@@ -20,7 +20,8 @@ struct Source {
     const std::uint8_t *end;
     std::ptrdiff_t behind = 1; // bytes behind the end that UTF-8 decoders may read: the terminator, or none
 
-    [[nodiscard]] std::ptrdiff_t left() const {
+    // Inline in every build: what is compiled for one instruction set must not run where it is not there.
+    [[nodiscard]] [[gnu::always_inline]] std::ptrdiff_t left() const {
         return end - at;
     }
 };
@@ -29,7 +30,7 @@ struct Target {
     std::uint8_t *at;
     std::uint8_t *end;
 
-    [[nodiscard]] std::ptrdiff_t room() const {
+    [[nodiscard]] [[gnu::always_inline]] std::ptrdiff_t room() const {
         return end - at;
     }
 };

@@ -3,7 +3,7 @@
 // Nothing in a data file is trusted here: every index is held against the size of its table.
 #pragma once
 
-#include "convert/converter.hpp"
+#include "convert/kernels/kernels.hpp"
 
 #include <cstdint>
 
@@ -16,5 +16,15 @@ std::uint32_t unicodeOfCode(const MappingBody &body, std::uint16_t code);
 
 // The code of a Unicode value in the page, or kNone.
 std::uint32_t codeOfUnicode(const MappingBody &body, std::uint32_t value);
+
+// Writes a code's one or two bytes; false, with nothing written, when they do not fit.
+[[gnu::always_inline]] inline bool writeCode(Target &target, std::uint32_t code) {
+    if (target.room() < (code <= 0xFF ? 1 : 2))
+        return false;
+    if (code > 0xFF)
+        *target.at++ = static_cast<std::uint8_t>(code >> 8);
+    *target.at++ = static_cast<std::uint8_t>(code);
+    return true;
+}
 
 } // namespace velnls

@@ -46,18 +46,7 @@ bool writePageCharacter(const MappingBody &body, Target &target, std::uint32_t v
             status = NLS_R_SUBSTITUTED;
         }
     }
-    if (code <= 0xFF) {
-        if (target.room() < 1)
-            return false;
-        *target.at++ = static_cast<std::uint8_t>(code);
-        return true;
-    }
-    if (target.room() < 2)
-        return false;
-    target.at[0] = static_cast<std::uint8_t>(code >> 8);
-    target.at[1] = static_cast<std::uint8_t>(code);
-    target.at += 2;
-    return true;
+    return writeCode(target, code);
 }
 
 } // namespace

@@ -44,7 +44,7 @@ public:
         copyAscii(source, target);
     }
     static const std::uint8_t *stretchOf(const Source &source) {
-        return denseStretch<Block::kSize>(source, kStretch);
+        return denseStretch<Block::kSize>(source);
     }
     // kUnmapped where a pair has no value.
     [[gnu::always_inline]] void read(Source &source, Target &units) const {

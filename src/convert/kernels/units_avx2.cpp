@@ -79,11 +79,6 @@ template <std::ptrdiff_t kWidth, typename Take>
     target.at = running.at;
 }
 
-// How many of `size` units stand before the first odd one.
-[[gnu::always_inline]] inline std::uint32_t before(std::uint32_t odd, std::uint32_t size) {
-    return odd == 0 ? size : smaller(static_cast<std::ptrdiff_t>(firstBitOr64(odd)), size);
-}
-
 } // namespace
 
 void utf8ToUtf16(Source &source, Target &target) {

@@ -16,8 +16,8 @@ public:
         const Bytes first = load(table);
         const Bytes second = load(table + kRegister);
         const Bytes low =
-            inOrder(_mm256_and_si256(first, unitsOf(0xFF)), _mm256_and_si256(second, unitsOf(0xFF)));
-        const Bytes high = inOrder(_mm256_srli_epi16(first, 8), _mm256_srli_epi16(second, 8));
+            narrowed(_mm256_and_si256(first, unitsOf(0xFF)), _mm256_and_si256(second, unitsOf(0xFF)));
+        const Bytes high = narrowed(_mm256_srli_epi16(first, 8), _mm256_srli_epi16(second, 8));
         low_[0] = _mm256_permute2x128_si256(low, low, 0x00);
         low_[1] = _mm256_permute2x128_si256(low, low, 0x11);
         high_[0] = _mm256_permute2x128_si256(high, high, 0x00);
@@ -35,10 +35,6 @@ public:
     }
 
 private:
-    static Bytes inOrder(Bytes first, Bytes second) {
-        return _mm256_permute4x64_epi64(_mm256_packus_epi16(first, second), 0xD8);
-    }
-
     Bytes low_[2]; // bytes of the places below 16 and from there on
     Bytes high_[2];
 };
@@ -63,7 +59,7 @@ public:
         copyAscii(source, target);
     }
     static const std::uint8_t *stretchOf(const Source &source) {
-        return denseStretch<Block::kSize>(source, kStretch);
+        return denseStretch<Block::kSize>(source);
     }
     // As utf8ToUtf16 does, without ways of its own for ASCII and for little room.
     [[gnu::always_inline]] static void read(Source &source, Target &units) {

@@ -24,7 +24,7 @@ public:
                    [this](Bytes group, std::uint32_t count, Target &out) { return put(group, count, out); });
     }
     static const std::uint8_t *stretchOf(const Source &source) {
-        return denseStretch<kMostly>(source, kStretch);
+        return denseStretch<kMostly>(source);
     }
     // Blocks of mostly ASCII too.
     void plain(Source &source, Target &target) const {
