@@ -28,14 +28,21 @@ inline bool isOpenLocale(const nlsLocale *locale) {
 [[gnu::cold, gnu::noinline]] inline nlsStatus refuseLocale(const nlsLocale *locale) {
     if (locale == nullptr || !isLive(ownerOf(locale->header)))
         return NLS_E_HANDLE;
-    return locale->header.type == kLocaleObject ? NLS_OK : NLS_E_NOTLOCALE;
+    return NLS_E_NOTLOCALE;
+}
+
+// What a refusal says: never 0, so that a call which returns it needs nothing kept across.
+[[gnu::always_inline]] inline nlsStatus refused(nlsStatus status) {
+    if (status == NLS_OK)
+        __builtin_unreachable();
+    return status;
 }
 
 // 0, 13 or 24.
 inline nlsStatus checkLocale(const nlsLocale *locale) {
     if (isOpenLocale(locale)) [[likely]]
         return NLS_OK;
-    return refuseLocale(locale);
+    return refused(refuseLocale(locale));
 }
 
 // Whether a call may use a conversion; refuseConversion tells what is wrong with any other.
@@ -55,7 +62,7 @@ inline bool isOpenConversion(const nlsConversion *conversion) {
 inline nlsStatus checkConversion(const nlsConversion *conversion) {
     if (isOpenConversion(conversion)) [[likely]]
         return NLS_OK;
-    return refuseConversion(conversion);
+    return refused(refuseConversion(conversion));
 }
 
 } // namespace velnls

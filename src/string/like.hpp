@@ -6,29 +6,10 @@
 // constant memory and time proportional to the pattern times the string at worst.
 #pragma once
 
+#include "string/like_call.hpp"
 #include "string/seeker.hpp"
-#include "velnls.h"
 
 namespace velnls {
-
-// Character values: bytes read as a big-endian number; 63 for characters of five bytes and more. Escape 0:
-// none.
-struct LikeSigns {
-    std::uint32_t escape;
-    std::uint32_t oneCharacter;
-    std::uint32_t anyString;
-};
-
-inline constexpr nlsStatus kLikeNo = 0;
-inline constexpr nlsStatus kLikeYes = 1;
-inline constexpr nlsStatus kLikeBadEscape = static_cast<nlsStatus>(-1);
-
-// nlsSqlLike, of arguments that were checked.
-using LikeCall = nlsStatus(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
-                           std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString);
-
-// The general way, by the walk over a page.
-LikeCall likeByPage;
 
 template <typename Page>
 class LikeWalk {

@@ -44,26 +44,24 @@ bool beginsOtherwise(const nlsLocale &locale, const std::uint8_t *pattern, const
 // Patterns that begin with a character: the string's first one decides most.
 [[gnu::noinline]] LikeCall likeFromStart;
 
-nlsStatus likeFromStart(nlsLocale *locale, const char *pattern, const char *string, std::uint16_t mode,
-                        std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
-    if (beginsOtherwise(*locale, bytesOf(pattern), bytesOf(string), mode, {escape, oneCharacter, anyString}))
+nlsStatus likeFromStart(nlsLocale *locale, const char *pattern, const char *string, LikeAsked asked) {
+    if (beginsOtherwise(*locale, bytesOf(pattern), bytesOf(string), asked.mode(), asked.signs()))
         return kLikeNo;
-    return likeByPage(locale, pattern, string, mode, escape, oneCharacter, anyString);
+    return likeByPage(locale, pattern, string, asked);
 }
 
 } // namespace
 
 [[gnu::noinline]] nlsStatus velnls::likeByPage(nlsLocale *locale, const char *pattern, const char *string,
-                                               std::uint16_t mode, std::uint32_t escape,
-                                               std::uint32_t oneCharacter, std::uint32_t anyString) {
-    const LikeSigns signs{escape, oneCharacter, anyString};
-    return withPage(*locale, mode, [&signs, pattern, string](const auto &page) {
+                                               LikeAsked asked) {
+    const LikeSigns signs = asked.signs();
+    return withPage(*locale, asked.mode(), [&signs, pattern, string](const auto &page) {
         return likeOn(page, signs, pattern, string);
     });
 }
 
-// Only the checks are made here: each way takes the arguments as they are, and goes on to the next one, so
-// that no call keeps more than it needs itself.
+// Only the checks are made here: each way takes what was asked, and goes on to the next one, so that no call
+// keeps more than it needs itself.
 nlsStatus nlsSqlLike(nlsLocale *locale, const char *pattern, const char *string, uint16_t mode,
                      uint32_t escape, uint32_t oneChar, uint32_t anyString) {
     if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
@@ -72,11 +70,12 @@ nlsStatus nlsSqlLike(nlsLocale *locale, const char *pattern, const char *string,
         return NLS_E_NULLARG;
     if (locale->charTable == nullptr)
         return NLS_E_NOCHARTAB;
+    const LikeAsked asked({escape, oneChar, anyString}, mode);
     if (*bytesOf(pattern) != anyString)
-        return likeFromStart(locale, pattern, string, mode, escape, oneChar, anyString);
+        return likeFromStart(locale, pattern, string, asked);
 #if defined(VELNLS_SHORT_TEXTS)
-    if (fast::isForLikeIn(string, {escape, oneChar, anyString}))
-        return fast::likeIn(locale, pattern, string, mode, escape, oneChar, anyString);
+    if (fast::isForLikeIn(string, asked.signs()))
+        return fast::likeIn(locale, pattern, string, asked);
 #endif
-    return likeByPage(locale, pattern, string, mode, escape, oneChar, anyString);
+    return likeByPage(locale, pattern, string, asked);
 }

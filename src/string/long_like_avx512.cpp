@@ -15,18 +15,16 @@ namespace {
 // Text and pattern as their order makes them.
 class LongSought {
 public:
-    LongSought(ShortOrder order, const std::uint8_t *weights, const std::uint8_t *pattern)
-        : order_(order), weights_(weights) {
-        _mm512_storeu_si512(pattern_, ordered(_mm512_loadu_si512(pattern)));
-        _mm512_storeu_si512(pattern_ + kShortBlock, _mm512_setzero_si512());
-    }
+    LongSought(ShortOrder order, const std::uint8_t *weights, const std::uint8_t *pattern,
+               const WideMasks &masks)
+        : order_(order), weights_(weights), at_(pattern), pattern_(ordered(masks)) {}
 
     // The first place from `at` on where the pattern's `length` bytes from `from` on stand, before `limit`;
     // null: there is none.
     const std::uint8_t *find(unsigned from, unsigned length, const std::uint8_t *at,
                              const std::uint8_t *limit) const {
-        const Vector first = _mm512_set1_epi8(static_cast<char>(pattern_[from]));
-        const Vector last = _mm512_set1_epi8(static_cast<char>(pattern_[from + length - 1]));
+        const Vector first = oneOf(from);
+        const Vector last = oneOf(from + length - 1);
         for (; limit - at >= static_cast<std::ptrdiff_t>(length); at += kShortBlock) {
             const std::uint64_t inside = lowBits(static_cast<std::size_t>(limit - at) - length + 1);
             std::uint64_t places = equal(inside, at, first) & equal(inside, at + length - 1, last);
@@ -38,25 +36,37 @@ public:
         return nullptr;
     }
     // Which of those bytes stand at a place.
-    [[nodiscard]] [[gnu::noinline]] std::uint64_t standing(unsigned from, unsigned length,
-                                                           const std::uint8_t *place) const {
-        return equal(lowBits(length), place, _mm512_loadu_si512(pattern_ + from));
+    [[nodiscard]] std::uint64_t standing(unsigned from, unsigned length, const std::uint8_t *place) const {
+        return equal(lowBits(length), place, ordered(WideMasks(at_ + from, length)).bytes());
     }
 
 private:
-    [[nodiscard]] Vector ordered(Vector bytes) const {
+    [[nodiscard]] WideMasks ordered(const WideMasks &bytes) const {
         if (order_ == ShortOrder::Weights)
-            return WideMasks(bytes).mapped(weights_, weights_[unsigned{'s'}]).bytes();
-        return order_ == ShortOrder::Ascii ? WideMasks(bytes).lowered().bytes() : bytes;
+            return bytes.mapped(weights_, weights_[unsigned{'s'}]);
+        return order_ == ShortOrder::Ascii ? bytes.lowered() : bytes;
+    }
+    [[nodiscard]] Vector oneOf(unsigned place) const {
+        return _mm512_permutexvar_epi8(all(place), pattern_.bytes());
     }
     [[nodiscard]] std::uint64_t equal(std::uint64_t inside, const std::uint8_t *text, Vector wanted) const {
-        return _mm512_mask_cmpeq_epi8_mask(inside, ordered(_mm512_maskz_loadu_epi8(inside, text)), wanted);
+        return _mm512_mask_cmpeq_epi8_mask(
+            inside, ordered(WideMasks(_mm512_maskz_loadu_epi8(inside, text))).bytes(), wanted);
     }
 
-    alignas(kShortBlock) std::uint8_t pattern_[2 * kShortBlock];
     ShortOrder order_;
     const std::uint8_t *weights_;
+    const std::uint8_t *at_; // the pattern
+    WideMasks pattern_;
 };
+
+// The end of a text. Blocks that begin where they may lie in one page of memory.
+const std::uint8_t *endOf(const std::uint8_t *text) {
+    const auto *at = reinterpret_cast<const std::uint8_t *>(reinterpret_cast<std::uintptr_t>(text + kShortBlock) & ~std::uintptr_t{kShortBlock - 1});
+    for (;; at += kShortBlock)
+        if (const std::uint64_t ends = WideMasks(at).equal(0); ends != 0)
+            return at + placeOf(ends);
+}
 
 // Whether a character begins at a place, as far as the bytes before it tell; at the text's end, whether it
 // cuts none.
@@ -72,14 +82,12 @@ bool isBoundary(ShortMatching matching, const std::uint8_t *text, const std::uin
     return ((place - at) & 1) == 0;
 }
 
-} // namespace
-
-ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
-                   const ShortSigns &signs) {
+[[gnu::always_inline]] inline ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern,
+                                                 const std::uint8_t *text, LikeSigns signs) {
     ShortPattern<WideMasks> wanted(pattern);
     if (!wanted.divide(matching))
         return ShortLike::Unsettled;
-    const std::uint8_t *end = text + std::strlen(reinterpret_cast<const char *>(text));
+    const std::uint8_t *end = endOf(text);
     // A first byte that the end cuts off from the rest may match by itself.
     if (!isBoundary(matching, text, end))
         return ShortLike::Unsettled;
@@ -90,7 +98,7 @@ ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const st
           std::memchr(text, kDottedILead, static_cast<std::size_t>(end - text)) != nullptr)))
         return ShortLike::Unsettled;
     const std::uint64_t any = wanted.masks.equal(signs.anyString) & (wanted.end - 1) & ~wanted.trails;
-    const LongSought sought(order, matching.weights(), pattern);
+    const LongSought sought(order, matching.weights(), pattern, wanted.masks);
     const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
     if (const unsigned length = placeOf(wanted.end) - tail; length != 0) {
         end -= length;
@@ -113,6 +121,16 @@ ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const st
         from = stop + 1;
     }
     return ShortLike::Yes;
+}
+
+} // namespace
+
+nlsStatus likeLong(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+    ShortMatching matching = fast::matchingOf(*locale, asked.mode());
+    if (matching.order == ShortOrder::Unknown)
+        matching = {ShortOrder::Weights, ShortPage::Bytes, weightsOf(*locale->collation, asked.mode())};
+    const ShortLike said = longLike(matching, bytesOf(pattern), bytesOf(text), asked.signs());
+    return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
 }
 
 } // namespace velnls::avx512

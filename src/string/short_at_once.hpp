@@ -44,7 +44,7 @@ template <typename Masks>
 // in the text, and those of its last one at its end.
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike likeAtOnce(ShortMatching matching, const std::uint8_t *pattern,
-                                                   const std::uint8_t *text, const ShortSigns &signs) {
+                                                   const std::uint8_t *text, LikeSigns signs) {
     return withLikeRead<Masks>(
         matching, pattern, text, signs, [=](const ShortLikeRead<Masks> &read) __attribute__((always_inline)) {
             const std::uint64_t last = read.patternEnd >> 1;

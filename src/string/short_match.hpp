@@ -6,6 +6,7 @@
 #pragma once
 
 #include "locale/case_fast.hpp"
+#include "string/like_call.hpp"
 #include "string/short_text.hpp"
 
 namespace velnls {
@@ -24,13 +25,6 @@ struct ShortPlaces {
     [[nodiscard]] std::uint32_t textLength() const {
         return static_cast<std::uint32_t>(lengths >> 32);
     }
-};
-
-// The signs of LIKE, each an ASCII character; an escape of 0 is none.
-struct ShortSigns {
-    std::uint32_t escape;
-    std::uint32_t oneCharacter;
-    std::uint32_t anyString;
 };
 
 enum class ShortLike {
@@ -122,7 +116,7 @@ struct ShortPattern {
         return page == ShortPage::Utf8 && (masks.lowered().equal('i') & (end - 1)) != 0;
     }
     // The any-string signs, where it begins with one and has no other signs; 0 where it does not. Divides it.
-    [[gnu::always_inline]] std::uint64_t anyStrings(ShortMatching matching, const ShortSigns &signs) {
+    [[gnu::always_inline]] std::uint64_t anyStrings(ShortMatching matching, LikeSigns signs) {
         if (end <= 1 || !divide(matching))
             return 0;
         const std::uint64_t begins = (end - 1) & ~trails;
@@ -281,7 +275,7 @@ struct ShortLikeRead {
 // Calls `settle` with them, where both are for the short ways.
 template <typename Masks, typename Settle>
 [[gnu::always_inline]] inline ShortLike withLikeRead(ShortMatching matching, const std::uint8_t *pattern,
-                                                     const std::uint8_t *text, const ShortSigns &signs,
+                                                     const std::uint8_t *text, LikeSigns signs,
                                                      Settle settle) {
     ShortPattern<Masks> wanted(pattern);
     const std::uint64_t any = wanted.anyStrings(matching, signs);
@@ -300,7 +294,7 @@ template <typename Masks, typename Settle>
 
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike shortLikeBy(ShortMatching matching, const std::uint8_t *pattern,
-                                                    const std::uint8_t *text, const ShortSigns &signs) {
+                                                    const std::uint8_t *text, LikeSigns signs) {
     return withLikeRead<Masks>(
         matching, pattern, text,
         signs, [matching](const ShortLikeRead<Masks> &read) __attribute__((always_inline)) {

@@ -28,31 +28,14 @@ template <ShortPage kPage>
     return shortPlacesBy<WideMasks>(matchingOn<kPage>(locale, mode), pattern, text);
 }
 
-[[gnu::noinline]] LikeCall likeLong;
-
 template <ShortPage kPage>
 [[gnu::noinline]] nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text,
-                                        std::uint16_t mode, std::uint32_t escape, std::uint32_t oneCharacter,
-                                        std::uint32_t anyString) {
-    const ShortSigns signs{escape, oneCharacter, anyString};
-    const ShortLike said =
-        shortLikeBy<WideMasks>(matchingOn<kPage>(*locale, mode), bytesOf(pattern), bytesOf(text), signs);
+                                        LikeAsked asked) {
+    const ShortLike said = shortLikeBy<WideMasks>(matchingOn<kPage>(*locale, asked.mode()), bytesOf(pattern),
+                                                  bytesOf(text), asked.signs());
     if (fast::isAnswer(said))
         return fast::answerOf(said);
-    return (said == ShortLike::TextGoesOn ? likeLong : likeByPage)(locale, pattern, text, mode, escape,
-                                                                   oneCharacter, anyString);
-}
-
-// A text that goes on behind its block.
-nlsStatus likeLong(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
-                   std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
-    const ShortSigns signs{escape, oneCharacter, anyString};
-    ShortMatching matching = fast::matchingOf(*locale, mode);
-    if (matching.order == ShortOrder::Unknown)
-        matching = matchingOn<ShortPage::Bytes>(*locale, mode);
-    const ShortLike said = longLike(matching, bytesOf(pattern), bytesOf(text), signs);
-    return fast::isAnswer(said) ? fast::answerOf(said)
-                                : likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+    return (said == ShortLike::TextGoesOn ? likeLong : likeByPage)(locale, pattern, text, asked);
 }
 
 // ---- What is said at once: with page and order as constants, each pair in a function of its own
@@ -83,20 +66,19 @@ template <ShortPage kPage, ShortOrder kOrder>
 struct Like {
     static constexpr auto kOfPairs = &likeClosely<ShortPage::Pairs>;
     [[gnu::noinline]] static nlsStatus match(nlsLocale *locale, const char *pattern, const char *text,
-                                             std::uint16_t mode, std::uint32_t escape,
-                                             std::uint32_t oneCharacter, std::uint32_t anyString) {
-        switch (likeAtOnce<WideMasks>(known<kPage, kOrder>(*locale, mode), bytesOf(pattern), bytesOf(text),
-                                      {escape, oneCharacter, anyString})) {
+                                             LikeAsked asked) {
+        switch (likeAtOnce<WideMasks>(known<kPage, kOrder>(*locale, asked.mode()), bytesOf(pattern),
+                                      bytesOf(text), asked.signs())) {
         case ShortLike::No:
             return kLikeNo;
         case ShortLike::Yes:
             return kLikeYes;
         case ShortLike::Unsettled:
-            return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+            return likeByPage(locale, pattern, text, asked);
         case ShortLike::TextGoesOn:
-            return likeLong(locale, pattern, text, mode, escape, oneCharacter, anyString);
+            return likeLong(locale, pattern, text, asked);
         default:
-            return likeClosely<kPage>(locale, pattern, text, mode, escape, oneCharacter, anyString);
+            return likeClosely<kPage>(locale, pattern, text, asked);
         }
     }
 };
@@ -130,14 +112,13 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
                                     : fast::findMoved(locale, pattern, text, mode);
 }
 
-nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
-                      std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
-    const auto like = wayFor<Like>(locale->header.proofs, mode);
+nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+    const auto like = wayFor<Like>(locale->header.proofs, asked.mode());
     if (like == nullptr)
-        return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+        return likeByPage(locale, pattern, text, asked);
     if (!fast::fitsBlock(bytesOf(pattern)))
-        return fast::likeMoved(locale, pattern, text, mode, escape, oneCharacter, anyString);
-    return like(locale, pattern, text, mode, escape, oneCharacter, anyString);
+        return fast::likeMoved(locale, pattern, text, asked);
+    return like(locale, pattern, text, asked);
 }
 
 } // namespace velnls::avx512

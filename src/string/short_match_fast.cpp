@@ -41,18 +41,16 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
                               : findMoved(locale, pattern, text, mode);
 }
 
-nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
-                      std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
-    const ShortMatching matching = matchingOf(*locale, mode);
+nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+    const ShortMatching matching = matchingOf(*locale, asked.mode());
     if (matching.order != ShortOrder::Unknown) {
         if (!fitsBlock(bytesOf(pattern)))
-            return likeMoved(locale, pattern, text, mode, escape, oneCharacter, anyString);
-        const ShortSigns signs{escape, oneCharacter, anyString};
-        const ShortLike result = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), signs);
+            return likeMoved(locale, pattern, text, asked);
+        const ShortLike result = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
         if (isAnswer(result))
             return answerOf(result);
     }
-    return likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+    return likeByPage(locale, pattern, text, asked);
 }
 
 ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
@@ -61,11 +59,10 @@ ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern, cons
     return moved.fits() ? placesIn(locale, bytesOf(moved.at()), text, mode) : kUnsettledPlaces;
 }
 
-nlsStatus likeMoved(nlsLocale *locale, const char *pattern, const char *text, std::uint16_t mode,
-                    std::uint32_t escape, std::uint32_t oneCharacter, std::uint32_t anyString) {
+nlsStatus likeMoved(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
     const MovedPattern moved(pattern);
-    return moved.fits() ? likeIn(locale, moved.at(), text, mode, escape, oneCharacter, anyString)
-                        : likeByPage(locale, pattern, text, mode, escape, oneCharacter, anyString);
+    return moved.fits() ? likeIn(locale, moved.at(), text, asked)
+                        : likeByPage(locale, pattern, text, asked);
 }
 
 } // namespace velnls::fast

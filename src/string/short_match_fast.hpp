@@ -7,7 +7,7 @@
 
 #include "collate/compare.hpp"
 #include "locale/text.hpp"
-#include "string/like.hpp"
+#include "string/like_call.hpp"
 #include "string/short_fast.hpp"
 #include "string/short_match.hpp"
 
@@ -19,9 +19,8 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
 // As likeByPage(), which it calls where one block does not settle it. The text fitsBlock(), and the pattern
 // begins with an any-string sign.
 LikeCall likeShortly;
-// What a short way says of a text that goes on behind its block.
-ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern, const std::uint8_t *text,
-                   const ShortSigns &signs);
+// The same for a text that goes on behind its block and a pattern that is for the short ways.
+LikeCall likeLong;
 
 } // namespace velnls::avx512
 
@@ -69,17 +68,16 @@ LikeCall likeMoved;
 }
 
 // Whether likeIn() is for the text and the signs.
-[[gnu::always_inline]] inline bool isForLikeIn(const char *text, const ShortSigns &signs) {
+[[gnu::always_inline]] inline bool isForLikeIn(const char *text, LikeSigns signs) {
     constexpr std::uint32_t kBehindAscii = 0x80;
     return (signs.anyString | signs.oneCharacter | signs.escape) < kBehindAscii && fitsBlock(bytesOf(text));
 }
 // LIKE with a pattern that begins with an any-string sign.
 [[gnu::always_inline]] inline nlsStatus likeIn(nlsLocale *locale, const char *pattern, const char *text,
-                                               std::uint16_t mode, std::uint32_t escape,
-                                               std::uint32_t oneCharacter, std::uint32_t anyString) {
+                                               LikeAsked asked) {
     return (locale->header.proofs & kWideVectors) != 0
-               ? avx512::likeShortly(locale, pattern, text, mode, escape, oneCharacter, anyString)
-               : likeShortly(locale, pattern, text, mode, escape, oneCharacter, anyString);
+               ? avx512::likeShortly(locale, pattern, text, asked)
+               : likeShortly(locale, pattern, text, asked);
 }
 
 #else
