@@ -42,30 +42,28 @@ nlsStatus endOr0(const std::uint8_t *at) {
         return refuseLocale(locale);
     if (p == nullptr || next == nullptr) [[unlikely]]
         return NLS_E_NULLARG;
-    if (locale->charTable == nullptr) [[unlikely]] {
+    const std::uint8_t *const at = bytesOf(p);
+    // The usual ones first, and without a look into the table where the page is proved to be UTF-8.
+    if ((locale->header.proofs & kUtf8Page) != 0) [[likely]] {
+        std::size_t lead = *at;
+        if (static_cast<std::int8_t>(lead) >= -0x40 && lead < 0xE0) [[likely]] {
+            // Of one byte or of two: which comes next nobody could foresee, so that no jump depends on it.
+            asm("" : "+r"(lead));
+            const std::uint8_t *const last = at + (lead >> 7);
+            if (*last != 0) [[likely]]
+                return stepTo(last + 1, next);
+        } else if (lead >= 0xE0 && lead < 0xF0 && at[1] != 0 && at[2] != 0) [[likely]] {
+            return stepTo(at + 3, next);
+        }
+    } else if (locale->charTable == nullptr) [[unlikely]] {
         *next = nullptr;
         return NLS_E_NOCHARTAB;
-    }
-    const std::uint8_t *const at = bytesOf(p);
-    const CharTable &table = *locale->charTable;
-    // The usual ones first, and without a look into the table where the page is proved to be UTF-8.
-    if ((locale->header.proofs & kUtf8Page) != 0) {
-        if (static_cast<std::int8_t>(*at) > 0) [[likely]]
-            return stepTo(at + 1, next);
-        if (*at >= 0xC0 && at[1] != 0) {
-            if (*at < 0xE0)
-                return stepTo(at + 2, next);
-            if (*at < 0xF0 && at[2] != 0)
-                return stepTo(at + 3, next);
-        }
     } else {
-        const unsigned trails = table.trailCount(*at);
-        if (trails == 0 && *at != 0)
-            return stepTo(at + 1, next);
-        if (trails == 1 && *at != 0 && at[1] != 0) // a record may say anything of NUL
-            return stepTo(at + 2, next);
+        const std::size_t trails = locale->charTable->trailCount(*at);
+        if (trails <= 1 && *at != 0 && at[trails] != 0) [[likely]] // a record may say anything of NUL
+            return stepTo(at + trails + 1, next);
     }
-    return stepOver(table, at, next);
+    return stepOver(*locale->charTable, at, next);
 }
 
 nlsStatus nlsGetPrevChar(nlsLocale *locale, const char *p, const char *start, char **prev) {
