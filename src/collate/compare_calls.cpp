@@ -10,6 +10,7 @@
 #include "icu/collate.hpp"
 #include "locale/case_text.hpp"
 
+#include <bit>
 #include <cstring>
 
 using namespace velnls;
@@ -24,6 +25,18 @@ nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char 
                              const std::uint8_t *weights, std::int16_t *out) {
     const WeightOrder order{weights, locale->charTable};
     return give(compareByByteWeightsOn(order, boundedText(a, -1), boundedText(b, -1)), out);
+}
+
+// A blank behind which the other string has ended may be the first of those at an end.
+nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, const std::uint8_t *weights,
+                       std::int16_t *out, std::uint32_t places) {
+    a += std::countr_zero(places);
+    b += std::countr_zero(places);
+    const unsigned byteA = *bytesOf(a);
+    const unsigned byteB = *bytesOf(b);
+    if ((byteA == 0 || byteB == 0) && (byteA | byteB) != ' ')
+        return give(signOf(static_cast<int>(byteA - byteB)), out);
+    return compareOnByWeights(locale, a, b, weights, out);
 }
 
 } // namespace velnls

@@ -17,6 +17,9 @@ namespace velnls {
 nlsStatus compareOnByBytes(const char *a, const char *b, std::int16_t *out);
 nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char *b,
                              const std::uint8_t *weights, std::int16_t *out);
+// The same for two strings of which one may end at the first of the places where they differ.
+nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, const std::uint8_t *weights,
+                       std::int16_t *out, std::uint32_t places);
 
 #if defined(VELNLS_READS_AHEAD)
 
@@ -37,12 +40,6 @@ template <typename Places>
     return order != kUnsettled ? give(order, out) : compareOnByBytes(a, b, out);
 }
 
-// Whether a string has ended that the other goes on behind, and not by a blank, which may be the first of
-// those at an end.
-[[gnu::always_inline]] inline bool endsBeforeMore(unsigned a, unsigned b) {
-    return (a == 0 || b == 0) && (a | b) != ' ';
-}
-
 // By weights, with 0 for that of NUL.
 template <typename Places>
 [[gnu::always_inline]] inline nlsStatus
@@ -50,25 +47,16 @@ compareFirstWeightsBy(Places places, const nlsLocale *locale, const char *a, con
                       const std::uint8_t *weights, std::int16_t *out) {
     if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
         return compareOnByWeights(locale, a, b, weights, out);
-    std::uint32_t left = places(bytesOf(a), bytesOf(b));
-    if (left == 0) [[unlikely]]
-        return compareOnByWeights(locale, a + kAheadBytes, b + kAheadBytes, weights, out);
-    for (; left != 0; left >>= 1, ++a, ++b) {
-        const unsigned alike = firstOf(left);
-        left >>= alike;
-        a += alike;
-        b += alike;
-        const unsigned weightA = weights[*bytesOf(a)];
-        const unsigned weightB = weights[*bytesOf(b)];
-        if (weightA != weightB) {
-            if ((weightA != 0 && weightB != 0) || endsBeforeMore(*bytesOf(a), *bytesOf(b)))
-                return give(orderOf(weightA, weightB), out);
-            return compareOnByWeights(locale, a, b, weights, out);
-        }
-        if (weightA == 0)
-            return (*a | *b) == 0 ? give(0, out) : compareOnByWeights(locale, a, b, weights, out);
+    for (std::uint32_t left = places(bytesOf(a), bytesOf(b)); left != 0; left &= left - 1) {
+        const std::size_t at = firstOf(left);
+        const unsigned weightA = weights[bytesOf(a)[at]];
+        const unsigned weightB = weights[bytesOf(b)[at]];
+        if (weightA == 0 || weightB == 0)
+            return compareAtEnd(locale, a, b, weights, out, left);
+        if (weightA != weightB)
+            return give(orderOf(weightA, weightB), out);
     }
-    return compareOnByWeights(locale, a, b, weights, out);
+    return compareOnByWeights(locale, a + kAheadBytes, b + kAheadBytes, weights, out);
 }
 
 #else
