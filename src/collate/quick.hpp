@@ -10,13 +10,13 @@
 namespace velnls {
 
 // The proofs of a locale that passes all checks of a call that orders strings; for any other, none of the
-// proofs of an order. Those are there only where a collation and a character table are.
+// proofs of an order. Those are there only where a collation is.
 [[gnu::always_inline]] inline std::uint32_t provedOrder(const nlsLocale *locale) {
     if (locale == nullptr || locale->header.type != kLocaleObject) [[unlikely]]
         return 0;
     const std::uint32_t proofs = locale->header.proofs;
-    if ((proofs & (kByteWeights | kBasicOrder)) == 0 ||
-        locale->handle->header.type != kHandleObject) [[unlikely]]
+    if ((proofs & (kByteWeights | kBasicOrder)) == 0 || locale->handle->header.type != kHandleObject ||
+        locale->charTable == nullptr) [[unlikely]]
         return 0;
     return proofs;
 }

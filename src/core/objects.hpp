@@ -11,8 +11,12 @@ void pushObject(nlsHandle &handle, ObjectHeader &object, ObjectType type);
 // Takes an object off the list. Its type stays.
 void unlinkObject(nlsHandle &handle, ObjectHeader &object);
 
+// A reference where there is one in any case: every locale has its handle, closed or not.
+inline bool isLive(const nlsHandle &handle) {
+    return handle.header.type == kHandleObject;
+}
 inline bool isLive(const nlsHandle *handle) {
-    return handle != nullptr && handle->header.type == kHandleObject;
+    return handle != nullptr && isLive(*handle);
 }
 
 // Holds the handle's busy flag for a scope. Refused while another operation holds it.

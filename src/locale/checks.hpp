@@ -21,7 +21,7 @@ inline const nlsHandle *ownerOf(const ObjectHeader &object) {
 
 // Whether a call may use a locale; refuseLocale tells what is wrong with any other.
 inline bool isOpenLocale(const nlsLocale *locale) {
-    return locale != nullptr && locale->header.type == kLocaleObject && isLive(locale->handle);
+    return locale != nullptr && locale->header.type == kLocaleObject && isLive(*locale->handle);
 }
 
 // 13 (null, or of a closed handle) or 24. Out of the way of the calls that go on.
@@ -48,7 +48,7 @@ inline nlsStatus checkLocale(const nlsLocale *locale) {
 // Whether a call may use a conversion; refuseConversion tells what is wrong with any other.
 inline bool isOpenConversion(const nlsConversion *conversion) {
     return conversion != nullptr && conversion->header.type == kConversionObject &&
-           isLive(conversion->source->handle) && isLive(conversion->target->handle);
+           isLive(*conversion->source->handle) && isLive(*conversion->target->handle);
 }
 
 // 13 (null, or a locale of a closed handle) or 26.

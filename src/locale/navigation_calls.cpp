@@ -42,6 +42,10 @@ nlsStatus endOr0(const std::uint8_t *at) {
         return refuseLocale(locale);
     if (p == nullptr || next == nullptr) [[unlikely]]
         return NLS_E_NULLARG;
+    if (locale->charTable == nullptr) [[unlikely]] {
+        *next = nullptr;
+        return NLS_E_NOCHARTAB;
+    }
     const std::uint8_t *const at = bytesOf(p);
     // The usual ones first, and without a look into the table where the page is proved to be UTF-8.
     if ((locale->header.proofs & kUtf8Page) != 0) [[likely]] {
@@ -55,9 +59,6 @@ nlsStatus endOr0(const std::uint8_t *at) {
         } else if (lead >= 0xE0 && lead < 0xF0 && at[1] != 0 && at[2] != 0) [[likely]] {
             return stepTo(at + 3, next);
         }
-    } else if (locale->charTable == nullptr) [[unlikely]] {
-        *next = nullptr;
-        return NLS_E_NOCHARTAB;
     } else {
         const std::size_t trails = locale->charTable->trailCount(*at);
         if (trails <= 1 && *at != 0 && at[trails] != 0) [[likely]] // a record may say anything of NUL

@@ -4,65 +4,21 @@
 #include "string/short_match_fast.hpp"
 #include "string/utf8_boundary.hpp"
 
-#include <cstring>
-
 #if defined(VELNLS_SHORT_TEXTS)
 
 namespace velnls::avx512 {
 
 namespace {
 
-// Text and pattern as their order makes them.
-class LongSought {
-public:
-    LongSought(ShortOrder order, const std::uint8_t *weights, const std::uint8_t *pattern,
-               const WideMasks &masks)
-        : order_(order), weights_(weights), at_(pattern), pattern_(ordered(masks)) {}
+// The block that a byte lies in. Blocks begin where each lies in one page of memory.
+[[gnu::always_inline]] inline const std::uint8_t *blockOf(const std::uint8_t *at) {
+    return reinterpret_cast<const std::uint8_t *>(reinterpret_cast<std::uintptr_t>(at) &
+                                                  ~std::uintptr_t{kShortBlock - 1});
+}
 
-    // The first place from `at` on where the pattern's `length` bytes from `from` on stand, before `limit`;
-    // null: there is none.
-    const std::uint8_t *find(unsigned from, unsigned length, const std::uint8_t *at,
-                             const std::uint8_t *limit) const {
-        const Vector first = oneOf(from);
-        const Vector last = oneOf(from + length - 1);
-        for (; limit - at >= static_cast<std::ptrdiff_t>(length); at += kShortBlock) {
-            const std::uint64_t inside = lowBits(static_cast<std::size_t>(limit - at) - length + 1);
-            std::uint64_t places = equal(inside, at, first) & equal(inside, at + length - 1, last);
-            for (; places != 0; places &= places - 1)
-                if (const std::uint8_t *const place = at + placeOf(places);
-                    standing(from, length, place) == lowBits(length))
-                    return place;
-        }
-        return nullptr;
-    }
-    // Which of those bytes stand at a place.
-    [[nodiscard]] std::uint64_t standing(unsigned from, unsigned length, const std::uint8_t *place) const {
-        return equal(lowBits(length), place, ordered(WideMasks(at_ + from, length)).bytes());
-    }
-
-private:
-    [[nodiscard]] WideMasks ordered(const WideMasks &bytes) const {
-        if (order_ == ShortOrder::Weights)
-            return bytes.mapped(weights_, weights_[unsigned{'s'}]);
-        return order_ == ShortOrder::Ascii ? bytes.lowered() : bytes;
-    }
-    [[nodiscard]] Vector oneOf(unsigned place) const {
-        return _mm512_permutexvar_epi8(all(place), pattern_.bytes());
-    }
-    [[nodiscard]] std::uint64_t equal(std::uint64_t inside, const std::uint8_t *text, Vector wanted) const {
-        return _mm512_mask_cmpeq_epi8_mask(
-            inside, ordered(WideMasks(_mm512_maskz_loadu_epi8(inside, text))).bytes(), wanted);
-    }
-
-    ShortOrder order_;
-    const std::uint8_t *weights_;
-    const std::uint8_t *at_; // the pattern
-    WideMasks pattern_;
-};
-
-// The end of a text. Blocks that begin where they may lie in one page of memory.
-const std::uint8_t *endOf(const std::uint8_t *text) {
-    const auto *at = reinterpret_cast<const std::uint8_t *>(reinterpret_cast<std::uintptr_t>(text + kShortBlock) & ~std::uintptr_t{kShortBlock - 1});
+// The end of a text whose first kShortBlock bytes hold none.
+[[gnu::always_inline]] inline const std::uint8_t *endOf(const std::uint8_t *text) {
+    const std::uint8_t *at = blockOf(text + kShortBlock);
     for (;; at += kShortBlock)
         if (const std::uint64_t ends = WideMasks(at).equal(0); ends != 0)
             return at + placeOf(ends);
@@ -70,43 +26,143 @@ const std::uint8_t *endOf(const std::uint8_t *text) {
 
 // Whether a character begins at a place, as far as the bytes before it tell; at the text's end, whether it
 // cuts none.
-bool isBoundary(ShortMatching matching, const std::uint8_t *text, const std::uint8_t *place) {
-    if (matching.page == ShortPage::Bytes)
-        return true;
-    if (matching.page == ShortPage::Utf8)
+[[gnu::noinline]] bool isBoundaryOfLong(const nlsLocale &locale, const std::uint8_t *text,
+                                        const std::uint8_t *place) {
+    if ((locale.header.proofs & kUtf8Page) != 0)
         return nothingReachesAcross(text, place);
     // Lead bytes side by side are pairs, but for the last one of an odd number.
+    const PageFacts &facts = factsOf(*locale.charTable);
     const std::uint8_t *at = place;
-    while (at != text && matching.facts()->isLead(at[-1]))
+    while (at != text && facts.isLead(at[-1]))
         --at;
     return ((place - at) & 1) == 0;
 }
+[[gnu::always_inline]] inline bool isBoundary(const nlsLocale &locale, const std::uint8_t *text,
+                                              const std::uint8_t *place) {
+    return (locale.header.proofs & kSingleBytePage) != 0 || isBoundaryOfLong(locale, text, place);
+}
 
-[[gnu::always_inline]] inline ShortLike longLike(ShortMatching matching, const std::uint8_t *pattern,
-                                                 const std::uint8_t *text, LikeSigns signs) {
+// How a pattern up to its NUL, a bit, divides into characters where not all of it is ASCII.
+[[gnu::noinline]] ShortStructure structureOfPattern(const nlsLocale &locale, const std::uint8_t *pattern,
+                                                    std::uint64_t end) {
+    return structureOf(fast::matchingOf(locale, 0), WideMasks(pattern), end);
+}
+
+// Text and pattern as an order makes them.
+template <ShortOrder kOrder>
+class LongSought {
+public:
+    [[gnu::always_inline]] LongSought(const std::uint8_t *pattern, const std::uint8_t *weights)
+        : pattern_(pattern), weights_(weights) {}
+
+    [[nodiscard]] [[gnu::always_inline]] std::uint8_t orderedByte(std::uint8_t byte) const {
+        if constexpr (kOrder == ShortOrder::Bytes)
+            return byte;
+        else if constexpr (kOrder == ShortOrder::Ascii)
+            return byte - unsigned{'A'} < 26 ? byte | 0x20 : byte;
+        else
+            return weights_[byte] != 0 ? weights_[byte] : weights_[unsigned{'s'}];
+    }
+    // The first place from `at` on where the pattern's `length` bytes from `from` on stand, before `limit`;
+    // null: there is none.
+    [[gnu::always_inline]] const std::uint8_t *find(unsigned from, unsigned length, const std::uint8_t *at,
+                                                    const std::uint8_t *limit) const {
+        const std::uint8_t *block = blockOf(at);
+        const Vector first = all(orderedByte(pattern_[from]));
+        const Vector last = all(orderedByte(pattern_[from + length - 1]));
+        Ends ends = endsIn(block, first, last, limit);
+        ends.first &= ~std::uint64_t{0} << (at - block);
+        for (;;) {
+            // Where the last byte of a piece would have to be that begins in this block, it may be in the next.
+            const std::uint8_t *const next = block + kShortBlock;
+            const Ends behind = next < limit ? endsIn(next, first, last, limit) : Ends{0, 0};
+            std::uint64_t places = ends.first & (ends.last >> (length - 1) | behind.last << 1 << (64 - length));
+            for (; places != 0; places &= places - 1)
+                if (stands(from, length, block + placeOf(places)))
+                    return block + placeOf(places);
+            if (next >= limit)
+                return nullptr;
+            block = next;
+            ends = behind;
+        }
+    }
+    // Which of those bytes stand at a place.
+    [[nodiscard]] [[gnu::noinline]] std::uint64_t standing(unsigned from, unsigned length,
+                                                           const std::uint8_t *place) const {
+        const std::uint64_t bytes = lowBits(length);
+        return _mm512_mask_cmpeq_epi8_mask(bytes, ordered(_mm512_maskz_loadu_epi8(bytes, place)),
+                                           ordered(_mm512_maskz_loadu_epi8(bytes, pattern_ + from)));
+    }
+
+private:
+    // Where the first and the last byte of a piece stand in a block, before `limit`.
+    struct Ends {
+        std::uint64_t first;
+        std::uint64_t last;
+    };
+    [[nodiscard]] [[gnu::always_inline]] Ends endsIn(const std::uint8_t *block, Vector first, Vector last,
+                                                     const std::uint8_t *limit) const {
+        const Vector bytes = ordered(_mm512_load_si512(block));
+        return {_mm512_cmpeq_epi8_mask(bytes, first),
+                _mm512_cmpeq_epi8_mask(bytes, last) & lowBits(static_cast<std::size_t>(limit - block))};
+    }
+    [[nodiscard]] [[gnu::always_inline]] bool stands(unsigned from, unsigned length,
+                                                     const std::uint8_t *place) const {
+        return length <= 2 || standing(from, length, place) == lowBits(length);
+    }
+    [[nodiscard]] [[gnu::always_inline]] Vector ordered(Vector bytes) const {
+        if constexpr (kOrder == ShortOrder::Weights)
+            return WideMasks(bytes).mapped(weights_, weights_[unsigned{'s'}]).bytes();
+        else
+            return kOrder == ShortOrder::Ascii ? WideMasks(bytes).lowered().bytes() : bytes;
+    }
+
+    const std::uint8_t *pattern_;
+    const std::uint8_t *weights_;
+};
+
+// Whether a text has what capital I with dot begins with.
+[[gnu::noinline]] bool mayHaveDottedI(const std::uint8_t *text, const std::uint8_t *end) {
+    for (; text < end; text += kShortBlock)
+        if (WideMasks(text, static_cast<std::size_t>(end - text)).equal(kDottedILead) != 0)
+            return true;
+    return false;
+}
+
+template <ShortOrder kOrder>
+[[gnu::noinline]] ShortLike longLike(const nlsLocale &locale, const std::uint8_t *pattern,
+                                     const std::uint8_t *text, LikeAsked asked) {
     ShortPattern<WideMasks> wanted(pattern);
-    if (!wanted.divide(matching))
-        return ShortLike::Unsettled;
+    if (wanted.high() != 0) {
+        const ShortStructure structure = structureOfPattern(locale, pattern, wanted.end);
+        wanted.trails = structure.trails;
+        if ((structure.wrong | (structure.trails & wanted.end)) != 0)
+            return ShortLike::Unsettled;
+    }
+    const std::uint8_t *const begin = text;
     const std::uint8_t *end = endOf(text);
+    if constexpr (kOrder == ShortOrder::Ascii) {
+        ShortOrder order = kOrder;
+        const ShortPage page = fast::matchingOf(locale, 0).page;
+        if (!wanted.foldsAsAscii(page, order) || (wanted.mayMeetDottedI(page) && mayHaveDottedI(text, end)))
+            return ShortLike::Unsettled;
+        if (order == ShortOrder::Bytes)
+            return longLike<ShortOrder::Bytes>(locale, pattern, text, asked);
+    }
     // A first byte that the end cuts off from the rest may match by itself.
-    if (!isBoundary(matching, text, end))
+    if (!isBoundary(locale, text, end))
         return ShortLike::Unsettled;
-    ShortOrder order = matching.order;
-    if (order == ShortOrder::Ascii &&
-        (!wanted.foldsAsAscii(matching.page, order) ||
-         (wanted.mayMeetDottedI(matching.page) &&
-          std::memchr(text, kDottedILead, static_cast<std::size_t>(end - text)) != nullptr)))
-        return ShortLike::Unsettled;
-    const std::uint64_t any = wanted.masks.equal(signs.anyString) & (wanted.end - 1) & ~wanted.trails;
-    const LongSought sought(order, matching.weights(), pattern, wanted.masks);
+    const std::uint64_t any =
+        wanted.masks.equal(asked.signs().anyString) & (wanted.end - 1) & ~wanted.trails;
+    const LongSought<kOrder> sought(
+        pattern, kOrder == ShortOrder::Weights ? weightsOf(*locale.collation, asked.mode()) : nullptr);
     const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
     if (const unsigned length = placeOf(wanted.end) - tail; length != 0) {
-        end -= length;
-        const std::uint64_t standing = sought.standing(tail, length, end);
-        if ((standing >> (length - 1)) == 0)
+        if (sought.orderedByte(end[-1]) != sought.orderedByte(pattern[tail + length - 1]))
             return ShortLike::No;
+        end -= length;
         // The last literal takes repeats of itself, which may be how the text ends.
-        if (standing != lowBits(length) || !isBoundary(matching, text, end))
+        if (sought.standing(tail, length, end) != lowBits(length) || !isBoundary(locale, begin, end))
             return ShortLike::Unsettled;
     }
     unsigned from = 1;
@@ -115,7 +171,7 @@ bool isBoundary(ShortMatching matching, const std::uint8_t *text, const std::uin
         const std::uint8_t *const place = sought.find(from, stop - from, text, end);
         if (place == nullptr)
             return ShortLike::No;
-        if (!isBoundary(matching, text, place))
+        if (!isBoundary(locale, begin, place))
             return ShortLike::Unsettled;
         text = place + (stop - from);
         from = stop + 1;
@@ -123,14 +179,25 @@ bool isBoundary(ShortMatching matching, const std::uint8_t *text, const std::uin
     return ShortLike::Yes;
 }
 
+template <ShortOrder kOrder>
+nlsStatus likeLongBy(nlsLocale *locale, const char *pattern, const char *text,
+                                                   LikeAsked asked) {
+    const ShortLike said = longLike<kOrder>(*locale, bytesOf(pattern), bytesOf(text), asked);
+    return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
+}
+
 } // namespace
 
-nlsStatus likeLong(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
-    ShortMatching matching = fast::matchingOf(*locale, asked.mode());
-    if (matching.order == ShortOrder::Unknown)
-        matching = {ShortOrder::Weights, ShortPage::Bytes, weightsOf(*locale->collation, asked.mode())};
-    const ShortLike said = longLike(matching, bytesOf(pattern), bytesOf(text), asked.signs());
-    return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
+nlsStatus likeLongByBytes(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+    return likeLongBy<ShortOrder::Bytes>(locale, pattern, text, asked);
+}
+
+nlsStatus likeLongByAscii(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+    return likeLongBy<ShortOrder::Ascii>(locale, pattern, text, asked);
+}
+
+nlsStatus likeLongByWeights(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+    return likeLongBy<ShortOrder::Weights>(locale, pattern, text, asked);
 }
 
 } // namespace velnls::avx512

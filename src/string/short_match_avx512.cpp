@@ -28,14 +28,22 @@ template <ShortPage kPage>
     return shortPlacesBy<WideMasks>(matchingOn<kPage>(locale, mode), pattern, text);
 }
 
+[[gnu::always_inline]] inline LikeCall *likeLongBy(ShortOrder order) {
+    return order == ShortOrder::Bytes   ? likeLongByBytes
+           : order == ShortOrder::Ascii ? likeLongByAscii
+                                        : likeLongByWeights;
+}
+
 template <ShortPage kPage>
 [[gnu::noinline]] nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text,
                                         LikeAsked asked) {
-    const ShortLike said = shortLikeBy<WideMasks>(matchingOn<kPage>(*locale, asked.mode()), bytesOf(pattern),
-                                                  bytesOf(text), asked.signs());
+    const ShortMatching matching = matchingOn<kPage>(*locale, asked.mode());
+    const ShortLike said =
+        shortLikeBy<WideMasks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
     if (fast::isAnswer(said))
         return fast::answerOf(said);
-    return (said == ShortLike::TextGoesOn ? likeLong : likeByPage)(locale, pattern, text, asked);
+    return (said == ShortLike::TextGoesOn ? likeLongBy(matching.order) : likeByPage)(locale, pattern, text,
+                                                                                    asked);
 }
 
 // ---- What is said at once: with page and order as constants, each pair in a function of its own
@@ -76,7 +84,7 @@ struct Like {
         case ShortLike::Unsettled:
             return likeByPage(locale, pattern, text, asked);
         case ShortLike::TextGoesOn:
-            return likeLong(locale, pattern, text, asked);
+            return likeLongBy(kOrder)(locale, pattern, text, asked);
         default:
             return likeClosely<kPage>(locale, pattern, text, asked);
         }

@@ -19,8 +19,11 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
 // As likeByPage(), which it calls where one block does not settle it. The text fitsBlock(), and the pattern
 // begins with an any-string sign.
 LikeCall likeShortly;
-// The same for a text that goes on behind its block and a pattern that is for the short ways.
-LikeCall likeLong;
+// The same for a text that goes on behind its block and a pattern that is for the short ways: by how
+// characters match.
+LikeCall likeLongByBytes;
+LikeCall likeLongByAscii;
+LikeCall likeLongByWeights;
 
 } // namespace velnls::avx512
 
