@@ -15,17 +15,12 @@ constexpr nlsStatus kDigit = static_cast<nlsStatus>(-2);
 constexpr std::uint32_t kLowestThreeBytes = 0xE08080;
 constexpr std::uint32_t kHighestThreeBytes = 0xF4BFC0;
 
-// Results point into the caller's text, which the caller may write to.
-char *text(const std::uint8_t *at) {
-    return reinterpret_cast<char *>(const_cast<std::uint8_t *>(at));
-}
-
 nlsStatus endOr0(const std::uint8_t *at) {
     return *at == 0 ? NLS_E_END : NLS_OK;
 }
 
 [[gnu::always_inline]] inline nlsStatus stepTo(const std::uint8_t *at, char **next) {
-    *next = text(at);
+    *next = callersText(at);
     return endOr0(at);
 }
 
@@ -77,10 +72,10 @@ nlsStatus nlsGetPrevChar(nlsLocale *locale, const char *p, const char *start, ch
         return NLS_E_NOCHARTAB;
     }
     if (p <= start) {
-        *prev = text(bytesOf(start));
+        *prev = callersText(bytesOf(start));
         return NLS_E_END;
     }
-    *prev = text(BackWalk(*locale->charTable, bytesOf(start)).before(bytesOf(p)));
+    *prev = callersText(BackWalk(*locale->charTable, bytesOf(start)).before(bytesOf(p)));
     return NLS_OK;
 }
 
@@ -128,7 +123,7 @@ nlsStatus nlsCharToLChar(nlsLocale *locale, char **pp, uint32_t *lchar) {
         for (; at != next; ++at)
             *lchar = *lchar << 8 | *at;
     }
-    *pp = text(next);
+    *pp = callersText(next);
     return endOr0(next);
 }
 

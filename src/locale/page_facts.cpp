@@ -11,7 +11,7 @@ namespace {
 
 // One bit for each: two proofs that share one would each be taken for the other.
 constexpr std::uint32_t kProofs[] = {
-    kPairPage,       kNarrowLeads, kUtf8Trails, kOwnWeights, kAsciiWeights, kMatchesBytes, kMatchesAscii,
+    kPairPage,       kNarrowLeads, kUtf8Trails, kOwnWeights, kAsciiWeights, kAsciiAmongWeights, kMatchesBytes, kMatchesAscii,
     kMatchesWeights, kAsciiCase,   kCommonCase, kFoldsApart, kPairCase,     kKeepsBytes,   kInstructionSets};
 static_assert([] {
     std::uint32_t seen = 0xFFFF; // those of the page and of the order
@@ -80,32 +80,40 @@ std::uint32_t proveUtf8Trails(const CharTable &table) {
     return std::memchr(table.trailValid + 0x80, 0, 0x40) == nullptr ? kUtf8Trails : 0;
 }
 
-// How many bytes have each weight; those of weight 0 count as "s" does.
-void countWeights(const std::uint8_t (&weights)[256], std::uint16_t (&counts)[256]) {
+// How many of the bytes below an end have each weight; those of weight 0 count as "s" does.
+void countWeights(const std::uint8_t (&weights)[256], unsigned end, std::uint16_t (&counts)[256]) {
     std::memset(counts, 0, sizeof counts);
-    for (unsigned byte = 1; byte < 256; ++byte)
+    for (unsigned byte = 1; byte < end; ++byte)
         ++counts[weights[byte] != 0 ? weights[byte] : weights[unsigned{'s'}]];
+}
+
+// Whether, of the bytes below an end, a letter of ASCII shares its weight with its other case alone, and any
+// other character of ASCII with none.
+bool asciiIsApart(const std::uint8_t (&weights)[256], unsigned end) {
+    std::uint16_t counts[256];
+    countWeights(weights, end, counts);
+    for (unsigned byte = 1; byte < 0x80; ++byte) {
+        const bool letter = (byte | 0x20) - unsigned{'a'} < 26;
+        if (weights[byte] == 0 || counts[weights[byte]] != (letter ? 2 : 1) ||
+            (letter && weights[byte] != weights[byte ^ 0x20]))
+            return false;
+    }
+    return true;
 }
 
 std::uint32_t proveWeights(const Collation &collation) {
     std::uint32_t proofs = 0;
     std::uint16_t counts[256];
-    countWeights(collation.caseSensitive, counts);
+    countWeights(collation.caseSensitive, 256, counts);
     const auto isShared = [&](unsigned byte) { return counts[collation.caseSensitive[byte]] != 1; };
     unsigned byte = 1;
     while (byte < 256 && collation.caseSensitive[byte] != 0 && !isShared(byte))
         ++byte;
     if (byte == 256)
         proofs |= kOwnWeights;
-    const auto &weights = collation.caseInsensitive;
-    countWeights(weights, counts);
-    for (byte = 1; byte < 0x80; ++byte) {
-        const bool letter = (byte | 0x20) - unsigned{'a'} < 26;
-        if (weights[byte] == 0 || counts[weights[byte]] != (letter ? 2 : 1) ||
-            (letter && weights[byte] != weights[byte ^ 0x20]))
-            return proofs;
-    }
-    return proofs | kAsciiWeights;
+    if (!asciiIsApart(collation.caseInsensitive, 0x80))
+        return proofs;
+    return proofs | kAsciiAmongWeights | (asciiIsApart(collation.caseInsensitive, 256) ? kAsciiWeights : 0);
 }
 
 bool hasByteWeights(const nlsLocale &locale) {

@@ -23,6 +23,8 @@ inline constexpr std::uint32_t kOwnWeights = 0x0040'0000;
 // The same under mode 0 for ASCII: a letter shares its weight with its other case alone, any other character
 // with none.
 inline constexpr std::uint32_t kAsciiWeights = 0x0080'0000;
+// The same among the bytes of ASCII, whatever others share their weights.
+inline constexpr std::uint32_t kAsciiAmongWeights = 0x2000'0000;
 
 // With kUtf8Page, kPairPage or kSingleBytePage, whose lead bytes are none of ASCII: under mode 1 characters
 // are equal when their bytes are.

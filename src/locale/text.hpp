@@ -8,6 +8,10 @@ namespace velnls {
 [[gnu::always_inline]] inline const std::uint8_t *bytesOf(const char *text) {
     return reinterpret_cast<const std::uint8_t *>(text);
 }
+// What is found points into the caller's text, which the caller may write to.
+[[gnu::always_inline]] inline char *callersText(const std::uint8_t *at) {
+    return reinterpret_cast<char *>(const_cast<std::uint8_t *>(at));
+}
 
 struct Text {
     const std::uint8_t *at;

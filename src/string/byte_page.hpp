@@ -1,6 +1,7 @@
 // The characters of a single-byte code page under weights, for matching.
 #pragma once
 
+#include "locale/page_facts.hpp"
 #include "string/characters.hpp"
 #include "string/place_filter.hpp"
 #include "velnls.h"
@@ -18,9 +19,10 @@ public:
         160; // the same where the bytes of a weight must be looked for
     static constexpr std::ptrdiff_t kUnfiltered = 0; // bytes at the text's end that no filter may judge
 
-    // asciiPairs: kAsciiWeights is proved of the weights.
-    explicit BytePage(const std::uint8_t *weights, bool asciiPairs = false)
-        : weights_(weights), zeroWeight_(weights[unsigned{'s'}]), asciiPairs_(asciiPairs) {}
+    // Under mode 0, `proofs` of the weights tell what is known of ASCII.
+    explicit BytePage(const std::uint8_t *weights, std::uint32_t proofs = 0)
+        : weights_(weights), zeroWeight_(weights[unsigned{'s'}]),
+          asciiIsKnown_((proofs & kAsciiAmongWeights) != 0), asciiIsApart_((proofs & kAsciiWeights) != 0) {}
     [[nodiscard]] const SingleBytes &characters() const {
         return characters_;
     }
@@ -75,15 +77,15 @@ private:
     }
     // The bytes that equal one; false where there are many, or where they are not known and not searched for.
     bool formsOf(std::uint8_t byte, bool searches, ByteForms &forms) const {
-        if (asciiPairs_ && byte < 0x80) {
+        if (asciiIsKnown_ && byte < 0x80) {
             forms.addAscii(byte);
-            return true;
+            return asciiIsApart_ || searchForms(0x80, weightOf(byte), forms);
         }
-        return searches && searchForms(weightOf(byte), forms);
+        return searches && searchForms(0, weightOf(byte), forms);
     }
-    bool searchForms(std::uint8_t weight, ByteForms &forms) const {
-        return addIndexesOf(weights_, weight, forms) &&
-               (weight != zeroWeight_ || addIndexesOf(weights_, 0, forms));
+    bool searchForms(unsigned from, std::uint8_t weight, ByteForms &forms) const {
+        return addIndexesOf(weights_, from, weight, forms) &&
+               (weight != zeroWeight_ || addIndexesOf(weights_, from, 0, forms));
     }
     static bool isBlankOrEnd(Character character) {
         return character.length == 0 || *character.at == ' ';
@@ -92,7 +94,8 @@ private:
     SingleBytes characters_;
     const std::uint8_t *weights_;
     std::uint8_t zeroWeight_;
-    bool asciiPairs_;
+    bool asciiIsKnown_;
+    bool asciiIsApart_;
 };
 
 } // namespace velnls

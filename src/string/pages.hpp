@@ -66,8 +66,7 @@ nlsStatus withPage(const nlsLocale &locale, unsigned mode, Use use) {
             break;
         if (mode == 1 && (locale.header.proofs & kOwnWeights) != 0)
             return use(ExactPage<SingleBytes>(locale));
-        return use(
-            BytePage(weightsOf(*collation, mode), mode == 0 && (locale.header.proofs & kAsciiWeights) != 0));
+        return use(BytePage(weightsOf(*collation, mode), mode == 0 ? locale.header.proofs : 0));
     }
     return withAnyPage(locale, mode, use);
 }

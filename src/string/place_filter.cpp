@@ -2,6 +2,7 @@
 
 #include "locale/masks_sse2.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 namespace velnls {
@@ -171,9 +172,8 @@ std::uint64_t PlaceFilter::places(const std::uint8_t *text, std::size_t length) 
     if (farDistance >= length)
         return 0;
 #if defined(VELNLS_TEXT_VECTORS)
-    return length <= 16   ? placesIn<Sse2Masks<1>>(*this, text, length)
-           : length <= 32 ? placesIn<Sse2Masks<2>>(*this, text, length)
-                          : placesIn<Sse2Masks<4>>(*this, text, length);
+    return length <= 32 ? placesIn<Sse2Masks<2>>(*this, text, length)
+                        : placesIn<Sse2Masks<4>>(*this, text, length);
 #else
     std::uint64_t found = 0;
     for (std::size_t place = 0; place + farDistance < length; ++place)
@@ -184,16 +184,16 @@ std::uint64_t PlaceFilter::places(const std::uint8_t *text, std::size_t length) 
 #endif
 }
 
-bool addIndexesOf(const std::uint8_t *table, std::uint8_t value, ByteForms &forms) {
+bool addIndexesOf(const std::uint8_t *table, unsigned from, std::uint8_t value, ByteForms &forms) {
 #if defined(VELNLS_TEXT_VECTORS)
-    for (unsigned base = 0; base < 256; base += 64) {
+    for (unsigned base = from; base < 256; base += 64) {
         const std::uint64_t found = Sse2Masks<4>(table + base).equal(value);
         for (std::uint64_t left = base == 0 ? found & ~std::uint64_t{1} : found; left != 0; left &= left - 1)
             if (!forms.add(static_cast<std::uint8_t>(base + static_cast<unsigned>(__builtin_ctzll(left)))))
                 return false;
     }
 #else
-    for (unsigned index = 1; index < 256; ++index)
+    for (unsigned index = std::max(from, 1U); index < 256; ++index)
         if (table[index] == value && !forms.add(static_cast<std::uint8_t>(index)))
             return false;
 #endif

@@ -1,4 +1,4 @@
-// nlsSearchForw, nlsSearchBack, nlsReplace, nlsReplaceAll.
+// nlsSearchForw, nlsReplace, nlsReplaceAll.
 #include "locale/checks.hpp"
 #include "locale/text.hpp"
 #include "string/out_text.hpp"
@@ -12,11 +12,6 @@
 using namespace velnls;
 
 namespace {
-
-// Matches point into the caller's text, which the caller may write to.
-char *text(const std::uint8_t *at) {
-    return reinterpret_cast<char *>(const_cast<std::uint8_t *>(at));
-}
 
 std::uint32_t offset(const std::uint8_t *at, const std::uint8_t *from) {
     return static_cast<std::uint32_t>(at - from);
@@ -211,7 +206,7 @@ private:
         return status;
     if (sought.empty()) {
         *position = *endOffset = offset(where.end, where.at) + 1;
-        *found = text(where.end);
+        *found = callersText(where.end);
         return NLS_OK;
     }
     Match first{nullptr, nullptr};
@@ -221,7 +216,7 @@ private:
     };
     const nlsStatus status = findMatches(*locale, caseFlag, sought, where, {takeFirst, &first});
     if (status == NLS_OK && first.at != nullptr) {
-        *found = text(first.at);
+        *found = callersText(first.at);
         *position = offset(first.at, where.at) + 1;
         *endOffset = offset(first.end, where.at);
     }
@@ -248,53 +243,11 @@ nlsStatus nlsSearchForw(nlsLocale *locale, const char *pattern, const char *text
         return searchByPage(locale, pattern, text_, caseFlag, position, endOffset, found);
     if (brief.places != 0) {
         const auto place = static_cast<std::uint32_t>(__builtin_ctzll(brief.places));
-        *found = text(bytesOf(text_) + place);
+        *found = callersText(bytesOf(text_) + place);
         *position = place + 1;
         *endOffset = place + brief.patternLength();
     }
     return NLS_OK;
-}
-
-// For size: long texts are searched forwards.
-[[gnu::cold]] nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const char *text_,
-                                      int32_t textLength, uint16_t caseFlag, uint32_t *position,
-                                      char **found) {
-    if (const nlsStatus status = checkLocale(locale); status != NLS_OK)
-        return status;
-    if (position != nullptr)
-        *position = 0;
-    if (found != nullptr)
-        *found = nullptr;
-    if (pattern == nullptr || text_ == nullptr || found == nullptr || position == nullptr || textLength < 0)
-        return NLS_E_NULLARG;
-    if (locale->charTable == nullptr)
-        return NLS_E_NOCHARTAB;
-    const CharTable &table = *locale->charTable;
-    Counted sought{};
-    Counted rest{};
-    if (const nlsStatus status = countWhole(*locale, Whole(pattern), sought); status != NLS_OK)
-        return status;
-    const std::size_t length = ::strnlen(text_, static_cast<std::size_t>(textLength));
-    if (const nlsStatus status = countText(*locale, bytesOf(text_), length, rest); status != NLS_OK)
-        return status;
-    if (sought.at == sought.end) {
-        *position = static_cast<std::uint32_t>(textLength) + 1;
-        *found = text(rest.at + textLength);
-        return NLS_OK;
-    }
-    if (length == 0)
-        return NLS_E_END;
-    return withPage(*locale, caseFlag, [&](const auto &page) {
-        Match match{};
-        const nlsStatus status =
-            CountedSearch(page, sought)
-                .backwards(rest, BackWalk(table, rest.at), BackWalk(table, sought.at), match);
-        if (status == NLS_OK && match.at != nullptr) {
-            *found = text(match.at);
-            *position = offset(match.at, rest.at) + 1;
-        }
-        return status;
-    });
 }
 
 nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replacement, const char *text_,

@@ -44,7 +44,8 @@ enum class ShortOrder : std::uint32_t {
     Unknown,
     Bytes,
     Ascii,
-    Weights
+    Weights,
+    AsciiAlone // as Ascii where pattern and text are ASCII, else Unknown
 };
 
 // What is proved of a locale and of how its characters match under a mode. Fits two registers.
@@ -130,6 +131,8 @@ struct ShortPattern {
     [[gnu::always_inline]] ShortOrder orderIn(ShortMatching matching, const Masks &text,
                                               std::uint64_t textEnd) const {
         ShortOrder order = matching.order;
+        if (order == ShortOrder::AsciiAlone)
+            return (high() | (text.high() & (textEnd - 1))) == 0 ? ShortOrder::Ascii : ShortOrder::Unknown;
         if (order != ShortOrder::Ascii)
             return order;
         if (!foldsAsAscii(matching.page, order) ||

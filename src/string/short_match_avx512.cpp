@@ -9,23 +9,24 @@ namespace velnls::avx512 {
 
 namespace {
 
-// ---- What is looked at closely: the order of matching is a variable
-// --------------------------------------------
+// ---- What is looked at closely: the order of matching is a variable, and the page unless it is one of pairs
+// ------
 
-template <ShortPage kPage>
-[[gnu::always_inline]] inline ShortMatching matchingOn(const nlsLocale &locale, unsigned mode) {
-    const ShortOrder order = mode == 0 ? ShortOrder::Ascii : ShortOrder::Bytes;
-    const std::uint32_t proof = mode == 0 ? kMatchesAscii : kMatchesBytes;
-    if constexpr (kPage == ShortPage::Bytes)
-        if ((locale.header.proofs & proof) == 0)
-            return {ShortOrder::Weights, kPage, weightsOf(*locale.collation, mode)};
-    return {order, kPage, &factsOf(*locale.charTable)};
+// Where a way for the mode is known.
+template <bool kPairs>
+[[gnu::always_inline]] inline ShortMatching matchingIn(const nlsLocale &locale, unsigned mode) {
+    ShortMatching matching = fast::matchingOf(locale, mode);
+    if constexpr (kPairs)
+        matching.page = ShortPage::Pairs;
+    else if (matching.order == ShortOrder::Unknown || matching.order == ShortOrder::AsciiAlone)
+        return {ShortOrder::Weights, ShortPage::Bytes, weightsOf(*locale.collation, mode)};
+    return matching;
 }
 
-template <ShortPage kPage>
+template <bool kPairs>
 [[gnu::noinline]] ShortPlaces findClosely(const nlsLocale &locale, const std::uint8_t *pattern,
                                           const std::uint8_t *text, unsigned mode) {
-    return shortPlacesBy<WideMasks>(matchingOn<kPage>(locale, mode), pattern, text);
+    return shortPlacesBy<WideMasks>(matchingIn<kPairs>(locale, mode), pattern, text);
 }
 
 [[gnu::always_inline]] inline LikeCall *likeLongBy(ShortOrder order) {
@@ -34,10 +35,10 @@ template <ShortPage kPage>
                                         : likeLongByWeights;
 }
 
-template <ShortPage kPage>
+template <bool kPairs>
 [[gnu::noinline]] nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text,
                                         LikeAsked asked) {
-    const ShortMatching matching = matchingOn<kPage>(*locale, asked.mode());
+    const ShortMatching matching = matchingIn<kPairs>(*locale, asked.mode());
     const ShortLike said =
         shortLikeBy<WideMasks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
     if (fast::isAnswer(said))
@@ -59,20 +60,20 @@ template <ShortPage kPage, ShortOrder kOrder>
 
 template <ShortPage kPage, ShortOrder kOrder>
 struct Places {
-    static constexpr auto kOfPairs = &findClosely<ShortPage::Pairs>;
+    static constexpr auto kOfPairs = &findClosely<true>;
     [[gnu::noinline]] static ShortPlaces match(const nlsLocale &locale, const std::uint8_t *pattern,
                                                const std::uint8_t *text, unsigned mode) {
         const ShortPlaces found = placesAtOnce<WideMasks>(known<kPage, kOrder>(locale, mode), pattern, text);
         // A page of single bytes leaves nothing to look at.
         if (found.settled() || kPage == ShortPage::Bytes)
             return found;
-        return findClosely<kPage>(locale, pattern, text, mode);
+        return findClosely<false>(locale, pattern, text, mode);
     }
 };
 
 template <ShortPage kPage, ShortOrder kOrder>
 struct Like {
-    static constexpr auto kOfPairs = &likeClosely<ShortPage::Pairs>;
+    static constexpr auto kOfPairs = &likeClosely<true>;
     [[gnu::noinline]] static nlsStatus match(nlsLocale *locale, const char *pattern, const char *text,
                                              LikeAsked asked) {
         switch (likeAtOnce<WideMasks>(known<kPage, kOrder>(*locale, asked.mode()), bytesOf(pattern),
@@ -86,7 +87,7 @@ struct Like {
         case ShortLike::TextGoesOn:
             return likeLongBy(kOrder)(locale, pattern, text, asked);
         default:
-            return likeClosely<kPage>(locale, pattern, text, asked);
+            return likeClosely<false>(locale, pattern, text, asked);
         }
     }
 };

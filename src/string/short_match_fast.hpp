@@ -31,7 +31,7 @@ namespace velnls::fast {
 
 #if defined(VELNLS_SHORT_TEXTS)
 
-// What is proved of how characters match under a mode; Unknown also where they do by weights.
+// What is proved of how characters match under a mode; of weights, only what that says of ASCII.
 inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     const std::uint32_t proofs = locale.header.proofs;
     ShortMatching matching{ShortOrder::Unknown,
@@ -41,6 +41,8 @@ inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
                            &factsOf(*locale.charTable)};
     if (mode <= 1 && (proofs & (mode == 0 ? kMatchesAscii : kMatchesBytes)) != 0)
         matching.order = mode == 0 ? ShortOrder::Ascii : ShortOrder::Bytes;
+    else if (mode == 0 && (proofs & kMatchesWeights) != 0 && (proofs & kAsciiAmongWeights) != 0)
+        matching.order = ShortOrder::AsciiAlone;
     return matching;
 }
 

@@ -11,10 +11,6 @@ namespace {
 
 constexpr char kBlankSet[] = " ";
 
-char *text(const std::uint8_t *at) {
-    return reinterpret_cast<char *>(const_cast<std::uint8_t *>(at));
-}
-
 std::uint32_t positionOf(const std::uint8_t *at, const char *from) {
     return static_cast<std::uint32_t>(at - bytesOf(from)) + 1;
 }
@@ -105,7 +101,7 @@ nlsStatus checkFind(const nlsLocale *locale, const uint32_t *lchar, const char *
 void findTerminator(const char *str, std::uint32_t &position, char **found) {
     const std::uint8_t *const end = bytesOf(str) + std::strlen(str);
     position = positionOf(end, str);
-    *found = text(end);
+    *found = callersText(end);
 }
 
 // A character as the left trim reads it: those of more than four bytes count as "?".
@@ -150,7 +146,7 @@ nlsStatus nlsFindCharForw(nlsLocale *locale, const uint32_t *lchar, const char *
         const std::uint8_t *at = nullptr;
         const nlsStatus status = findInText(page, sought, bytesOf(str), at);
         if (at != nullptr) {
-            *found = text(at);
+            *found = callersText(at);
             *position = positionOf(at, str);
         }
         return status;
@@ -178,7 +174,7 @@ nlsStatus nlsFindCharBack(nlsLocale *locale, const uint32_t *lchar, const char *
                 status != NLS_OK)
                 return status;
             if (equal) {
-                *found = text(at);
+                *found = callersText(at);
                 *position = positionOf(at, str);
                 return NLS_OK;
             }
@@ -212,7 +208,7 @@ nlsStatus nlsFindLtrimPtrForw(nlsLocale *locale, const char *trimSet, const char
                 break;
             at = character.end();
         }
-        *result = text(at);
+        *result = callersText(at);
         *position = positionOf(at, str);
         return NLS_OK;
     });
@@ -242,7 +238,7 @@ nlsStatus nlsFindRtrimPtrBack(nlsLocale *locale, const char *trimSet, char *str,
                 break;
             end = start;
         }
-        *result = text(end);
+        *result = callersText(end);
         *position = positionOf(end, str);
         return NLS_OK;
     });
