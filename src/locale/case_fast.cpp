@@ -240,8 +240,10 @@ template <Case kCase>
 
 } // namespace
 
+// Each of these works on a stretch of its own, of which no byte that is stored could be a part.
+
 template <Case kCase>
-void mapCommonUtf8(CaseStretch &stretch) {
+[[gnu::always_inline]] inline void mapCommon(CaseStretch &stretch) {
     // A character that a block leaves incomplete is written over by its own bytes, three at most.
     constexpr std::size_t kBehind = 3;
     while (static_cast<std::size_t>(stretch.end - stretch.at) >= kBlock) {
@@ -264,28 +266,41 @@ void mapCommonUtf8(CaseStretch &stretch) {
     if (left == 0 || left >= kBlock || stretch.room < left)
         return;
     // Behind the text stand zeros, so that a character that it cuts is wrong there.
+    const __m128i bytes = loadFirst(stretch.at, left);
     __m128i mapped;
     unsigned incomplete = 0;
-    if (!mapCommonBlock<kCase>(loadFirst(stretch.at, left), mapped, incomplete))
+    if (bitsOf(bytes) == 0)
+        mapped = mapAsciiBlock<kCase>(bytes);
+    else if (!mapCommonBlock<kCase>(bytes, mapped, incomplete))
         return;
     storeFirst(stretch.out, mapped, left);
     stretch.advance(left);
 }
 
 template <Case kCase>
-void mapAscii(CaseStretch &stretch) {
+void mapCommonUtf8(CaseStretch &result) {
+    CaseStretch stretch = result;
+    mapCommon<kCase>(stretch);
+    result = stretch;
+}
+
+template <Case kCase>
+void mapAscii(CaseStretch &result) {
+    CaseStretch stretch = result;
     mapAsciiBlocks<kCase>(stretch);
     while (static_cast<std::size_t>(stretch.end - stretch.at) >= kBlock && stretch.room >= kBlock) {
         const __m128i bytes = load(stretch.at);
         if (bitsOf(bytes) != 0)
-            return;
+            break;
         _mm_storeu_si128(reinterpret_cast<__m128i *>(stretch.out), mapAsciiBlock<kCase>(bytes));
         stretch.advance(kBlock);
     }
+    result = stretch;
 }
 
 template <Case kCase>
-void mapPairs(const PageFacts &facts, CaseStretch &stretch) {
+void mapPairs(const PageFacts &facts, CaseStretch &result) {
+    CaseStretch stretch = result;
     std::uint64_t pending = 0;
     while (static_cast<std::size_t>(stretch.end - stretch.at) >= kBlock && stretch.room >= kBlock) {
         const Sse2Masks<1> block(stretch.at);
@@ -307,8 +322,10 @@ void mapPairs(const PageFacts &facts, CaseStretch &stretch) {
     if (const auto left = static_cast<std::size_t>(stretch.end - stretch.at);
         left != 0 && left < kBlock && stretch.room >= left) {
         std::uint64_t pendingBehind = pending;
-        const __m128i mapped =
-            mapPairBlock<kCase>(facts, Sse2Masks<1>(stretch.at, left), left, pendingBehind);
+        const Sse2Masks<1> block(stretch.at, left);
+        const __m128i mapped = (block.high() | pending) == 0
+                                   ? mapAsciiBlock<kCase>(block.piece(0))
+                                   : mapPairBlock<kCase>(facts, block, left, pendingBehind);
         if (left + pendingBehind <= stretch.room) {
             pending = pendingBehind;
             storeFirst(stretch.out, mapped, left);
@@ -317,6 +334,7 @@ void mapPairs(const PageFacts &facts, CaseStretch &stretch) {
     }
     // A lead byte without its trail byte is left to the caller.
     stretch.stepBack(pending);
+    result = stretch;
 }
 
 #else
