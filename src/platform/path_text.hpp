@@ -9,6 +9,10 @@ namespace velnls::platform {
 
 class PathText {
 public:
+    // Not more of the text than is read: a whole empty one would have to lie in the library to be copied.
+    PathText() {
+        text_[0] = '\0';
+    }
     // Keeps what fits with a NUL behind it; a path that does not fit is no path.
     PathText &operator<<(std::string_view part) {
         if (part.size() >= sizeof text_ - length_) {
@@ -29,7 +33,7 @@ public:
     }
 
 private:
-    char text_[4096] = ""; // no system opens longer ones
+    char text_[4096]; // no system opens longer ones
     std::size_t length_ = 0;
     bool whole_ = true;
 };
