@@ -10,10 +10,22 @@
 namespace velnls {
 namespace {
 
-// Whether a character may reach across the end of a text.
-[[gnu::always_inline]] inline bool mayBeCut(ShortPage page, const std::uint8_t *text, unsigned length) {
-    if (page != ShortPage::Utf8 || length < sizeof(std::uint32_t))
-        return page == ShortPage::Utf8;
+// Whether a character may reach across the end of a text, a bit.
+template <typename Masks>
+[[gnu::always_inline]] inline bool mayBeCut(ShortMatching matching, const Masks &masks, std::uint64_t end,
+                                            const std::uint8_t *text) {
+    if (matching.page == ShortPage::Bytes)
+        return false;
+    if (matching.page != ShortPage::Utf8) {
+        // Lead bytes side by side are pairs, but for the last one of an odd number. How a text ends nobody could
+        // foresee: no jump.
+        const std::uint64_t others = ~leadsOf(masks, *matching.facts()) & (end - 1);
+        const unsigned begin = others == 0 ? 0 : 64 - static_cast<unsigned>(__builtin_clzll(others));
+        return ((placeOf(end) - begin) & 1) != 0;
+    }
+    const unsigned length = placeOf(end);
+    if (length < sizeof(std::uint32_t))
+        return true;
     // A last byte from C0 up begins a character that goes on, the one before it does from E0 up, and the one
     // before that from F0 up: all of these bits are set.
     const auto last = loadNumber<std::uint32_t>(text + length - sizeof(std::uint32_t));
@@ -27,21 +39,23 @@ template <typename Masks>
     return page == ShortPage::Bytes || (text.high() & (end - 1)) == 0;
 }
 
-// As shortPlacesBy(), for UTF-8 and single bytes; unsettled also where only the bytes stand.
+// As shortPlacesBy(); on a page of other characters than pairs unsettled also where only the bytes stand.
 template <typename Masks>
 [[gnu::always_inline]] inline ShortPlaces placesAtOnce(ShortMatching matching, const std::uint8_t *pattern,
                                                        const std::uint8_t *text) {
     return withPlaces<Masks>(
         matching, pattern,
         text, [=](const Masks &masks, std::uint64_t end, ShortPlaces found) __attribute__((always_inline)) {
+            if (matching.page == ShortPage::Pairs)
+                return atCharacters(matching, masks, end, found);
             const bool unsettled = found.places != 0 ? !isOfBytes(matching.page, masks, end)
-                                                     : mayBeCut(matching.page, text, found.textLength());
+                                                     : mayBeCut(matching, masks, end, text);
             return unsettled ? kUnsettledPlaces : found;
         });
 }
 
-// As shortLikeBy(), for UTF-8 and single bytes; BytesStand where the bytes of the pattern's first piece stand
-// in the text, and those of its last one at its end.
+// As shortLikeBy(); on a page of other characters than pairs, BytesStand where the bytes of the pattern's
+// first piece stand in the text, and those of its last one at its end.
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike likeAtOnce(ShortMatching matching, const std::uint8_t *pattern,
                                                    const std::uint8_t *text, LikeSigns signs) {
@@ -54,13 +68,15 @@ template <typename Masks>
             if (!stands &&
                 ((read.any & last) != 0 || (read.sought.placesOf(placeOf(last)) & read.end >> 1) != 0))
                 stands = read.sought.places(1, length, read.end) != 0;
-            if (stands)
-                return next == last && isOfBytes(matching.page, read.masks, read.end) ? ShortLike::Yes
-                                                                                      : ShortLike::BytesStand;
             // By its own bytes alone a character that is cut matches none.
-            if (read.order != ShortOrder::Bytes && mayBeCut(matching.page, text, placeOf(read.end)))
-                return ShortLike::BytesStand;
-            return ShortLike::No;
+            if (!stands && (read.order == ShortOrder::Bytes ||
+                            !mayBeCut(matching, read.masks, read.end, text)))
+                return ShortLike::No;
+            if (matching.page == ShortPage::Pairs)
+                return likeByCharacters(matching, read);
+            return stands && next == last && isOfBytes(matching.page, read.masks, read.end)
+                       ? ShortLike::Yes
+                       : ShortLike::BytesStand;
         });
 }
 

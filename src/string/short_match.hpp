@@ -222,18 +222,24 @@ template <typename Masks, typename Settle>
     return settle(masks, end, settledPlaces(sought.places(0, length, end), length, placeOf(end)));
 }
 
+// Those of the places at which a character begins.
+template <typename Masks>
+[[gnu::always_inline]] inline ShortPlaces atCharacters(ShortMatching matching, const Masks &masks,
+                                                       std::uint64_t end, ShortPlaces found) {
+    const ShortStructure structure = structureOf(matching, masks, end);
+    if ((structure.wrong | (structure.trails & end)) != 0)
+        return kUnsettledPlaces;
+    found.places &= ~structure.trails;
+    return found;
+}
+
 template <typename Masks>
 [[gnu::always_inline]] inline ShortPlaces shortPlacesBy(ShortMatching matching, const std::uint8_t *pattern,
                                                         const std::uint8_t *text) {
     return withPlaces<Masks>(
-        matching, pattern, text,
-        [matching](const Masks &masks, std::uint64_t end, ShortPlaces found) __attribute__((always_inline)) {
-            const ShortStructure structure = structureOf(matching, masks, end);
-            if ((structure.wrong | (structure.trails & end)) != 0)
-                return kUnsettledPlaces;
-            found.places &= ~structure.trails;
-            return found;
-        });
+        matching, pattern,
+        text, [matching](const Masks &masks, std::uint64_t end, ShortPlaces found)
+                  __attribute__((always_inline)) { return atCharacters(matching, masks, end, found); });
 }
 
 // The literals of a pattern that begins with an any-string sign: pieces between such signs, each of which
@@ -296,16 +302,20 @@ template <typename Masks, typename Settle>
 }
 
 template <typename Masks>
+[[gnu::always_inline]] inline ShortLike likeByCharacters(ShortMatching matching,
+                                                         const ShortLikeRead<Masks> &read) {
+    const ShortStructure structure = structureOf(matching, read.masks, read.end);
+    if ((structure.wrong | (structure.trails & read.end)) != 0)
+        return ShortLike::Unsettled;
+    return hasPieces(read.sought, structure.trails, read.end, read.any, read.patternEnd);
+}
+
+template <typename Masks>
 [[gnu::always_inline]] inline ShortLike shortLikeBy(ShortMatching matching, const std::uint8_t *pattern,
                                                     const std::uint8_t *text, LikeSigns signs) {
-    return withLikeRead<Masks>(
-        matching, pattern, text,
-        signs, [matching](const ShortLikeRead<Masks> &read) __attribute__((always_inline)) {
-            const ShortStructure structure = structureOf(matching, read.masks, read.end);
-            if ((structure.wrong | (structure.trails & read.end)) != 0)
-                return ShortLike::Unsettled;
-            return hasPieces(read.sought, structure.trails, read.end, read.any, read.patternEnd);
-        });
+    return withLikeRead<Masks>(matching, pattern, text, signs,
+                               [matching](const ShortLikeRead<Masks> &read)
+                                   __attribute__((always_inline)) { return likeByCharacters(matching, read); });
 }
 
 } // namespace

@@ -9,42 +9,27 @@ namespace velnls::avx512 {
 
 namespace {
 
-// ---- What is looked at closely: the order of matching is a variable, and the page unless it is one of pairs
-// ------
+// ---- What is looked at closely: page and order are variables
+// ----------------------------------------------------
 
 // Where a way for the mode is known.
-template <bool kPairs>
-[[gnu::always_inline]] inline ShortMatching matchingIn(const nlsLocale &locale, unsigned mode) {
-    ShortMatching matching = fast::matchingOf(locale, mode);
-    if constexpr (kPairs)
-        matching.page = ShortPage::Pairs;
-    else if (matching.order == ShortOrder::Unknown || matching.order == ShortOrder::AsciiAlone)
+ShortMatching matchingIn(const nlsLocale &locale, unsigned mode) {
+    const ShortMatching matching = fast::matchingOf(locale, mode);
+    if (matching.order == ShortOrder::Unknown || matching.order == ShortOrder::AsciiAlone)
         return {ShortOrder::Weights, ShortPage::Bytes, weightsOf(*locale.collation, mode)};
     return matching;
 }
 
-template <bool kPairs>
 [[gnu::noinline]] ShortPlaces findClosely(const nlsLocale &locale, const std::uint8_t *pattern,
                                           const std::uint8_t *text, unsigned mode) {
-    return shortPlacesBy<WideMasks>(matchingIn<kPairs>(locale, mode), pattern, text);
+    return shortPlacesBy<WideMasks>(matchingIn(locale, mode), pattern, text);
 }
 
-[[gnu::always_inline]] inline LikeCall *likeLongBy(ShortOrder order) {
-    return order == ShortOrder::Bytes   ? likeLongByBytes
-           : order == ShortOrder::Ascii ? likeLongByAscii
-                                        : likeLongByWeights;
-}
-
-template <bool kPairs>
 [[gnu::noinline]] nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text,
                                         LikeAsked asked) {
-    const ShortMatching matching = matchingIn<kPairs>(*locale, asked.mode());
-    const ShortLike said =
-        shortLikeBy<WideMasks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
-    if (fast::isAnswer(said))
-        return fast::answerOf(said);
-    return (said == ShortLike::TextGoesOn ? likeLongBy(matching.order) : likeByPage)(locale, pattern, text,
-                                                                                    asked);
+    const ShortLike said = shortLikeBy<WideMasks>(matchingIn(*locale, asked.mode()), bytesOf(pattern),
+                                                  bytesOf(text), asked.signs());
+    return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
 }
 
 // ---- What is said at once: with page and order as constants, each pair in a function of its own
@@ -60,20 +45,18 @@ template <ShortPage kPage, ShortOrder kOrder>
 
 template <ShortPage kPage, ShortOrder kOrder>
 struct Places {
-    static constexpr auto kOfPairs = &findClosely<true>;
     [[gnu::noinline]] static ShortPlaces match(const nlsLocale &locale, const std::uint8_t *pattern,
                                                const std::uint8_t *text, unsigned mode) {
         const ShortPlaces found = placesAtOnce<WideMasks>(known<kPage, kOrder>(locale, mode), pattern, text);
-        // A page of single bytes leaves nothing to look at.
-        if (found.settled() || kPage == ShortPage::Bytes)
+        // A page of single bytes leaves nothing to look at, and one of pairs has been.
+        if (found.settled() || kPage != ShortPage::Utf8)
             return found;
-        return findClosely<false>(locale, pattern, text, mode);
+        return findClosely(locale, pattern, text, mode);
     }
 };
 
 template <ShortPage kPage, ShortOrder kOrder>
 struct Like {
-    static constexpr auto kOfPairs = &likeClosely<true>;
     [[gnu::noinline]] static nlsStatus match(nlsLocale *locale, const char *pattern, const char *text,
                                              LikeAsked asked) {
         switch (likeAtOnce<WideMasks>(known<kPage, kOrder>(*locale, asked.mode()), bytesOf(pattern),
@@ -85,9 +68,11 @@ struct Like {
         case ShortLike::Unsettled:
             return likeByPage(locale, pattern, text, asked);
         case ShortLike::TextGoesOn:
-            return likeLongBy(kOrder)(locale, pattern, text, asked);
+            return (kOrder == ShortOrder::Bytes   ? likeLongByBytes
+                    : kOrder == ShortOrder::Ascii ? likeLongByAscii
+                                                  : likeLongByWeights)(locale, pattern, text, asked);
         default:
-            return likeClosely<false>(locale, pattern, text, asked);
+            return likeClosely(locale, pattern, text, asked);
         }
     }
 };
@@ -107,7 +92,8 @@ template <template <ShortPage, ShortOrder> typename By>
     if ((proofs & kSingleBytePage) != 0)
         return folds ? &By<ShortPage::Bytes, ShortOrder::Ascii>::match
                      : &By<ShortPage::Bytes, ShortOrder::Bytes>::match;
-    return Utf8::kOfPairs;
+    return folds ? &By<ShortPage::Pairs, ShortOrder::Ascii>::match
+                 : &By<ShortPage::Pairs, ShortOrder::Bytes>::match;
 }
 
 } // namespace
