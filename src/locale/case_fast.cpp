@@ -238,10 +238,6 @@ template <Case kCase>
     return _mm_xor_si128(bytes, _mm_andnot_si128(bytesOf(trails), change));
 }
 
-} // namespace
-
-// Each of these works on a stretch of its own, of which no byte that is stored could be a part.
-
 template <Case kCase>
 [[gnu::always_inline]] inline void mapCommon(CaseStretch &stretch) {
     // A character that a block leaves incomplete is written over by its own bytes, three at most.
@@ -277,8 +273,11 @@ template <Case kCase>
     stretch.advance(left);
 }
 
+} // namespace
+
 template <Case kCase>
 void mapCommonUtf8(CaseStretch &result) {
+    // A stretch of its own, of which no byte that is stored could be a part; so in the others.
     CaseStretch stretch = result;
     mapCommon<kCase>(stretch);
     result = stretch;

@@ -10,9 +10,10 @@ namespace velnls {
 namespace {
 
 // One bit for each: two proofs that share one would each be taken for the other.
-constexpr std::uint32_t kProofs[] = {
-    kPairPage,       kNarrowLeads, kUtf8Trails, kOwnWeights, kAsciiWeights, kAsciiAmongWeights, kMatchesBytes, kMatchesAscii,
-    kMatchesWeights, kAsciiCase,   kCommonCase, kFoldsApart, kPairCase,     kKeepsBytes,   kInstructionSets};
+constexpr std::uint32_t kProofs[] = {kPairPage,       kNarrowLeads,       kUtf8Trails,     kOwnWeights,
+                                     kAsciiWeights,   kAsciiAmongWeights, kMatchesBytes,   kMatchesAscii,
+                                     kMatchesWeights, kAsciiCase,         kCommonCase,     kFoldsApart,
+                                     kPairCase,       kKeepsBytes,        kInstructionSets};
 static_assert([] {
     std::uint32_t seen = 0xFFFF; // those of the page and of the order
     for (const std::uint32_t proof : kProofs) {

@@ -16,7 +16,7 @@ public:
     static constexpr bool kFirstByteDecides = false;
     static constexpr std::ptrdiff_t kFilterWorth = 8; // bytes of text that repay the making of a filter
     static constexpr std::ptrdiff_t kSearchWorth =
-        160; // the same where the bytes of a weight must be looked for
+        160; // the same where the bytes of a weight must be looked for among all others
     static constexpr std::ptrdiff_t kUnfiltered = 0; // bytes at the text's end that no filter may judge
 
     // Under mode 0, `proofs` of the weights tell what is known of ASCII.
@@ -79,13 +79,13 @@ private:
     bool formsOf(std::uint8_t byte, bool searches, ByteForms &forms) const {
         if (asciiIsKnown_ && byte < 0x80) {
             forms.addAscii(byte);
-            return asciiIsApart_ || searchForms(0x80, weightOf(byte), forms);
+            return asciiIsApart_ || searchForms(true, weightOf(byte), forms);
         }
-        return searches && searchForms(0, weightOf(byte), forms);
+        return searches && searchForms(false, weightOf(byte), forms);
     }
-    bool searchForms(unsigned from, std::uint8_t weight, ByteForms &forms) const {
-        return addIndexesOf(weights_, from, weight, forms) &&
-               (weight != zeroWeight_ || addIndexesOf(weights_, from, 0, forms));
+    bool searchForms(bool beyondAscii, std::uint8_t weight, ByteForms &forms) const {
+        return addIndexesOf(weights_, beyondAscii, weight, forms) &&
+               (weight != zeroWeight_ || addIndexesOf(weights_, beyondAscii, 0, forms));
     }
     static bool isBlankOrEnd(Character character) {
         return character.length == 0 || *character.at == ' ';

@@ -63,20 +63,25 @@ public:
         else
             return weights_[byte] != 0 ? weights_[byte] : weights_[unsigned{'s'}];
     }
-    // The first place from `at` on where the pattern's `length` bytes from `from` on stand, before `limit`;
-    // null: there is none.
+    // The first place from `at` on where the pattern's `length` bytes from `from` on stand, at least one,
+    // before `limit`; null: there is none.
     [[gnu::always_inline]] const std::uint8_t *find(unsigned from, unsigned length, const std::uint8_t *at,
                                                     const std::uint8_t *limit) const {
+        // Nothing is read before the text, though it would be in the same page of memory.
         const std::uint8_t *block = blockOf(at);
+        const std::uint64_t inside = ~std::uint64_t{0} << (at - block);
         const Vector first = all(orderedByte(pattern_[from]));
         const Vector last = all(orderedByte(pattern_[from + length - 1]));
-        Ends ends = endsIn(block, first, last, limit);
-        ends.first &= ~std::uint64_t{0} << (at - block);
+        Ends ends = endsIn(_mm512_maskz_loadu_epi8(inside, block), block, first, last, limit);
+        ends.first &= inside; // what is not read has a weight too
         for (;;) {
-            // Where the last byte of a piece would have to be that begins in this block, it may be in the next.
+            // Where the last byte of a piece would have to be that begins in this block, it may be in the
+            // next.
             const std::uint8_t *const next = block + kShortBlock;
-            const Ends behind = next < limit ? endsIn(next, first, last, limit) : Ends{0, 0};
-            std::uint64_t places = ends.first & (ends.last >> (length - 1) | behind.last << 1 << (64 - length));
+            const Ends behind =
+                next < limit ? endsIn(_mm512_load_si512(next), next, first, last, limit) : Ends{0, 0};
+            std::uint64_t places =
+                ends.first & (ends.last >> (length - 1) | behind.last << 1 << (64 - length));
             for (; places != 0; places &= places - 1)
                 if (stands(from, length, block + placeOf(places)))
                     return block + placeOf(places);
@@ -100,9 +105,9 @@ private:
         std::uint64_t first;
         std::uint64_t last;
     };
-    [[nodiscard]] [[gnu::always_inline]] Ends endsIn(const std::uint8_t *block, Vector first, Vector last,
-                                                     const std::uint8_t *limit) const {
-        const Vector bytes = ordered(_mm512_load_si512(block));
+    [[nodiscard]] [[gnu::always_inline]] Ends endsIn(Vector text, const std::uint8_t *block, Vector first,
+                                                     Vector last, const std::uint8_t *limit) const {
+        const Vector bytes = ordered(text);
         return {_mm512_cmpeq_epi8_mask(bytes, first),
                 _mm512_cmpeq_epi8_mask(bytes, last) & lowBits(static_cast<std::size_t>(limit - block))};
     }
@@ -129,6 +134,8 @@ private:
     return false;
 }
 
+// Patterns that a short way has looked at: they begin with an any-string sign, have no other signs, and never
+// two of these side by side, so that no piece is empty.
 template <ShortOrder kOrder>
 [[gnu::noinline]] ShortLike longLike(const nlsLocale &locale, const std::uint8_t *pattern,
                                      const std::uint8_t *text, LikeAsked asked) {
@@ -152,8 +159,7 @@ template <ShortOrder kOrder>
     // A first byte that the end cuts off from the rest may match by itself.
     if (!isBoundary(locale, text, end))
         return ShortLike::Unsettled;
-    const std::uint64_t any =
-        wanted.masks.equal(asked.signs().anyString) & (wanted.end - 1) & ~wanted.trails;
+    const std::uint64_t any = wanted.masks.equal(asked.signs().anyString) & (wanted.end - 1) & ~wanted.trails;
     const LongSought<kOrder> sought(
         pattern, kOrder == ShortOrder::Weights ? weightsOf(*locale.collation, asked.mode()) : nullptr);
     const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
@@ -180,8 +186,7 @@ template <ShortOrder kOrder>
 }
 
 template <ShortOrder kOrder>
-nlsStatus likeLongBy(nlsLocale *locale, const char *pattern, const char *text,
-                                                   LikeAsked asked) {
+nlsStatus likeLongBy(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
     const ShortLike said = longLike<kOrder>(*locale, bytesOf(pattern), bytesOf(text), asked);
     return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
 }

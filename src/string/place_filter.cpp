@@ -184,7 +184,8 @@ std::uint64_t PlaceFilter::places(const std::uint8_t *text, std::size_t length) 
 #endif
 }
 
-bool addIndexesOf(const std::uint8_t *table, unsigned from, std::uint8_t value, ByteForms &forms) {
+bool addIndexesOf(const std::uint8_t *table, bool beyondAscii, std::uint8_t value, ByteForms &forms) {
+    const unsigned from = beyondAscii ? 0x80 : 0;
 #if defined(VELNLS_TEXT_VECTORS)
     for (unsigned base = from; base < 256; base += 64) {
         const std::uint64_t found = Sse2Masks<4>(table + base).equal(value);

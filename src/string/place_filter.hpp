@@ -59,9 +59,9 @@ const std::uint8_t *findPlace(const PlaceFilter &filter, const std::uint8_t *at,
 
 } // namespace avx512
 
-// Adds the indexes from `from` on, 0 or 80, at which a table of 256 bytes has a value; 0 is left out. False
-// when there is no room for all.
-bool addIndexesOf(const std::uint8_t *table, unsigned from, std::uint8_t value, ByteForms &forms);
+// Adds the indexes, 0 left out, at which a table of 256 bytes has a value: all, or those of the bytes that
+// are not ASCII. False when there is no room for them.
+bool addIndexesOf(const std::uint8_t *table, bool beyondAscii, std::uint8_t value, ByteForms &forms);
 
 // The first byte from `at` on that is 80 or above or one of `forms`, or the end of the text.
 const std::uint8_t *skipOtherAscii(const std::uint8_t *text, const std::uint8_t *at, const std::uint8_t *end,

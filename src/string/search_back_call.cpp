@@ -1,4 +1,4 @@
-// nlsSearchBack. For size: long texts are searched forwards.
+// nlsSearchBack: compiled for size, since long texts are searched forwards.
 #include "locale/checks.hpp"
 #include "locale/text.hpp"
 #include "string/search.hpp"

@@ -17,8 +17,8 @@ template <typename Masks>
     if (matching.page == ShortPage::Bytes)
         return false;
     if (matching.page != ShortPage::Utf8) {
-        // Lead bytes side by side are pairs, but for the last one of an odd number. How a text ends nobody could
-        // foresee: no jump.
+        // Lead bytes side by side are pairs, but for the last one of an odd number. How a text ends nobody
+        // could foresee: no jump.
         const std::uint64_t others = ~leadsOf(masks, *matching.facts()) & (end - 1);
         const unsigned begin = others == 0 ? 0 : 64 - static_cast<unsigned>(__builtin_clzll(others));
         return ((placeOf(end) - begin) & 1) != 0;
@@ -69,8 +69,8 @@ template <typename Masks>
                 ((read.any & last) != 0 || (read.sought.placesOf(placeOf(last)) & read.end >> 1) != 0))
                 stands = read.sought.places(1, length, read.end) != 0;
             // By its own bytes alone a character that is cut matches none.
-            if (!stands && (read.order == ShortOrder::Bytes ||
-                            !mayBeCut(matching, read.masks, read.end, text)))
+            if (!stands &&
+                (read.order == ShortOrder::Bytes || !mayBeCut(matching, read.masks, read.end, text)))
                 return ShortLike::No;
             if (matching.page == ShortPage::Pairs)
                 return likeByCharacters(matching, read);

@@ -237,9 +237,9 @@ template <typename Masks>
 [[gnu::always_inline]] inline ShortPlaces shortPlacesBy(ShortMatching matching, const std::uint8_t *pattern,
                                                         const std::uint8_t *text) {
     return withPlaces<Masks>(
-        matching, pattern,
-        text, [matching](const Masks &masks, std::uint64_t end, ShortPlaces found)
-                  __attribute__((always_inline)) { return atCharacters(matching, masks, end, found); });
+        matching, pattern, text,
+        [matching](const Masks &masks, std::uint64_t end, ShortPlaces found)
+            __attribute__((always_inline)) { return atCharacters(matching, masks, end, found); });
 }
 
 // The literals of a pattern that begins with an any-string sign: pieces between such signs, each of which
@@ -313,9 +313,11 @@ template <typename Masks>
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike shortLikeBy(ShortMatching matching, const std::uint8_t *pattern,
                                                     const std::uint8_t *text, LikeSigns signs) {
-    return withLikeRead<Masks>(matching, pattern, text, signs,
-                               [matching](const ShortLikeRead<Masks> &read)
-                                   __attribute__((always_inline)) { return likeByCharacters(matching, read); });
+    return withLikeRead<Masks>(
+        matching, pattern, text,
+        signs, [matching](const ShortLikeRead<Masks> &read) __attribute__((always_inline)) {
+            return likeByCharacters(matching, read);
+        });
 }
 
 } // namespace

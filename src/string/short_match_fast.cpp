@@ -1,4 +1,4 @@
-#include "string/short_match_fast.hpp"
+#include "string/short_match_by.hpp"
 
 #include <cstring>
 
@@ -34,23 +34,15 @@ private:
 
 ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
                         unsigned mode) {
-    const ShortMatching matching = matchingOf(locale, mode);
-    if (!fitsBlock(text) || matching.order == ShortOrder::Unknown)
-        return kUnsettledPlaces;
-    return fitsBlock(pattern) ? shortPlacesBy<Masks>(matching, pattern, text)
-                              : findMoved(locale, pattern, text, mode);
+    if ((locale.header.proofs & kByteShuffles) != 0)
+        return avx2::findShortly(locale, pattern, text, mode);
+    return findShortlyBy<Masks>(locale, pattern, text, mode);
 }
 
 nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
-    const ShortMatching matching = matchingOf(*locale, asked.mode());
-    if (matching.order != ShortOrder::Unknown) {
-        if (!fitsBlock(bytesOf(pattern)))
-            return likeMoved(locale, pattern, text, asked);
-        const ShortLike result = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
-        if (isAnswer(result))
-            return answerOf(result);
-    }
-    return likeByPage(locale, pattern, text, asked);
+    if ((locale->header.proofs & kByteShuffles) != 0)
+        return avx2::likeShortly(locale, pattern, text, asked);
+    return likeShortlyBy<Masks>(locale, pattern, text, asked);
 }
 
 ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
@@ -61,8 +53,7 @@ ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern, cons
 
 nlsStatus likeMoved(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
     const MovedPattern moved(pattern);
-    return moved.fits() ? likeIn(locale, moved.at(), text, asked)
-                        : likeByPage(locale, pattern, text, asked);
+    return moved.fits() ? likeIn(locale, moved.at(), text, asked) : likeByPage(locale, pattern, text, asked);
 }
 
 } // namespace velnls::fast

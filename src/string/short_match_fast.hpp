@@ -27,12 +27,21 @@ LikeCall likeLongByWeights;
 
 } // namespace velnls::avx512
 
+// The same for processors with AVX2; call them only where kByteShuffles is proved.
+namespace velnls::avx2 {
+
+ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
+                        unsigned mode);
+LikeCall likeShortly;
+
+} // namespace velnls::avx2
+
 namespace velnls::fast {
 
 #if defined(VELNLS_SHORT_TEXTS)
 
 // What is proved of how characters match under a mode; of weights, only what that says of ASCII.
-inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
+[[gnu::always_inline]] inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     const std::uint32_t proofs = locale.header.proofs;
     ShortMatching matching{ShortOrder::Unknown,
                            (proofs & kSingleBytePage) != 0 ? ShortPage::Bytes
@@ -47,10 +56,10 @@ inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
 }
 
 // Whether a short way has settled LIKE, and what the call then gives.
-constexpr bool isAnswer(ShortLike said) {
+[[gnu::always_inline]] constexpr bool isAnswer(ShortLike said) {
     return said == ShortLike::Yes || said == ShortLike::No;
 }
-constexpr nlsStatus answerOf(ShortLike said) {
+[[gnu::always_inline]] constexpr nlsStatus answerOf(ShortLike said) {
     return said == ShortLike::Yes ? kLikeYes : kLikeNo;
 }
 
@@ -80,9 +89,8 @@ LikeCall likeMoved;
 // LIKE with a pattern that begins with an any-string sign.
 [[gnu::always_inline]] inline nlsStatus likeIn(nlsLocale *locale, const char *pattern, const char *text,
                                                LikeAsked asked) {
-    return (locale->header.proofs & kWideVectors) != 0
-               ? avx512::likeShortly(locale, pattern, text, asked)
-               : likeShortly(locale, pattern, text, asked);
+    return (locale->header.proofs & kWideVectors) != 0 ? avx512::likeShortly(locale, pattern, text, asked)
+                                                       : likeShortly(locale, pattern, text, asked);
 }
 
 #else

@@ -11,7 +11,8 @@ namespace fixture {
 namespace {
 
 constexpr unsigned char kFiller = 0xEE;
-constexpr std::size_t kBehind = 80; // bytes that stand behind a string at the front of its area
+constexpr std::size_t kBehind = 80; // bytes that stand behind a string near the front of its area
+constexpr std::size_t kBefore = 64; // fewer bytes than these stand before it
 bool atFront = false;
 
 // Each string of a call has an area of its own.
@@ -28,15 +29,19 @@ GuardedBuffer &area(std::size_t which, std::size_t size) {
 const char *place(std::size_t which, const std::string &text) {
     Bytes bytes(text.begin(), text.end());
     bytes.push_back(0);
-    GuardedBuffer &buffer = area(which, bytes.size() + kBehind);
+    GuardedBuffer &buffer = area(which, kBefore + bytes.size() + kBehind);
     static unsigned patterns = 0; // every other one ends where its page does, wherever the text stands
     if (!atFront || (which == 0 && ++patterns % 2 == 0))
         return reinterpret_cast<const char *>(buffer.readOnly(bytes));
-    // What stands behind the string looks much like it: none of that may be found.
-    unsigned char *const at = buffer.head(bytes.size() + kBehind);
+    // What stands before and behind the string looks much like it, NULs included: none of that may be found.
+    static std::size_t turn = 0;
+    const std::size_t before = ++turn * 7 % kBefore;
+    unsigned char *const at = buffer.head(before + bytes.size() + kBehind) + before;
     std::copy(bytes.begin(), bytes.end(), at);
     for (std::size_t i = 0; i < kBehind; ++i)
         at[bytes.size() + i] = bytes[i % bytes.size()];
+    for (std::size_t i = 1; i <= before; ++i)
+        at[-static_cast<std::ptrdiff_t>(i)] = bytes[bytes.size() - 1 - i % bytes.size()];
     return reinterpret_cast<const char *>(at);
 }
 

@@ -215,6 +215,14 @@ TEST(Like, TrailBytesAreNoPlacesToMatchAt) {
 TEST(Like, EqualBytesAreNotNeeded) {
     EXPECT_EQ(like("single merged", "%\xE1%", "xxax"), kYes);
     EXPECT_EQ(like("single merged", "%\xE1%", std::string(500, 'x') + "\xE4" + std::string(500, 'x')), kYes);
+    for (const std::size_t length : {0, 10, 50, 500}) { // ASCII stays apart, and other bytes equal some of it
+        const std::string filling(length, 'x');
+        EXPECT_EQ(like("single shared", "%a%", filling + "\xE4" + filling, 0), kYes);
+        EXPECT_EQ(like("single shared", "%\xE4%", filling + "A" + filling, 0), kYes);
+        EXPECT_EQ(like("single shared", "%xS%", filling + "x\xDF" + filling, 0), kYes);
+        EXPECT_EQ(like("single shared", "%x\xDF", filling + "xs", 0), kYes);
+        EXPECT_EQ(like("single shared", "%a%", filling + "\xE4" + filling, 1), kNo);
+    }
     // A character of weight 0 equals a single "s" when it is compared alone.
     EXPECT_EQ(like("single zero", "%s%", "x\xDFx"), kYes);
     EXPECT_EQ(like("single zero", "%\xDF%", std::string(500, 'x') + "s" + std::string(500, 'x')), kYes);

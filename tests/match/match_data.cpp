@@ -24,6 +24,15 @@ CollationTable mergedWeights() {
     return table;
 }
 
+// When case is ignored, bytes that are not ASCII weigh as "a" or nothing; those of ASCII stay apart.
+CollationTable sharedWeights() {
+    CollationTable table = plainWeights();
+    for (const unsigned byte : {0xE1U, 0xE4U})
+        table.insensitive[byte] = table.insensitive['a'];
+    table.insensitive[0xDF] = 0;
+    return table;
+}
+
 // DF and "b" have weight 0, "a" weighs as "s".
 CollationTable zeroWeights() {
     CollationTable table = plainWeights();
@@ -87,6 +96,7 @@ DataFile matchFile() {
     file.codePage("SINGLE", CharacterTable::singleByte());
     file.collation("SINGLE", "plain", plainWeights());
     file.collation("SINGLE", "merged", mergedWeights());
+    file.collation("SINGLE", "shared", sharedWeights());
     file.collation("SINGLE", "zero", zeroWeights());
     file.collation("SINGLE", "thai", thaiWeights());
     file.collation("SINGLE", "basic", CollationTable::basic());
@@ -138,6 +148,7 @@ const std::vector<PageData> &matchPageData() {
     static const std::vector<PageData> pages = {
         {"single plain", "SINGLE", "plain", nullptr, single, letters},
         {"single merged", "SINGLE", "merged", nullptr, single, letters},
+        {"single shared", "SINGLE", "shared", nullptr, single, letters},
         {"single zero", "SINGLE", "zero", nullptr, single, letters},
         {"single thai", "SINGLE", "thai", nullptr, single, thai},
         {"single basic", "SINGLE", "basic", "ascii", single, letters},

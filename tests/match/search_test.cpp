@@ -160,6 +160,18 @@ TEST(Search, WeightsDecideNotBytes) {
                                      1),
              501, 502);
     expectAt(fixture::searchForwards(merged, " ", filling + "b" + filling, 1), 501, 501);
+    const model::Page &shared = page("single shared");
+    for (const std::size_t length : {0, 10, 50, 500}) {
+        const std::string before(length, 'x');
+        const auto at = static_cast<std::uint32_t>(length);
+        expectAt(fixture::searchForwards(shared, "a",
+                                         before + "\xE4y"
+                                                  "a",
+                                         0),
+                 at + 1, at + 1);
+        expectAt(fixture::searchForwards(shared, "\xE1y", before + "Ay", 0), at + 1, at + 2);
+        expectAt(fixture::searchForwards(shared, "s", before + "\xDFs", 0), at + 1, at + 1);
+    }
     const model::Page &zero = page("single zero");
     expectAt(fixture::searchForwards(zero, "s", filling + "\xDF" + filling, 1), 501, 501);
     expectAt(fixture::searchForwards(zero, "\xDF\xDF", filling + "ss" + filling, 1), 501, 502);

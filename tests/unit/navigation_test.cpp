@@ -101,6 +101,16 @@ TEST_F(Navigation, NextCharacterStopsOnANulAmongTheFirstThreeTrailBytes) {
         }
 }
 
+TEST_F(Navigation, NextCharacterStaysOnANulAndLooksAtNothingBehindIt) {
+    for (nlsLocale *const locale : {byte_, double_, utf8_, long_})
+        EXPECT_EQ(step(locale, ""), Step(0, 20));
+    EXPECT_EQ(step(utf8_, "\xC3"), Step(1, 20));
+    EXPECT_EQ(step(utf8_, std::string("\xC3\0z", 3)), Step(1, 20));
+    EXPECT_EQ(step(utf8_, std::string("\0z", 2)), Step(0, 20));
+    EXPECT_EQ(step(double_, std::string("\x88\0z", 3)), Step(1, 20));
+    EXPECT_EQ(step(double_, std::string("\0z", 2)), Step(0, 20));
+}
+
 TEST_F(Navigation, NextCharacterGoesOverLongCharactersWithoutLooking) {
     for (unsigned count = 4; count <= 7; ++count) {
         const std::string whole = std::to_string(count) + std::string(count, 'x');

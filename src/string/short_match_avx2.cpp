@@ -1,0 +1,21 @@
+// The short ways to match on processors with AVX2.
+#include "string/short_match_by.hpp"
+
+#if defined(VELNLS_SHORT_TEXTS)
+
+#include "locale/masks_avx2.hpp"
+
+namespace velnls::avx2 {
+
+ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
+                        unsigned mode) {
+    return findShortlyBy<Masks<1>>(locale, pattern, text, mode);
+}
+
+nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+    return likeShortlyBy<Masks<2>>(locale, pattern, text, asked);
+}
+
+} // namespace velnls::avx2
+
+#endif
