@@ -41,7 +41,7 @@ const char *place(std::size_t which, const std::string &text) {
     for (std::size_t i = 0; i < kBehind; ++i)
         at[bytes.size() + i] = bytes[i % bytes.size()];
     for (std::size_t i = 1; i <= before; ++i)
-        at[-static_cast<std::ptrdiff_t>(i)] = bytes[bytes.size() - 1 - i % bytes.size()];
+        at[-static_cast<std::ptrdiff_t>(i)] = i % 6 == 5 ? 0 : bytes[bytes.size() - 1 - i % bytes.size()];
     return reinterpret_cast<const char *>(at);
 }
 
