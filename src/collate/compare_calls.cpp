@@ -10,7 +10,6 @@
 #include "icu/collate.hpp"
 #include "locale/case_text.hpp"
 
-#include <bit>
 #include <cstring>
 
 using namespace velnls;
@@ -27,17 +26,18 @@ nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char 
     return give(compareByByteWeightsOn(order, boundedText(a, -1), boundedText(b, -1)), out);
 }
 
-// A blank behind which the other string has ended may be the first of those at an end.
+#if defined(VELNLS_READS_AHEAD)
+
 nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, const std::uint8_t *weights,
                        std::int16_t *out, std::uint32_t places) {
-    a += std::countr_zero(places);
-    b += std::countr_zero(places);
-    const unsigned byteA = *bytesOf(a);
-    const unsigned byteB = *bytesOf(b);
-    if ((byteA == 0 || byteB == 0) && (byteA | byteB) != ' ')
-        return give(signOf(static_cast<int>(byteA - byteB)), out);
-    return compareOnByWeights(locale, a, b, weights, out);
+    a += firstOf(places);
+    b += firstOf(places);
+    const bool ends = *a == 0 || *b == 0;
+    const int order = ends ? byteOrder(*bytesOf(a), *bytesOf(b)) : kUnsettled;
+    return order != kUnsettled ? give(order, out) : compareOnByWeights(locale, a, b, weights, out);
 }
+
+#endif
 
 } // namespace velnls
 

@@ -17,11 +17,12 @@ namespace velnls {
 nlsStatus compareOnByBytes(const char *a, const char *b, std::int16_t *out);
 nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char *b,
                              const std::uint8_t *weights, std::int16_t *out);
-// The same for two strings of which one may end at the first of the places where they differ.
-nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, const std::uint8_t *weights,
-                       std::int16_t *out, std::uint32_t places);
 
 #if defined(VELNLS_READS_AHEAD)
+
+// By weights, two strings of which one may end at the first of the places where they differ.
+nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, const std::uint8_t *weights,
+                       std::int16_t *out, std::uint32_t places);
 
 // `places(a, b)`: where the first blocks differ or both have a NUL, as differencesAhead() has it. Which place
 // that is nobody could foresee: it is found without a jump.

@@ -15,7 +15,7 @@ namespace velnls {
     if (locale == nullptr || locale->header.type != kLocaleObject) [[unlikely]]
         return 0;
     const std::uint32_t proofs = locale->header.proofs;
-    if ((proofs & (kByteWeights | kBasicOrder)) == 0 || locale->handle->header.type != kHandleObject ||
+    if ((proofs & (kByteWeights | kBasicOrder)) == 0 || !isLive(*locale->handle) ||
         locale->charTable == nullptr) [[unlikely]]
         return 0;
     return proofs;

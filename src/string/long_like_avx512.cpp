@@ -42,10 +42,12 @@ namespace {
     return (locale.header.proofs & kSingleBytePage) != 0 || isBoundaryOfLong(locale, text, place);
 }
 
-// How a pattern up to its NUL, a bit, divides into characters where not all of it is ASCII.
-[[gnu::noinline]] ShortStructure structureOfPattern(const nlsLocale &locale, const std::uint8_t *pattern,
-                                                    std::uint64_t end) {
-    return structureOf(fast::matchingOf(locale, 0), WideMasks(pattern), end);
+// The trail bytes of a pattern that is not all ASCII; kUndivided where its characters are not what the page
+// means.
+constexpr std::uint64_t kUndivided = ~std::uint64_t{0};
+[[gnu::noinline]] std::uint64_t trailsOfPattern(const nlsLocale &locale, const std::uint8_t *pattern) {
+    ShortPattern<WideMasks> wanted(pattern);
+    return wanted.divide(fast::matchingOf(locale, 0)) ? wanted.trails : kUndivided;
 }
 
 // Text and pattern as an order makes them.
@@ -140,18 +142,16 @@ template <ShortOrder kOrder>
 [[gnu::noinline]] ShortLike longLike(const nlsLocale &locale, const std::uint8_t *pattern,
                                      const std::uint8_t *text, LikeAsked asked) {
     ShortPattern<WideMasks> wanted(pattern);
-    if (wanted.high() != 0) {
-        const ShortStructure structure = structureOfPattern(locale, pattern, wanted.end);
-        wanted.trails = structure.trails;
-        if ((structure.wrong | (structure.trails & wanted.end)) != 0)
-            return ShortLike::Unsettled;
-    }
+    if (wanted.high() != 0)
+        wanted.trails = trailsOfPattern(locale, pattern);
+    if (wanted.trails == kUndivided)
+        return ShortLike::Unsettled;
     const std::uint8_t *const begin = text;
     const std::uint8_t *end = endOf(text);
     if constexpr (kOrder == ShortOrder::Ascii) {
-        ShortOrder order = kOrder;
-        const ShortPage page = fast::matchingOf(locale, 0).page;
-        if (!wanted.foldsAsAscii(page, order) || (wanted.mayMeetDottedI(page) && mayHaveDottedI(text, end)))
+        const ShortOrder order =
+            wanted.asciiOrderIn(fast::matchingOf(locale, 0).page, [&] { return mayHaveDottedI(text, end); });
+        if (order == ShortOrder::Unknown)
             return ShortLike::Unsettled;
         if (order == ShortOrder::Bytes)
             return longLike<ShortOrder::Bytes>(locale, pattern, text, asked);

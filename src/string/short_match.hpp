@@ -130,15 +130,24 @@ struct ShortPattern {
     // is none.
     [[gnu::always_inline]] ShortOrder orderIn(ShortMatching matching, const Masks &text,
                                               std::uint64_t textEnd) const {
-        ShortOrder order = matching.order;
+        const ShortOrder order = matching.order;
         if (order == ShortOrder::AsciiAlone)
             return (high() | (text.high() & (textEnd - 1))) == 0 ? ShortOrder::Ascii : ShortOrder::Unknown;
         if (order != ShortOrder::Ascii)
             return order;
-        if (!foldsAsAscii(matching.page, order) ||
-            (mayMeetDottedI(matching.page) && (text.equal(kDottedILead) & (textEnd - 1)) != 0))
-            return ShortOrder::Unknown;
-        return order;
+        return asciiOrderIn(
+            matching.page, [&]() __attribute__((always_inline)) {
+                return (text.equal(kDottedILead) & (textEnd - 1)) != 0;
+            });
+    }
+    // The same for characters that match under the case of ASCII. `hasDottedI()`: whether the text may have
+    // capital I with dot.
+    template <typename HasDottedI>
+    [[nodiscard]] [[gnu::always_inline]] ShortOrder asciiOrderIn(ShortPage page,
+                                                                 HasDottedI hasDottedI) const {
+        ShortOrder order = ShortOrder::Ascii;
+        return foldsAsAscii(page, order) && !(mayMeetDottedI(page) && hasDottedI()) ? order
+                                                                                    : ShortOrder::Unknown;
     }
 };
 
