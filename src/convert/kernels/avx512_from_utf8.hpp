@@ -1,4 +1,4 @@
-// Reads UTF-8 by blocks of 64 bytes, sixteen characters at a time, into a sink.
+// Reads UTF-8 by blocks of 64 bytes, up to 32 characters at a time, into a sink.
 #pragma once
 
 #include "convert/kernels/avx512_lanes.hpp"
@@ -6,129 +6,118 @@
 namespace velnls::avx512 {
 namespace {
 
-// For each of 16 positions the one itself and the next. `positions` holds bytes; those from `group` times 16
-// on are meant.
-[[gnu::always_inline]] inline Vector twoPlaces(Vector positions, int group) {
-    const Vector spread = _mm512_castsi256_si512(
-        _mm256_set_epi16(0x0F0F, 0x0E0E, 0x0D0D, 0x0C0C, 0x0B0B, 0x0A0A, 0x0909, 0x0808, 0x0707, 0x0606,
-                         0x0505, 0x0404, 0x0303, 0x0202, 0x0101, 0x0000));
-    const Vector which = _mm512_add_epi8(spread, bytesOf(static_cast<unsigned>(group) * 16));
-    return _mm512_add_epi8(_mm512_permutexvar_epi8(which, positions), numbersOf(0x01000100));
-}
+// The well-formed characters of one to three bytes that end in a block, side by side: of each the last byte,
+// and those one and two before it, 0 where the character has none there.
+class Utf8Characters {
+public:
+    // Bits of the block's bytes: `ends`, the last bytes of characters, `trails` all that are none's first,
+    // and `thirds` those behind two others. What stands before `at` is read where the block begins with them.
+    [[gnu::always_inline]] Utf8Characters(const std::uint8_t *at, Vector block, std::uint64_t ends,
+                                          std::uint64_t trails, std::uint64_t thirds)
+        : last_(_mm512_maskz_compress_epi8(ends, _mm512_mask_sub_epi8(block, trails, block, bytesOf(0x80)))),
+          second_(_mm512_maskz_compress_epi8(ends, _mm512_maskz_loadu_epi8(trails, at - 1))),
+          third_(_mm512_maskz_compress_epi8(ends, _mm512_maskz_loadu_epi8(thirds, at - 2))) {}
 
-// Well-formed characters of one to three bytes, of 16 positions, as units of 16 bits.
-struct Utf8Units {
-    // Of a block alone: places behind it are taken from its begin, and no character looks at them.
-    [[gnu::always_inline]] static __m256i of(Vector block, Vector positions, int group) {
-        const Vector places = twoPlaces(positions, group);
-        return values(_mm512_permutexvar_epi8(places, block),
-                      _mm512_permutexvar_epi8(_mm512_add_epi8(places, bytesOf(2)), block));
+    // Of a text's block of `size` bytes that begins with a character: up to the first byte that is not as
+    // announced, or the end. `ends`: where they end in it.
+    [[gnu::always_inline]] static Utf8Characters upToOdd(const std::uint8_t *at, Vector block,
+                                                         std::uint32_t size, std::uint64_t &ends) {
+        const std::uint64_t lead = _mm512_cmpge_epu8_mask(block, bytesOf(0xC0));
+        const std::uint64_t three = _mm512_cmpge_epu8_mask(block, bytesOf(0xE0));
+        const std::uint64_t four = _mm512_cmpge_epu8_mask(block, bytesOf(0xF0));
+        const std::uint64_t trails = _mm512_movepi8_mask(block) & ~lead;
+        const std::uint64_t thirds = three << 2;
+        const std::uint64_t odd = (trails ^ (lead << 1 | thirds)) | four | ~lowBits(size);
+        ends = ~(lead | three << 1) & lowBits(firstBitOr64(odd));
+        return {at, block, ends, trails, thirds};
     }
-    [[gnu::always_inline]] static __m256i of(Vector block, Vector next, Vector positions, int group) {
-        const Vector places = twoPlaces(positions, group);
-        return values(_mm512_permutex2var_epi8(block, places, next),
-                      _mm512_permutex2var_epi8(block, _mm512_add_epi8(places, bytesOf(2)), next));
+
+    // The first sixteen as units of 16 bits; and without them.
+    [[gnu::always_inline]] [[nodiscard]] __m256i sixteen() const {
+        constexpr int kAndOr = 0xEA;
+        const auto units = [](Vector bytes) { return _mm256_cvtepu8_epi16(_mm512_castsi512_si128(bytes)); };
+        const __m256i two = _mm256_ternarylogic_epi64(_mm256_slli_epi16(units(second_), 6), unitsOf(0x0FC0),
+                                                      units(last_), kAndOr);
+        return _mm256_or_si256(two, _mm256_slli_epi16(units(third_), 12));
+    }
+    [[gnu::always_inline]] void dropSixteen() {
+        last_ = _mm512_alignr_epi64(last_, last_, 2);
+        second_ = _mm512_alignr_epi64(second_, second_, 2);
+        third_ = _mm512_alignr_epi64(third_, third_, 2);
+    }
+
+    // The first 32 as units of 16 bits, or those behind them.
+    template <bool kBehind>
+    [[gnu::always_inline]] [[nodiscard]] Vector units() const {
+        constexpr int kAndOr = 0xEA;
+        const Vector sixBits = _mm512_set1_epi16(0x0FC0);
+        const Vector two = _mm512_ternarylogic_epi64(_mm512_slli_epi16(widened<kBehind>(second_), 6), sixBits,
+                                                     widened<kBehind>(last_), kAndOr);
+        // What marks a lead byte leaves the unit at its top.
+        return _mm512_or_si512(two, _mm512_slli_epi16(widened<kBehind>(third_), 12));
     }
 
 private:
-    // Of their first two bytes, the first one low, and the third in the low byte.
-    [[gnu::always_inline]] static __m256i values(Vector firstTwo, Vector thirds) {
-        const __m256i bytes = _mm512_castsi512_si256(firstTwo);
-        const __m256i six = unitsOf(0x3F);
-        const __mmask16 isAscii = _mm256_testn_epi16_mask(bytes, unitsOf(0x80));
-        const __mmask16 isThree =
-            _mm256_cmpeq_epi16_mask(_mm256_and_si256(bytes, unitsOf(0xE0)), unitsOf(0xE0));
-        const __m256i second = _mm256_and_si256(_mm256_srli_epi16(bytes, 8), six);
-        const __m256i two =
-            _mm256_or_si256(_mm256_slli_epi16(_mm256_and_si256(bytes, unitsOf(0x1F)), 6), second);
-        const __m256i third = _mm256_and_si256(_mm512_castsi512_si256(thirds), six);
-        const __m256i three = _mm256_or_si256(_mm256_slli_epi16(two, 6), third);
-        return _mm256_mask_mov_epi16(_mm256_mask_mov_epi16(two, isThree, three), isAscii,
-                                     _mm256_and_si256(bytes, unitsOf(0x7F)));
-    }
+    Vector last_;
+    Vector second_;
+    Vector third_;
 };
 
-// Sinks: asciiRoom(count) for that many ASCII characters, kBlockRoom for 64 bytes of any kind, kRoom for 16
-// characters; putAscii writes the `count` low bytes; put writes lanes and gives those that it refuses, having
-// written the ones before the first of them. kTakesBlocks: long texts are worth the code of a way of their
-// own.
+// Sinks: asciiRoom(count) for that many ASCII characters, kRoom for 32 characters of any kind; putAscii
+// writes the `count` low bytes; put writes lanes of units and gives those that it refuses, having written the
+// ones before the first of them. Lanes that fit the lower half need half the room.
 struct PageSink {
-    static constexpr std::ptrdiff_t kBlockRoom = 64 + 64;
-    static constexpr std::ptrdiff_t kRoom = 32;
     static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
         return count;
     }
-
     [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
         store(target, block, count);
         target.at += count;
     }
 };
 
-// Long texts: blocks follow each other at a fixed distance, and what the last characters of one have in the
-// next is carried over, so that no block waits for the end of the one before. Stops before a block that is
-// not well formed, at a character's begin.
+// Long texts, for sinks that refuse nothing: blocks follow each other at a fixed distance, so that none waits
+// for the end of the one before. Stops before a block that is not well formed, at a character's begin.
+// kBlockRoom: for 64 characters; putBlock writes `count` of a block.
 template <typename Sink>
 [[gnu::always_inline]] inline void utf8Blocks(const Sink &sink, Source &source, Target &out) {
     const std::uint8_t *at = source.at;
     Target target = out;
-    const Vector counting = countingBytes();
-    std::uint64_t carried = 0; // trail bytes at the block's begin that belong to a character already written
-    while (source.end - at >= 128 && target.end - target.at >= Sink::kBlockRoom) {
+    // Bits of the next block's first bytes that belong to a character begun before it.
+    std::uint64_t second = 0;
+    std::uint64_t third = 0;
+    while (source.end - at >= 64 && target.end - target.at >= Sink::kBlockRoom) {
         const Vector block = _mm512_loadu_si512(at);
         const std::uint64_t notAscii = _mm512_movepi8_mask(block);
-        if (notAscii == 0 && carried == 0) {
+        if ((notAscii | second | third) == 0) {
             sink.putAscii(block, 64, target);
             at += 64;
             continue;
         }
-        const Vector next = _mm512_loadu_si512(at + 64);
         const std::uint64_t lead = _mm512_cmpge_epu8_mask(block, bytesOf(0xC0));
         const std::uint64_t three = _mm512_cmpge_epu8_mask(block, bytesOf(0xE0));
         const std::uint64_t four = _mm512_cmpge_epu8_mask(block, bytesOf(0xF0));
-        const std::uint64_t trail = notAscii & ~lead;
-        const std::uint64_t behind = lead >> 63 | three >> 62;
-        const std::uint64_t trailsBehindBlock =
-            _mm512_movepi8_mask(next) & ~_mm512_cmpge_epu8_mask(next, bytesOf(0xC0));
-        if (((trail ^ (lead << 1 | three << 2 | carried)) | four | (behind & ~trailsBehindBlock)) != 0)
+        const std::uint64_t trails = notAscii & ~lead;
+        const std::uint64_t thirds = three << 2 | third;
+        if (((trails ^ (lead << 1 | second | thirds)) | four) != 0)
             break;
-        const std::uint64_t starts = ~trail;
-        const Vector positions = _mm512_maskz_compress_epi8(starts, counting);
-        const std::uint32_t count = countBits(starts);
-        std::uint32_t refused = 0;
-        int group = 0;
-        for (std::uint32_t left = count; left != 0; ++group) {
-            const std::uint32_t taken = left < 16 ? left : 16;
-            const auto values = Utf8Units::of(block, next, positions, group);
-            refused = sink.put(values, static_cast<__mmask16>(lowBits(taken)), target);
-            if (refused != 0)
-                break;
-            left -= taken;
-        }
-        if (refused != 0) {
-            at += startNumber(starts, 16 * static_cast<std::uint32_t>(group) + _tzcnt_u32(refused));
-            carried = 0;
-            break;
-        }
+        const std::uint64_t ends = ~(lead | three << 1 | third >> 1);
+        sink.putBlock(Utf8Characters(at, block, ends, trails, thirds), countBits(ends), target);
+        second = lead >> 63;
+        third = three >> 62;
         at += 64;
-        carried = behind;
     }
-    source.at = at + countBits(carried);
+    // Back to the begin of a character that was not written.
+    source.at = at - (second != 0 ? 1 : 2 * static_cast<std::ptrdiff_t>(third & 1));
     out.at = target.at;
 }
 
 template <typename Sink>
 [[gnu::always_inline]] inline void fromUtf8(const Sink &sink, Source &source, Target &out) {
-    if constexpr (Sink::kTakesBlocks) {
-        if (source.end - source.at >= 128)
-            utf8Blocks(sink, source, out);
-    }
     const std::uint8_t *at = source.at;
     Target target = out;
-    const Vector counting = countingBytes();
     while (at < source.end) {
-        const std::ptrdiff_t left = source.end - at;
-        const std::uint32_t size = left < 64 ? static_cast<std::uint32_t>(left) : 64;
+        const std::uint32_t size = smaller(source.end - at, 64);
         const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), at);
         const std::uint64_t notAscii = _mm512_movepi8_mask(block);
         if (notAscii == 0) {
@@ -138,54 +127,27 @@ template <typename Sink>
             at += size;
             continue;
         }
-        const std::uint64_t lead = _mm512_cmpge_epu8_mask(block, bytesOf(0xC0));
-        const std::uint64_t three = _mm512_cmpge_epu8_mask(block, bytesOf(0xE0));
-        const std::uint64_t four = _mm512_cmpge_epu8_mask(block, bytesOf(0xF0));
-        const std::uint64_t trail = notAscii & ~lead;
-        // Everything before the first byte that is not as announced; a character that reaches beyond is left.
-        const std::uint64_t odd = (trail ^ (lead << 1 | three << 2)) | four;
-        std::uint32_t limit = firstBitOr64(odd);
-        limit = limit < size ? limit : size;
-        std::uint64_t starts = ~trail & lowBits(limit);
-        if (starts == 0)
+        std::uint64_t ends = 0;
+        const Utf8Characters characters = Utf8Characters::upToOdd(at, block, size, ends);
+        if (ends == 0)
             break;
-        const std::uint32_t lastStart = 63 - static_cast<std::uint32_t>(_lzcnt_u64(starts));
-        const std::uint32_t lastLength = 1 + static_cast<std::uint32_t>(lead >> lastStart & 1) +
-                                         static_cast<std::uint32_t>(three >> lastStart & 1);
-        if (lastStart + lastLength > limit) {
-            starts &= ~(std::uint64_t{1} << lastStart);
-            limit = lastStart;
+        const std::uint32_t count = countBits(ends);
+        const auto put = [&sink, &target](Vector units, std::uint32_t some) {
+            if (target.end - target.at < (some > 16 ? Sink::kRoom : Sink::kRoom / 2))
+                return 0U;
+            const std::uint32_t refused = sink.put(units, static_cast<__mmask32>(lowBits(some)), target);
+            return refused == 0 ? some : _tzcnt_u32(refused);
+        };
+        const std::uint32_t first = count < 32 ? count : 32;
+        std::uint32_t written = put(characters.units<false>(), first);
+        if (written == first && count > 32)
+            written += put(characters.units<true>(), count - 32);
+        if (written == count) {
+            at += 64 - static_cast<std::uint32_t>(_lzcnt_u64(ends));
+            continue;
         }
-        const Vector positions = _mm512_maskz_compress_epi8(starts, counting);
-        std::uint32_t count = countBits(starts);
-        std::uint32_t end = limit;
-        bool stopped = count == 0;
-        for (int group = 0; count != 0; ++group) {
-            if (count < 16 && group != 0 &&
-                size == 64) { // they fill a register better with those behind them
-                end = startNumber(starts, 16 * static_cast<std::uint32_t>(group));
-                break;
-            }
-            if (target.end - target.at < Sink::kRoom) {
-                stopped = true;
-                end = startNumber(starts, 16 * static_cast<std::uint32_t>(group));
-                break;
-            }
-            const std::uint32_t taken = count < 16 ? count : 16;
-            const auto lanes = static_cast<__mmask16>(lowBits(taken));
-            const auto values = Utf8Units::of(block, positions, group);
-            const std::uint32_t refused = sink.put(values, lanes, target);
-            if (refused != 0) {
-                stopped = true;
-                end = firstBitOr64(_pdep_u64(
-                    std::uint64_t{1} << (16 * group + static_cast<int>(_tzcnt_u32(refused))), starts));
-                break;
-            }
-            count -= taken;
-        }
-        at += end;
-        if (stopped)
-            break;
+        at += startNumber(ends << 1 | 1, written);
+        break;
     }
     source.at = at;
     out.at = target.at;

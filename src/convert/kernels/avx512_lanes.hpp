@@ -19,6 +19,9 @@ namespace {
 [[gnu::always_inline]] inline __m256i unitsOf(unsigned unit) {
     return _mm256_set1_epi16(static_cast<short>(unit));
 }
+[[gnu::always_inline]] inline Vector wideUnitsOf(unsigned unit) {
+    return _mm512_set1_epi16(static_cast<short>(unit));
+}
 [[gnu::always_inline]] inline std::uint32_t countBits(std::uint64_t mask) {
     return static_cast<std::uint32_t>(_mm_popcnt_u64(mask));
 }
@@ -30,8 +33,16 @@ namespace {
     return firstBitOr64(_pdep_u64(std::uint64_t{1} << number, starts));
 }
 // The lanes before the first of `bad`.
-[[gnu::always_inline]] inline __mmask16 lanesBefore(__mmask16 lanes, std::uint32_t bad) {
-    return bad == 0 ? lanes : static_cast<__mmask16>(lanes & (_blsmsk_u32(bad) >> 1));
+template <typename Lanes>
+[[gnu::always_inline]] inline Lanes lanesBefore(Lanes lanes, std::uint32_t bad) {
+    return bad == 0 ? lanes : static_cast<Lanes>(lanes & (_blsmsk_u32(bad) >> 1));
+}
+
+// The first 32 bytes as units of 16 bits, or those behind them.
+template <bool kBehind>
+[[gnu::always_inline]] inline Vector widened(Vector bytes) {
+    return _mm512_cvtepu8_epi16(kBehind ? _mm512_extracti64x4_epi64(bytes, 1)
+                                        : _mm512_castsi512_si256(bytes));
 }
 
 // Stores the first `count` bytes. A masked store takes many times as long as a whole one, so it is kept for
@@ -70,20 +81,16 @@ inline constexpr std::ptrdiff_t kUtf8Room = 64; // of 16 characters up to U+FFFF
 
 // Writes the lanes' values, none of them a surrogate, as UTF-8.
 [[gnu::always_inline]] inline void putUtf8(Vector values, __mmask16 lanes, Target &target) {
-    const Vector low = numbersOf(0x3F);
+    constexpr int kAndOr = 0xEA;
     const __mmask16 two = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x80));
     const __mmask16 three = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x800));
-    const Vector last = _mm512_and_si512(values, low);
-    const Vector twoBytes = _mm512_or_si512(_mm512_or_si512(numbersOf(0x80C0), _mm512_srli_epi32(values, 6)),
-                                            _mm512_slli_epi32(last, 8));
-    const Vector middle = _mm512_and_si512(_mm512_slli_epi32(values, 2), numbersOf(0x3F00));
-    const Vector threeBytes =
-        _mm512_or_si512(_mm512_or_si512(numbersOf(0x8080E0), _mm512_srli_epi32(values, 12)),
-                        _mm512_or_si512(middle, _mm512_slli_epi32(last, 16)));
-    Vector bytes = _mm512_mask_mov_epi32(values, two, twoBytes);
-    bytes = _mm512_mask_mov_epi32(bytes, three, threeBytes);
-    const std::uint64_t used = _pdep_u64(lanes, 0x1111111111111111) | _pdep_u64(two, 0x2222222222222222) |
-                               _pdep_u64(three, 0x4444444444444444);
+    // The last byte stands third, the one before it second, and the first of three first.
+    const Vector fields = _mm512_multishift_epi64_epi8(_mm512_set1_epi64(0x20'20'26'2C'00'00'06'0C), values);
+    const Vector marked =
+        _mm512_mask_ternarylogic_epi32(fields, two, numbersOf(0x3F3F0F), numbersOf(0x8080E0), kAndOr);
+    const Vector bytes = _mm512_mask_or_epi32(marked, _kandn_mask16(three, two), marked, numbersOf(0x4000));
+    const std::uint64_t used = _pdep_u64(lanes, 0x4444444444444444) | _pdep_u64(two, 0x2222222222222222) |
+                               _pdep_u64(three, 0x1111111111111111);
     const std::uint32_t count = countBits(used);
     _mm512_storeu_si512(target.at, _mm512_maskz_compress_epi8(used, bytes));
     target.at += count;

@@ -11,16 +11,24 @@ namespace velnls::avx512 {
 
 namespace {
 
+constexpr std::ptrdiff_t kLongText = 128; // bytes from which it is worth while to go by whole blocks
+
+[[gnu::always_inline]] inline __m256i lowHalf(Vector units) {
+    return _mm512_castsi512_si256(units);
+}
+[[gnu::always_inline]] inline __m256i highHalf(Vector units) {
+    return _mm512_extracti64x4_epi64(units, 1);
+}
+
 struct Utf16Sink {
-    static constexpr bool kTakesBlocks = true;
-    static constexpr std::ptrdiff_t kBlockRoom = 128 + 32;
-    static constexpr std::ptrdiff_t kRoom = 32;
+    static constexpr std::ptrdiff_t kBlockRoom = 128;
+    static constexpr std::ptrdiff_t kRoom = 64;
     static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
         return std::ptrdiff_t{count} * 2;
     }
     [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
-        const Vector low = _mm512_cvtepu8_epi16(_mm512_castsi512_si256(block));
-        const Vector high = _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(block, 1));
+        const Vector low = _mm512_cvtepu8_epi16(lowHalf(block));
+        const Vector high = _mm512_cvtepu8_epi16(highHalf(block));
         if (target.room() >= 128) [[likely]] {
             _mm512_storeu_si512(target.at, low);
             _mm512_storeu_si512(target.at + 64, high);
@@ -31,17 +39,24 @@ struct Utf16Sink {
         }
         target.at += std::ptrdiff_t{count} * 2;
     }
-    [[gnu::always_inline]] static __mmask16 put(__m256i values, __mmask16 lanes, Target &target) {
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), values);
+    [[gnu::always_inline]] static void putBlock(const Utf8Characters &characters, std::uint32_t count,
+                                                Target &target) {
+        _mm512_storeu_si512(target.at, characters.units<false>());
+        _mm512_storeu_si512(target.at + 64, characters.units<true>());
+        target.at += std::ptrdiff_t{count} * 2;
+    }
+    [[gnu::always_inline]] static __mmask32 put(Vector units, __mmask32 lanes, Target &target) {
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at), lowHalf(units));
+        if (lanes >> 16 != 0)
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(target.at + 32), highHalf(units));
         target.at += std::ptrdiff_t{countBits(lanes)} * 2;
         return 0;
     }
 };
 
 struct Utf32Sink {
-    static constexpr bool kTakesBlocks = true;
-    static constexpr std::ptrdiff_t kBlockRoom = 256 + 64;
-    static constexpr std::ptrdiff_t kRoom = 64;
+    static constexpr std::ptrdiff_t kBlockRoom = 256;
+    static constexpr std::ptrdiff_t kRoom = 128;
     static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
         return count > 32 ? 256 : 128;
     }
@@ -55,10 +70,24 @@ struct Utf32Sink {
         }
         target.at += std::ptrdiff_t{count} * 4;
     }
-    [[gnu::always_inline]] static __mmask16 put(__m256i values, __mmask16 lanes, Target &target) {
-        _mm512_storeu_si512(target.at, _mm512_cvtepu16_epi32(values));
+    [[gnu::always_inline]] static void putBlock(const Utf8Characters &characters, std::uint32_t count,
+                                                Target &target) {
+        store32(characters.units<false>(), true, target.at);
+        if (count > 32)
+            store32(characters.units<true>(), true, target.at + 128);
+        target.at += std::ptrdiff_t{count} * 4;
+    }
+    [[gnu::always_inline]] static __mmask32 put(Vector units, __mmask32 lanes, Target &target) {
+        store32(units, lanes >> 16 != 0, target.at);
         target.at += std::ptrdiff_t{countBits(lanes)} * 4;
         return 0;
+    }
+
+private:
+    [[gnu::always_inline]] static void store32(Vector units, bool both, std::uint8_t *to) {
+        _mm512_storeu_si512(to, _mm512_cvtepu16_epi32(lowHalf(units)));
+        if (both)
+            _mm512_storeu_si512(to + 64, _mm512_cvtepu16_epi32(highHalf(units)));
     }
 };
 
@@ -76,11 +105,17 @@ struct Utf32Sink {
 } // namespace
 
 void utf8ToUtf16(Source &source, Target &target) {
-    fromUtf8(Utf16Sink{}, source, target);
+    const Utf16Sink sink;
+    if (source.left() >= kLongText)
+        utf8Blocks(sink, source, target);
+    fromUtf8(sink, source, target);
 }
 
 void utf8ToUtf32(Source &source, Target &target) {
-    fromUtf8(Utf32Sink{}, source, target);
+    const Utf32Sink sink;
+    if (source.left() >= kLongText)
+        utf8Blocks(sink, source, target);
+    fromUtf8(sink, source, target);
 }
 
 // In the loops over units a whole register moves the position by a constant: the next load then waits for no
@@ -101,10 +136,9 @@ void utf16ToUtf8(Source &source, Target &out) {
         const std::uint32_t odd = surrogates16(units);
         const std::uint32_t good = odd == 0 ? size : firstBitOr64(odd);
         const std::uint64_t lanes = lowBits(good);
-        putUtf8(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(units)), static_cast<__mmask16>(lanes), target);
+        putUtf8(_mm512_cvtepu16_epi32(lowHalf(units)), static_cast<__mmask16>(lanes), target);
         if (good > 16)
-            putUtf8(_mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(units, 1)),
-                    static_cast<__mmask16>(lanes >> 16), target);
+            putUtf8(_mm512_cvtepu16_epi32(highHalf(units)), static_cast<__mmask16>(lanes >> 16), target);
         if (odd != 0) {
             at += std::ptrdiff_t{good} * 2;
             break;
@@ -147,8 +181,8 @@ void utf16ToUtf32(Source &source, Target &target) {
     while (source.end - at >= 2 && target.end - to >= 128) {
         const std::uint32_t size = smaller((source.end - at) / 2, 32);
         const Vector units = _mm512_maskz_loadu_epi16(static_cast<__mmask32>(lowBits(size)), at);
-        _mm512_storeu_si512(to, _mm512_cvtepu16_epi32(_mm512_castsi512_si256(units)));
-        _mm512_storeu_si512(to + 64, _mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(units, 1)));
+        _mm512_storeu_si512(to, _mm512_cvtepu16_epi32(lowHalf(units)));
+        _mm512_storeu_si512(to + 64, _mm512_cvtepu16_epi32(highHalf(units)));
         const std::uint32_t odd = surrogates16(units);
         if (odd != 0) {
             at += std::ptrdiff_t{firstBitOr64(odd)} * 2;

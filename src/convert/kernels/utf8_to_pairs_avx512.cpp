@@ -6,6 +6,8 @@
 #if defined(VELNLS_AVX512_KERNELS)
 
 #include "convert/kernels/avx512_from_utf8.hpp"
+#include "convert/kernels/avx512_pages.hpp"
+#include "convert/kernels/mapping_lookup.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "convert/kernels/table_entries.hpp"
 
@@ -15,22 +17,57 @@ namespace {
 
 // The entries of the lanes in `which`; kUnmapped in the others. The table has a place 0.
 [[gnu::always_inline]] inline __m256i entriesIn(const std::uint16_t *table, __m256i places, __mmask16 which) {
-    const __m256i found = entriesAt(table, _mm256_maskz_compress_epi16(which, places), countBits(which) > 8);
-    return _mm256_mask_expand_epi16(unitsOf(file::kUnmapped), which, found);
+    const __m256i found = entriesAt(table, _mm256_maskz_mov_epi16(which, places), true);
+    return _mm256_mask_mov_epi16(unitsOf(file::kUnmapped), which, found);
 }
+class Utf8ToPairs {
+public:
+    static constexpr std::ptrdiff_t kRoom = 32;
 
-struct PairSink : PageSink {
-    static constexpr bool kTakesBlocks = true;
-    const MappingFacts &facts;
-    const MappingBody &body;
-    const std::uint16_t *window;
-    __m256i lowest;
-
-    explicit PairSink(const MappingBody &page)
+    explicit Utf8ToPairs(const MappingBody &page)
         : facts(factsOf(page)), body(page),
           // Without a window nothing lies inside, and its first entry is looked at all the same.
           window(page.groups[2].reverseCount != 0 ? page.groups[2].reverse : page.groups[2].values),
           lowest(unitsOf(page.groups[2].lowest)) {}
+
+    [[gnu::always_inline]] static Utf8Characters charactersOf(const std::uint8_t *at, Vector block,
+                                                              std::uint32_t size, std::uint64_t &ends) {
+        return Utf8Characters::upToOdd(at, block, size, ends);
+    }
+    [[gnu::always_inline]] std::uint32_t put(const Utf8Characters &characters, __mmask16 lanes,
+                                             Target &target) const {
+        return put(characters.sixteen(), lanes, target);
+    }
+
+    // The steps of long texts.
+    static void plain(Source &source, Target &target) {
+        copyAscii(source, target);
+    }
+    static const std::uint8_t *stretchOf(const Source &source) {
+        return denseStretch(source);
+    }
+    static void read(Source &source, Target &units) {
+        utf8ToUtf16(source, units);
+    }
+    [[gnu::always_inline]] void write(Source &units, Target &target) const {
+        writeUnits<kRoom>(units, target, [this](__m256i group, __mmask16 lanes, Target &out) {
+            return put(group, lanes, out);
+        });
+    }
+    // A character that the page has, though not where the kernels look.
+    bool writeOne(std::uint32_t value, Target &target) const {
+        const std::uint32_t code = codeOfUnicode(body, value);
+        return code != kNone && writeCode(target, code);
+    }
+    static std::ptrdiff_t lengthOf(std::uint8_t lead) {
+        return 1 + (lead >= 0xC0 ? 1 : 0) + (lead >= 0xE0 ? 1 : 0);
+    }
+
+private:
+    const MappingFacts &facts;
+    const MappingBody &body;
+    const std::uint16_t *window;
+    __m256i lowest;
 
     // The indexes of the lanes outside the window: kana and letters by stretches, punctuation one by one.
     [[gnu::always_inline]] __m256i besideWindow(__m256i values, __mmask16 lanes, __m256i found) const {
@@ -75,7 +112,7 @@ struct PairSink : PageSink {
         return _mm256_mask_mov_epi16(found, _mm256_testn_epi16_mask(found, found), unitsOf(file::kUnmapped));
     }
 
-    [[gnu::always_inline]] __mmask16 put(__m256i values, __mmask16 lanes, Target &target) const {
+    [[gnu::always_inline]] std::uint32_t put(__m256i values, __mmask16 lanes, Target &target) const {
         const PairUnits &units = facts.units;
         const __mmask16 beyondAscii = _mm256_mask_cmpge_epu16_mask(lanes, values, unitsOf(0x80));
         const __m256i places = _mm256_sub_epi16(values, lowest);
@@ -113,7 +150,11 @@ struct PairSink : PageSink {
 } // namespace
 
 void utf8ToPairs(const MappingBody &body, Source &source, Target &target) {
-    fromUtf8(PairSink(body), source, target);
+    const Utf8ToPairs page(body);
+    if (source.left() > 128)
+        throughUnits(page, source, target);
+    else
+        bySixteens(page, source, target);
 }
 
 } // namespace velnls::avx512

@@ -17,13 +17,13 @@ namespace {
 // The windows of single-byte pages are small: they fit registers, where looking up costs a fraction of
 // loading each entry.
 struct ByteRowSink : PageSink {
-    static constexpr bool kTakesBlocks = false; // a script of one alphabet does not come here
+    static constexpr std::ptrdiff_t kRoom = 32;
     static constexpr std::uint32_t kParts = 8;
     static constexpr std::uint32_t kRegisterSpan = kParts * 32; // indexes
 
-    __m256i lowest;
-    __m256i span;
-    __m256i base;
+    Vector lowest;
+    Vector span;
+    Vector base;
     Vector part[kParts];
 
     static bool fits(const MappingBody &body) {
@@ -32,9 +32,9 @@ struct ByteRowSink : PageSink {
     }
     // The body's window fits.
     explicit ByteRowSink(const MappingBody &body)
-        : lowest(unitsOf(body.groups[2].lowest)),
-          span(unitsOf(body.groups[2].highest - body.groups[2].lowest + 1)),
-          base(unitsOf(body.groups[2].firstTrail - 1u)) {
+        : lowest(wideUnitsOf(body.groups[2].lowest)),
+          span(wideUnitsOf(body.groups[2].highest - body.groups[2].lowest + 1u)),
+          base(wideUnitsOf(body.groups[2].firstTrail - 1u)) {
         const std::ptrdiff_t count = body.groups[2].highest - body.groups[2].lowest + 1;
         for (std::uint32_t i = 0; i < kParts; ++i) {
             const std::ptrdiff_t left = count - static_cast<std::ptrdiff_t>(32 * i);
@@ -44,26 +44,29 @@ struct ByteRowSink : PageSink {
         }
     }
     // The entries at places below kRegisterSpan.
-    [[gnu::always_inline]] __m256i entries(__m256i sixteen) const {
-        const Vector places = _mm512_castsi256_si512(sixteen);
-        const __mmask32 second = _mm512_test_epi16_mask(places, _mm512_set1_epi16(0x40));
-        const __mmask32 third = _mm512_test_epi16_mask(places, _mm512_set1_epi16(0x80));
+    [[gnu::always_inline]] Vector entries(Vector places) const {
+        const __mmask32 second = _mm512_test_epi16_mask(places, wideUnitsOf(0x40));
+        const __mmask32 third = _mm512_test_epi16_mask(places, wideUnitsOf(0x80));
         const Vector low = _mm512_mask_mov_epi16(_mm512_permutex2var_epi16(part[0], places, part[1]), second,
                                                  _mm512_permutex2var_epi16(part[2], places, part[3]));
         const Vector high = _mm512_mask_mov_epi16(_mm512_permutex2var_epi16(part[4], places, part[5]), second,
                                                   _mm512_permutex2var_epi16(part[6], places, part[7]));
-        return _mm512_castsi512_si256(_mm512_mask_mov_epi16(low, third, high));
+        return _mm512_mask_mov_epi16(low, third, high);
     }
-    [[gnu::always_inline]] __mmask16 put(__m256i values, __mmask16 lanes, Target &target) const {
-        const __mmask16 beyondAscii = _mm256_mask_cmpge_epu16_mask(lanes, values, unitsOf(0x80));
-        const __m256i places = _mm256_sub_epi16(values, lowest);
-        const __mmask16 inside = _mm256_mask_cmplt_epu16_mask(beyondAscii, places, span);
-        const __m256i found = _mm256_mask_mov_epi16(unitsOf(file::kUnmapped), inside, entries(places));
-        const __mmask16 refused = _mm256_mask_cmpeq_epi16_mask(beyondAscii, found, unitsOf(file::kUnmapped));
-        const __mmask16 good = lanesBefore(lanes, refused);
-        const __m256i bytes = _mm256_mask_add_epi16(values, beyondAscii, found, base);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(target.at), _mm256_cvtepi16_epi8(bytes));
-        target.at += countBits(good);
+    [[gnu::always_inline]] __mmask32 put(Vector values, __mmask32 lanes, Target &target) const {
+        const __mmask32 beyondAscii = _mm512_mask_cmpge_epu16_mask(lanes, values, wideUnitsOf(0x80));
+        const Vector places = _mm512_sub_epi16(values, lowest);
+        const __mmask32 inside = _mm512_mask_cmplt_epu16_mask(beyondAscii, places, span);
+        const Vector found = _mm512_mask_mov_epi16(wideUnitsOf(file::kUnmapped), inside, entries(places));
+        const __mmask32 refused =
+            _mm512_mask_cmpeq_epi16_mask(beyondAscii, found, wideUnitsOf(file::kUnmapped));
+        const Vector bytes = _mm512_mask_add_epi16(values, beyondAscii, found, base);
+        const __m256i narrow = _mm512_cvtepi16_epi8(bytes);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(target.at), _mm256_castsi256_si128(narrow));
+        if (lanes >> 16 != 0)
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(target.at + 16),
+                             _mm256_extracti128_si256(narrow, 1));
+        target.at += countBits(lanesBefore(lanes, refused));
         return refused;
     }
 };
