@@ -37,24 +37,27 @@ nlsStatus endOr0(const std::uint8_t *at) {
         return refuseLocale(locale);
     if (p == nullptr || next == nullptr) [[unlikely]]
         return NLS_E_NULLARG;
-    if (locale->charTable == nullptr) [[unlikely]] {
-        *next = nullptr;
-        return NLS_E_NOCHARTAB;
-    }
     const std::uint8_t *const at = bytesOf(p);
     // The usual ones first, and without a look into the table where the page is proved to be UTF-8.
     if ((locale->header.proofs & kUtf8Page) != 0) [[likely]] {
         std::size_t lead = *at;
+        asm("" : "+r"(lead));
         if (static_cast<std::int8_t>(lead) >= -0x40 && lead < 0xE0) [[likely]] {
             // Of one byte or of two: which comes next nobody could foresee, so that no jump depends on it.
-            asm("" : "+r"(lead));
-            const std::uint8_t *const last = at + (lead >> 7);
-            if (*last != 0) [[likely]]
-                return stepTo(last + 1, next);
+            // The next call waits for this sum, which therefore has no step too many.
+            const std::uint8_t *behindFirst = at + 1;
+            asm("" : "+r"(behindFirst));
+            const std::uint8_t *const behind = behindFirst + (lead >> 7);
+            if (behind[-1] != 0) [[likely]]
+                return stepTo(behind, next);
         } else if (lead >= 0xE0 && lead < 0xF0 && at[1] != 0 && at[2] != 0) [[likely]] {
             return stepTo(at + 3, next);
         }
     } else {
+        if (locale->charTable == nullptr) [[unlikely]] {
+            *next = nullptr;
+            return NLS_E_NOCHARTAB;
+        }
         const std::size_t trails = locale->charTable->trailCount(*at);
         if (trails <= 1 && *at != 0 && at[trails] != 0) [[likely]] // a record may say anything of NUL
             return stepTo(at + trails + 1, next);
