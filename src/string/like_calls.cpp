@@ -74,7 +74,7 @@ nlsStatus nlsSqlLike(nlsLocale *locale, const char *pattern, const char *string,
     if (*bytesOf(pattern) != anyString)
         return likeFromStart(locale, pattern, string, asked);
 #if defined(VELNLS_SHORT_TEXTS)
-    if (fast::isForLikeIn(string, asked.signs()))
+    if (fast::isForLikeIn(asked.signs()))
         return fast::likeIn(locale, pattern, string, asked);
 #endif
     return likeByPage(locale, pattern, string, asked);

@@ -101,19 +101,12 @@ template <template <ShortPage, ShortOrder> typename By>
 ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
                         unsigned mode) {
     const auto find = wayFor<Places>(locale.header.proofs, mode);
-    if (!fast::fitsBlock(text) || find == nullptr)
-        return kUnsettledPlaces;
-    return fast::fitsBlock(pattern) ? find(locale, pattern, text, mode)
-                                    : fast::findMoved(locale, pattern, text, mode);
+    return find == nullptr ? kUnsettledPlaces : find(locale, pattern, text, mode);
 }
 
 nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
     const auto like = wayFor<Like>(locale->header.proofs, asked.mode());
-    if (like == nullptr)
-        return likeByPage(locale, pattern, text, asked);
-    if (!fast::fitsBlock(bytesOf(pattern)))
-        return fast::likeMoved(locale, pattern, text, asked);
-    return like(locale, pattern, text, asked);
+    return like == nullptr ? likeByPage(locale, pattern, text, asked) : like(locale, pattern, text, asked);
 }
 
 } // namespace velnls::avx512

@@ -14,10 +14,8 @@ template <typename Masks>
 [[gnu::always_inline]] inline ShortPlaces findShortlyBy(const nlsLocale &locale, const std::uint8_t *pattern,
                                                         const std::uint8_t *text, unsigned mode) {
     const ShortMatching matching = fast::matchingOf(locale, mode);
-    if (!fast::fitsBlock(text) || matching.order == ShortOrder::Unknown)
-        return kUnsettledPlaces;
-    return fast::fitsBlock(pattern) ? shortPlacesBy<Masks>(matching, pattern, text)
-                                    : fast::findMoved(locale, pattern, text, mode);
+    return matching.order == ShortOrder::Unknown ? kUnsettledPlaces
+                                                 : shortPlacesBy<Masks>(matching, pattern, text);
 }
 
 template <typename Masks>
@@ -25,8 +23,6 @@ template <typename Masks>
                                                       const char *text, LikeAsked asked) {
     const ShortMatching matching = fast::matchingOf(*locale, asked.mode());
     if (matching.order != ShortOrder::Unknown) {
-        if (!fast::fitsBlock(bytesOf(pattern)))
-            return fast::likeMoved(locale, pattern, text, asked);
         const ShortLike said = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
         if (fast::isAnswer(said))
             return fast::answerOf(said);

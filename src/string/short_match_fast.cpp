@@ -11,22 +11,24 @@ namespace {
 // Half a block holds most texts, and is looked through in half the time.
 using Masks = Sse2Masks<2>;
 
-// A pattern in a block of its own.
-class MovedPattern {
+// A string that may be looked at by a block: moved into one of its own, unless it goes on behind its block
+// and so into the next page of memory.
+class Moved {
 public:
-    explicit MovedPattern(const char *pattern) : length_(::strnlen(pattern, kShortBlock)) {
-        if (fits())
-            std::memcpy(block_, pattern, length_ + 1); // behind it stands anything, as behind any string
+    [[gnu::noinline]] explicit Moved(const char *at) : at_(at) {
+        const std::size_t length = ::strnlen(at, kShortBlock);
+        if (length < kShortBlock)
+            at_ = static_cast<const char *>(std::memcpy(block_, at, length + 1)); // behind it, anything
     }
-    [[nodiscard]] bool fits() const {
-        return length_ < kShortBlock;
-    }
+    Moved(const Moved &) = delete;
+    Moved &operator=(const Moved &) = delete;
+
     [[nodiscard]] const char *at() const {
-        return block_;
+        return at_;
     }
 
 private:
-    std::size_t length_;
+    const char *at_;
     alignas(kShortBlock) char block_[kShortBlock];
 };
 
@@ -47,13 +49,15 @@ nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, 
 
 ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
                       unsigned mode) {
-    const MovedPattern moved(reinterpret_cast<const char *>(pattern));
-    return moved.fits() ? placesIn(locale, bytesOf(moved.at()), text, mode) : kUnsettledPlaces;
+    const Moved movedPattern(reinterpret_cast<const char *>(pattern));
+    const Moved movedText(reinterpret_cast<const char *>(text));
+    return findLoadable(locale, bytesOf(movedPattern.at()), bytesOf(movedText.at()), mode);
 }
 
 nlsStatus likeMoved(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
-    const MovedPattern moved(pattern);
-    return moved.fits() ? likeIn(locale, moved.at(), text, asked) : likeByPage(locale, pattern, text, asked);
+    const Moved movedPattern(pattern);
+    const Moved movedText(text);
+    return likeLoadable(locale, movedPattern.at(), movedText.at(), asked);
 }
 
 } // namespace velnls::fast

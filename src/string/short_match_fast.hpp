@@ -1,8 +1,8 @@
 // The short ways to search and to match by LIKE: by what is proved of the locale.
 //
-// The calls begin with placesIn() and likeIn(). Those choose the set of instructions; findShortly() and
-// likeShortly() then look at the pattern, go on to findMoved() and likeMoved() with one that stands across
-// two pages of memory, and LIKE ends in likeByPage() where no short way settles it.
+// The calls begin with placesIn() and likeIn(). Those have pattern and text moved where one of them may not
+// be loaded by blocks, and choose the set of instructions: findShortly() and likeShortly(). LIKE ends in
+// likeByPage() where no short way settles it.
 #pragma once
 
 #include "collate/compare.hpp"
@@ -16,8 +16,8 @@ namespace velnls::avx512 {
 
 ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
                         unsigned mode);
-// As likeByPage(), which it calls where one block does not settle it. The text fitsBlock(), and the pattern
-// begins with an any-string sign.
+// As likeByPage(), which it calls where one block does not settle it. The pattern begins with an any-string
+// sign, and pattern and text may be loaded by blocks, here and below.
 LikeCall likeShortly;
 // The same for a text that goes on behind its block and a pattern that is for the short ways: by how
 // characters match.
@@ -68,8 +68,19 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
                         unsigned mode);
 LikeCall likeShortly;
 
-// The same for a pattern that stands across two pages of memory: one that fits a block is moved into one,
-// since patterns are used again and again.
+// By the set of instructions, of pattern and text of which 64 bytes may be loaded each.
+[[gnu::always_inline]] inline ShortPlaces findLoadable(const nlsLocale &locale, const std::uint8_t *pattern,
+                                                       const std::uint8_t *text, unsigned mode) {
+    return (locale.header.proofs & kWideVectors) != 0 ? avx512::findShortly(locale, pattern, text, mode)
+                                                      : findShortly(locale, pattern, text, mode);
+}
+[[gnu::always_inline]] inline nlsStatus likeLoadable(nlsLocale *locale, const char *pattern, const char *text,
+                                                     LikeAsked asked) {
+    return (locale->header.proofs & kWideVectors) != 0 ? avx512::likeShortly(locale, pattern, text, asked)
+                                                       : likeShortly(locale, pattern, text, asked);
+}
+
+// The same where one of them stands too near to the end of its page of memory.
 ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
                       unsigned mode);
 LikeCall likeMoved;
@@ -77,20 +88,21 @@ LikeCall likeMoved;
 // All places of a pattern in a short text.
 [[gnu::always_inline]] inline ShortPlaces placesIn(const nlsLocale &locale, const std::uint8_t *pattern,
                                                    const std::uint8_t *text, unsigned mode) {
-    return (locale.header.proofs & kWideVectors) != 0 ? avx512::findShortly(locale, pattern, text, mode)
-                                                      : findShortly(locale, pattern, text, mode);
+    return fitsBlock(pattern) && fitsBlock(text) ? findLoadable(locale, pattern, text, mode)
+                                                 : findMoved(locale, pattern, text, mode);
 }
 
-// Whether likeIn() is for the text and the signs.
-[[gnu::always_inline]] inline bool isForLikeIn(const char *text, LikeSigns signs) {
+// Whether likeIn() is for the signs.
+[[gnu::always_inline]] inline bool isForLikeIn(LikeSigns signs) {
     constexpr std::uint32_t kBehindAscii = 0x80;
-    return (signs.anyString | signs.oneCharacter | signs.escape) < kBehindAscii && fitsBlock(bytesOf(text));
+    return (signs.anyString | signs.oneCharacter | signs.escape) < kBehindAscii;
 }
 // LIKE with a pattern that begins with an any-string sign.
 [[gnu::always_inline]] inline nlsStatus likeIn(nlsLocale *locale, const char *pattern, const char *text,
                                                LikeAsked asked) {
-    return (locale->header.proofs & kWideVectors) != 0 ? avx512::likeShortly(locale, pattern, text, asked)
-                                                       : likeShortly(locale, pattern, text, asked);
+    return fitsBlock(bytesOf(pattern)) && fitsBlock(bytesOf(text))
+               ? likeLoadable(locale, pattern, text, asked)
+               : likeMoved(locale, pattern, text, asked);
 }
 
 #else

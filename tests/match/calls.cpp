@@ -1,6 +1,7 @@
 #include "calls.hpp"
 
 #include "guarded_buffer.hpp"
+#include "pages.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -12,8 +13,8 @@ namespace {
 
 constexpr unsigned char kFiller = 0xEE;
 constexpr std::size_t kBehind = 80; // bytes that stand behind a string near the front of its area
-constexpr std::size_t kBefore = 64; // fewer bytes than these stand before it
-bool atFront = false;
+constexpr std::size_t kBefore = 64; // fewer bytes than these are made to stand before it
+Stand stand = Stand::kAtPageEnd;
 
 // Each string of a call has an area of its own.
 GuardedBuffer &area(std::size_t which, std::size_t size) {
@@ -29,18 +30,19 @@ GuardedBuffer &area(std::size_t which, std::size_t size) {
 const char *place(std::size_t which, const std::string &text) {
     Bytes bytes(text.begin(), text.end());
     bytes.push_back(0);
-    GuardedBuffer &buffer = area(which, kBefore + bytes.size() + kBehind);
+    GuardedBuffer &buffer = area(which, pageSize() + bytes.size() + kBehind);
     static unsigned patterns = 0; // every other one ends where its page does, wherever the text stands
-    if (!atFront || (which == 0 && ++patterns % 2 == 0))
+    if (stand == Stand::kAtPageEnd || (which == 0 && ++patterns % 2 == 0))
         return reinterpret_cast<const char *>(buffer.readOnly(bytes));
     // What stands before and behind the string looks much like it, NULs included: none of that may be found.
     static std::size_t turn = 0;
-    const std::size_t before = ++turn * 7 % kBefore;
+    const std::size_t some = ++turn * 7 % kBefore;
+    const std::size_t before = stand == Stand::kAmidOthers ? some : pageSize() - 1 - some;
     unsigned char *const at = buffer.head(before + bytes.size() + kBehind) + before;
     std::copy(bytes.begin(), bytes.end(), at);
     for (std::size_t i = 0; i < kBehind; ++i)
         at[bytes.size() + i] = bytes[i % bytes.size()];
-    for (std::size_t i = 1; i <= before; ++i)
+    for (std::size_t i = 1; i <= std::min(before, kBefore); ++i)
         at[-static_cast<std::ptrdiff_t>(i)] = i % 6 == 5 ? 0 : bytes[bytes.size() - 1 - i % bytes.size()];
     return reinterpret_cast<const char *>(at);
 }
@@ -71,8 +73,8 @@ model::Out read(const nlsStr &string, nlsStatus status) {
 
 } // namespace
 
-void standAtFront(bool yes) {
-    atFront = yes;
+void letStringsStand(Stand where) {
+    stand = where;
 }
 
 model::Out emptyOut(std::uint32_t size) {

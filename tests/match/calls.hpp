@@ -27,8 +27,14 @@ model::Found trimLeft(const model::Page &page, const std::string *set, const std
 model::Found trimRight(const model::Page &page, const std::string *set, const std::string &text,
                        std::int32_t length, std::uint16_t mode);
 
-// Where the strings of the next calls stand: in front of a forbidden page, or behind one.
-void standAtFront(bool yes);
+// Where the strings of the next calls stand: in front of a forbidden page, in one page with other text around
+// them, or so that their first bytes end a page and another one follows.
+enum class Stand {
+    kAtPageEnd,
+    kAmidOthers,
+    kAcrossPages
+};
+void letStringsStand(Stand where);
 
 // An empty counted string of a size.
 model::Out emptyOut(std::uint32_t size);

@@ -120,12 +120,14 @@ void onEveryPage(unsigned rounds, const std::function<void(const MatchPage &, Ma
     for (const MatchPage &page : MatchPages::instance().all()) {
         Maker maker(page, seed++);
         for (unsigned round = 0; round < rounds && !testing::Test::HasFatalFailure(); ++round) {
-            fixture::standAtFront(round % 2 == 1);
+            constexpr fixture::Stand kStands[] = {fixture::Stand::kAtPageEnd, fixture::Stand::kAmidOthers,
+                                                  fixture::Stand::kAcrossPages};
+            fixture::letStringsStand(kStands[round % 3]);
             SCOPED_TRACE(page.name + ", round " + std::to_string(round));
             run(page, maker, static_cast<std::uint16_t>(round / 2 % 2));
         }
     }
-    fixture::standAtFront(false);
+    fixture::letStringsStand(fixture::Stand::kAtPageEnd);
 }
 
 // Short texts mostly; one in eight is long enough for blocks.

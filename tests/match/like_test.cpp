@@ -91,10 +91,11 @@ TEST(Like, CapitalIWithDotFoldsToIInLongTextsToo) {
 // By itself a first byte folds as the byte without its high bit does: C4 as "D".
 TEST(Like, AFirstByteThatTheEndCutsOffFoldsAlikeInTextsOfAnyLength) {
     constexpr char kPage[] = "utf8 folded, ASCII in pairs";
-    for (const bool front : {false, true})
+    for (const fixture::Stand stand :
+         {fixture::Stand::kAtPageEnd, fixture::Stand::kAmidOthers, fixture::Stand::kAcrossPages})
         for (std::size_t length = 0; length < 200; ++length) {
             SCOPED_TRACE(length);
-            fixture::standAtFront(front);
+            fixture::letStringsStand(stand);
             const std::string text = std::string(length, 'x') + '\xC4';
             for (const char *pattern : {"%d", "%D%", "%x%d", "%"}) {
                 const bool wants = pattern[1] == 'x' && length == 0;
@@ -104,7 +105,7 @@ TEST(Like, AFirstByteThatTheEndCutsOffFoldsAlikeInTextsOfAnyLength) {
             EXPECT_EQ(like(kPage, "%d", text, 1), kNo);
             EXPECT_EQ(like(kPage, "%d%", text + '\x84', 0), kNo) << "it is not cut";
         }
-    fixture::standAtFront(false);
+    fixture::letStringsStand(fixture::Stand::kAtPageEnd);
 }
 
 TEST(Like, TheEmptyStringMatchesOnlyTheAnyStringWildcardAndTheEmptyPattern) {
