@@ -24,40 +24,57 @@ nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char 
 nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, const std::uint8_t *weights,
                        std::int16_t *out, std::uint32_t places);
 
-// `places(a, b)`: where the first blocks differ or both have a NUL, as differencesAhead() has it. Which place
-// that is nobody could foresee: it is found without a jump.
+// The same as the ways below where the first blocks cannot be loaded.
+nlsStatus compareNearPageEnd(const char *a, const char *b, std::int16_t *out);
+nlsStatus compareNearPageEnd(const nlsLocale *locale, const char *a, const char *b,
+                             const std::uint8_t *weights, std::int16_t *out);
 
-template <typename Places>
-[[gnu::always_inline]] inline nlsStatus compareFirstBytesBy(Places places, const char *a, const char *b,
-                                                            std::int16_t *out) {
-    if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
-        return compareOnByBytes(a, b, out);
-    const std::uint32_t differences = places(bytesOf(a), bytesOf(b));
-    if (differences == 0) [[unlikely]]
+// `places`: where the first blocks differ or both have a NUL, as differencesAhead() has it; others behind the
+// first of them do no harm. Which place that is nobody could foresee: it is found without a jump.
+
+[[gnu::always_inline]] inline nlsStatus settleByBytes(std::uint32_t places, const char *a, const char *b,
+                                                      std::int16_t *out) {
+    if (places == 0) [[unlikely]]
         return compareOnByBytes(a + kAheadBytes, b + kAheadBytes, out);
-    a += firstOf(differences);
-    b += firstOf(differences);
+    a += firstOf(places);
+    b += firstOf(places);
     const int order = byteOrder(*bytesOf(a), *bytesOf(b));
     return order != kUnsettled ? give(order, out) : compareOnByBytes(a, b, out);
 }
 
 // By weights, with 0 for that of NUL.
-template <typename Places>
-[[gnu::always_inline]] inline nlsStatus
-compareFirstWeightsBy(Places places, const nlsLocale *locale, const char *a, const char *b,
-                      const std::uint8_t *weights, std::int16_t *out) {
-    if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
-        return compareOnByWeights(locale, a, b, weights, out);
-    for (std::uint32_t left = places(bytesOf(a), bytesOf(b)); left != 0; left &= left - 1) {
-        const std::size_t at = firstOf(left);
+[[gnu::always_inline]] inline nlsStatus settleByWeights(std::uint32_t places, const nlsLocale *locale,
+                                                        const char *a, const char *b,
+                                                        const std::uint8_t *weights, std::int16_t *out) {
+    for (; places != 0; places &= places - 1) {
+        const std::size_t at = firstOf(places);
         const unsigned weightA = weights[bytesOf(a)[at]];
         const unsigned weightB = weights[bytesOf(b)[at]];
         if (weightA == 0 || weightB == 0)
-            return compareAtEnd(locale, a, b, weights, out, left);
+            return compareAtEnd(locale, a, b, weights, out, places);
         if (weightA != weightB)
             return give(orderOf(weightA, weightB), out);
     }
     return compareOnByWeights(locale, a + kAheadBytes, b + kAheadBytes, weights, out);
+}
+
+// `placesIn(a, b)` loads the blocks.
+
+template <typename Places>
+[[gnu::always_inline]] inline nlsStatus compareFirstBytesBy(Places placesIn, const char *a, const char *b,
+                                                            std::int16_t *out) {
+    if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
+        return compareNearPageEnd(a, b, out);
+    return settleByBytes(placesIn(bytesOf(a), bytesOf(b)), a, b, out);
+}
+
+template <typename Places>
+[[gnu::always_inline]] inline nlsStatus
+compareFirstWeightsBy(Places placesIn, const nlsLocale *locale, const char *a, const char *b,
+                      const std::uint8_t *weights, std::int16_t *out) {
+    if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
+        return compareNearPageEnd(locale, a, b, weights, out);
+    return settleByWeights(placesIn(bytesOf(a), bytesOf(b)), locale, a, b, weights, out);
 }
 
 #else
