@@ -37,22 +37,13 @@ nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, co
     return order != kUnsettled ? give(order, out) : compareOnByWeights(locale, a, b, weights, out);
 }
 
-// The first place where two strings differ or end, with all behind it; nothing where the first blocks have
-// none.
-static std::uint32_t placesFromFirst(const char *a, const char *b) {
+[[gnu::cold]] nlsStatus compareNearPageEnd(const nlsLocale *locale, const char *a, const char *b,
+                                           const std::uint8_t *weights, std::int16_t *out) {
     unsigned at = 0;
     while (at != kAheadBytes && a[at] == b[at] && a[at] != 0)
         ++at;
-    return at != kAheadBytes ? ~std::uint32_t{0} << at : 0;
-}
-
-nlsStatus compareNearPageEnd(const char *a, const char *b, std::int16_t *out) {
-    return settleByBytes(placesFromFirst(a, b), a, b, out);
-}
-
-nlsStatus compareNearPageEnd(const nlsLocale *locale, const char *a, const char *b,
-                             const std::uint8_t *weights, std::int16_t *out) {
-    return settleByWeights(placesFromFirst(a, b), locale, a, b, weights, out);
+    const std::uint32_t places = at != kAheadBytes ? ~std::uint32_t{0} << at : 0;
+    return settleByWeights(places, locale, a, b, weights, out);
 }
 
 #endif

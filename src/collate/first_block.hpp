@@ -24,8 +24,7 @@ nlsStatus compareOnByWeights(const nlsLocale *locale, const char *a, const char 
 nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, const std::uint8_t *weights,
                        std::int16_t *out, std::uint32_t places);
 
-// The same as the ways below where the first blocks cannot be loaded.
-nlsStatus compareNearPageEnd(const char *a, const char *b, std::int16_t *out);
+// The same as compareFirstWeightsBy() where the first blocks cannot be loaded.
 nlsStatus compareNearPageEnd(const nlsLocale *locale, const char *a, const char *b,
                              const std::uint8_t *weights, std::int16_t *out);
 
@@ -64,7 +63,7 @@ template <typename Places>
 [[gnu::always_inline]] inline nlsStatus compareFirstBytesBy(Places placesIn, const char *a, const char *b,
                                                             std::int16_t *out) {
     if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
-        return compareNearPageEnd(a, b, out);
+        return compareOnByBytes(a, b, out);
     return settleByBytes(placesIn(bytesOf(a), bytesOf(b)), a, b, out);
 }
 

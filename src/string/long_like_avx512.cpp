@@ -42,6 +42,17 @@ namespace {
     return (locale.header.proofs & kSingleBytePage) != 0 || isBoundaryOfLong(locale, text, place);
 }
 
+// Whether the end of a text of kShortBlock bytes and more cuts no character.
+[[gnu::always_inline]] inline bool isWhole(const nlsLocale &locale, const std::uint8_t *text,
+                                           const std::uint8_t *end) {
+    if ((locale.header.proofs & kSingleBytePage) != 0)
+        return true;
+    const auto last = loadNumber<std::uint32_t>(end - sizeof(std::uint32_t));
+    if ((locale.header.proofs & kUtf8Page) != 0)
+        return nothingReachesAcross(last);
+    return last >> 31 == 0 || isBoundaryOfLong(locale, text, end); // no lead byte is ASCII
+}
+
 // The trail bytes of a pattern that is not all ASCII; kUndivided where its characters are not what the page
 // means.
 constexpr std::uint64_t kUndivided = ~std::uint64_t{0};
@@ -136,59 +147,59 @@ private:
     return false;
 }
 
-// Patterns that a short way has looked at: they begin with an any-string sign, have no other signs, and never
-// two of these side by side, so that no piece is empty.
+// For patterns that begin with an any-string sign, have no other signs, and never two of these side by side,
+// so that no piece is empty.
 template <ShortOrder kOrder>
-[[gnu::noinline]] ShortLike longLike(const nlsLocale &locale, const std::uint8_t *pattern,
-                                     const std::uint8_t *text, LikeAsked asked) {
+[[gnu::always_inline]] inline nlsStatus likeLongBy(nlsLocale *locale, const char *pattern_, const char *text_,
+                                                   LikeAsked asked) {
+    const std::uint8_t *const pattern = bytesOf(pattern_);
+    const std::uint8_t *text = bytesOf(text_);
     ShortPattern<WideMasks> wanted(pattern);
     if (wanted.high() != 0)
-        wanted.trails = trailsOfPattern(locale, pattern);
-    if (wanted.trails == kUndivided)
-        return ShortLike::Unsettled;
-    const std::uint8_t *const begin = text;
+        wanted.trails = trailsOfPattern(*locale, pattern);
+    const std::uint64_t any = wanted.anyStrings(asked.signs());
+    if (wanted.end <= 1 || wanted.trails == kUndivided || any == 0)
+        return likeByPage(locale, pattern_, text_, asked);
     const std::uint8_t *end = endOf(text);
-    if constexpr (kOrder == ShortOrder::Ascii) {
-        const ShortOrder order =
-            wanted.asciiOrderIn(fast::matchingOf(locale, 0).page, [&] { return mayHaveDottedI(text, end); });
-        if (order == ShortOrder::Unknown)
-            return ShortLike::Unsettled;
-        if (order == ShortOrder::Bytes)
-            return longLike<ShortOrder::Bytes>(locale, pattern, text, asked);
-    }
     // A first byte that the end cuts off from the rest may match by itself.
-    if (!isBoundary(locale, text, end))
-        return ShortLike::Unsettled;
-    const std::uint64_t any = wanted.masks.equal(asked.signs().anyString) & (wanted.end - 1) & ~wanted.trails;
+    if (!isWhole(*locale, text, end))
+        return likeByPage(locale, pattern_, text_, asked);
     const LongSought<kOrder> sought(
-        pattern, kOrder == ShortOrder::Weights ? weightsOf(*locale.collation, asked.mode()) : nullptr);
+        pattern, kOrder == ShortOrder::Weights ? weightsOf(*locale->collation, asked.mode()) : nullptr);
+    if constexpr (kOrder == ShortOrder::Ascii) {
+        // Most texts end with another character than the pattern. Of ASCII, these match by the case of ASCII.
+        const unsigned last = pattern[placeOf(wanted.end) - 1];
+        if (last != asked.signs().anyString && (last | end[-1]) < 0x80 && ((last ^ end[-1]) & ~0x20U) != 0)
+            return kLikeNo;
+        const ShortOrder order =
+            wanted.asciiOrderIn(fast::matchingOf(*locale, 0).page, [&] { return mayHaveDottedI(text, end); });
+        if (order == ShortOrder::Unknown)
+            return likeByPage(locale, pattern_, text_, asked);
+        if (order == ShortOrder::Bytes)
+            return likeLongByBytes(locale, pattern_, text_, asked);
+    }
     const unsigned tail = 64 - static_cast<unsigned>(__builtin_clzll(any)); // behind the last sign
     if (const unsigned length = placeOf(wanted.end) - tail; length != 0) {
         if (sought.orderedByte(end[-1]) != sought.orderedByte(pattern[tail + length - 1]))
-            return ShortLike::No;
+            return kLikeNo;
         end -= length;
         // The last literal takes repeats of itself, which may be how the text ends.
-        if (sought.standing(tail, length, end) != lowBits(length) || !isBoundary(locale, begin, end))
-            return ShortLike::Unsettled;
+        if (sought.standing(tail, length, end) != lowBits(length) ||
+            !isBoundary(*locale, bytesOf(text_), end))
+            return likeByPage(locale, pattern_, text_, asked);
     }
     unsigned from = 1;
     for (std::uint64_t left = any & (any - 1); left != 0; left &= left - 1) {
         const unsigned stop = placeOf(left);
         const std::uint8_t *const place = sought.find(from, stop - from, text, end);
         if (place == nullptr)
-            return ShortLike::No;
-        if (!isBoundary(locale, begin, place))
-            return ShortLike::Unsettled;
+            return kLikeNo;
+        if (!isBoundary(*locale, bytesOf(text_), place))
+            return likeByPage(locale, pattern_, text_, asked);
         text = place + (stop - from);
         from = stop + 1;
     }
-    return ShortLike::Yes;
-}
-
-template <ShortOrder kOrder>
-nlsStatus likeLongBy(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
-    const ShortLike said = longLike<kOrder>(*locale, bytesOf(pattern), bytesOf(text), asked);
-    return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
+    return kLikeYes;
 }
 
 } // namespace

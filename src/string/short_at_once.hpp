@@ -6,6 +6,7 @@
 
 #include "core/unaligned.hpp"
 #include "string/short_match.hpp"
+#include "string/utf8_boundary.hpp"
 
 namespace velnls {
 namespace {
@@ -24,13 +25,8 @@ template <typename Masks>
         return ((placeOf(end) - begin) & 1) != 0;
     }
     const unsigned length = placeOf(end);
-    if (length < sizeof(std::uint32_t))
-        return true;
-    // A last byte from C0 up begins a character that goes on, the one before it does from E0 up, and the one
-    // before that from F0 up: all of these bits are set.
-    const auto last = loadNumber<std::uint32_t>(text + length - sizeof(std::uint32_t));
-    const std::uint32_t clear = (~last & 0xC0E0F000) | 0xFF;
-    return ((clear - 0x01010101) & ~clear & 0x80808080) != 0;
+    constexpr unsigned kFour = sizeof(std::uint32_t);
+    return length < kFour || !nothingReachesAcross(loadNumber<std::uint32_t>(text + length - kFour));
 }
 
 // Whether every byte of a text below `end` is a character.

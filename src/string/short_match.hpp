@@ -31,7 +31,7 @@ enum class ShortLike {
     No,
     Yes,
     Unsettled,
-    TextGoesOn, // behind the block; the pattern is for the short ways
+    TextGoesOn, // behind the block
     BytesStand, // those of the pattern in the text: whether its characters do is not settled
 };
 
@@ -116,10 +116,9 @@ struct ShortPattern {
     [[nodiscard]] [[gnu::always_inline]] bool mayMeetDottedI(ShortPage page) const {
         return page == ShortPage::Utf8 && (masks.lowered().equal('i') & (end - 1)) != 0;
     }
-    // The any-string signs, where it begins with one and has no other signs; 0 where it does not. Divides it.
-    [[gnu::always_inline]] std::uint64_t anyStrings(ShortMatching matching, LikeSigns signs) {
-        if (end <= 1 || !divide(matching))
-            return 0;
+    // The any-string signs, where it begins with one and has no other signs; 0 where it does not. It has been
+    // divided.
+    [[nodiscard]] [[gnu::always_inline]] std::uint64_t anyStrings(LikeSigns signs) const {
         const std::uint64_t begins = (end - 1) & ~trails;
         const std::uint64_t any = masks.equal(signs.anyString) & begins;
         const std::uint64_t others = (masks.equal(signs.oneCharacter) | masks.equal(signs.escape)) & begins;
@@ -295,14 +294,16 @@ template <typename Masks, typename Settle>
 [[gnu::always_inline]] inline ShortLike withLikeRead(ShortMatching matching, const std::uint8_t *pattern,
                                                      const std::uint8_t *text, LikeSigns signs,
                                                      Settle settle) {
-    ShortPattern<Masks> wanted(pattern);
-    const std::uint64_t any = wanted.anyStrings(matching, signs);
-    if (any == 0)
-        return ShortLike::Unsettled;
     const Masks masks(text);
     const std::uint64_t end = lowestOf(masks.equal(0));
     if (end <= 1)
         return end == 0 ? ShortLike::TextGoesOn : ShortLike::Unsettled;
+    ShortPattern<Masks> wanted(pattern);
+    if (wanted.end <= 1 || !wanted.divide(matching))
+        return ShortLike::Unsettled;
+    const std::uint64_t any = wanted.anyStrings(signs);
+    if (any == 0)
+        return ShortLike::Unsettled;
     const ShortOrder order = wanted.orderIn(matching, masks, end);
     if (order == ShortOrder::Unknown)
         return ShortLike::Unsettled;

@@ -15,7 +15,7 @@ using Masks = Sse2Masks<2>;
 // and so into the next page of memory.
 class Moved {
 public:
-    [[gnu::noinline]] explicit Moved(const char *at) : at_(at) {
+    [[gnu::noinline, gnu::cold]] explicit Moved(const char *at) : at_(at) {
         const std::size_t length = ::strnlen(at, kShortBlock);
         if (length < kShortBlock)
             at_ = static_cast<const char *>(std::memcpy(block_, at, length + 1)); // behind it, anything
@@ -47,14 +47,14 @@ nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, 
     return likeShortlyBy<Masks>(locale, pattern, text, asked);
 }
 
-ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
-                      unsigned mode) {
+[[gnu::cold]] ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern,
+                                    const std::uint8_t *text, unsigned mode) {
     const Moved movedPattern(reinterpret_cast<const char *>(pattern));
     const Moved movedText(reinterpret_cast<const char *>(text));
     return findLoadable(locale, bytesOf(movedPattern.at()), bytesOf(movedText.at()), mode);
 }
 
-nlsStatus likeMoved(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+[[gnu::cold]] nlsStatus likeMoved(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
     const Moved movedPattern(pattern);
     const Moved movedText(text);
     return likeLoadable(locale, movedPattern.at(), movedText.at(), asked);

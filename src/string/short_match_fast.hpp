@@ -19,8 +19,7 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
 // As likeByPage(), which it calls where one block does not settle it. The pattern begins with an any-string
 // sign, and pattern and text may be loaded by blocks, here and below.
 LikeCall likeShortly;
-// The same for a text that goes on behind its block and a pattern that is for the short ways: by how
-// characters match.
+// The same for a text that goes on behind its block: by how characters match.
 LikeCall likeLongByBytes;
 LikeCall likeLongByAscii;
 LikeCall likeLongByWeights;

@@ -15,4 +15,12 @@ namespace velnls {
            (before < 3 || place[-3] < 0xF0);
 }
 
+// The same of the place behind four bytes, the last of them highest.
+[[gnu::always_inline]] inline bool nothingReachesAcross(std::uint32_t four) {
+    // A last byte from C0 up begins a character that goes on, the one before it does from E0 up, and the one
+    // before that from F0 up: all of these bits are set.
+    const std::uint32_t clear = (~four & 0xC0E0F000) | 0xFF;
+    return ((clear - 0x01010101) & ~clear & 0x80808080) == 0;
+}
+
 } // namespace velnls
