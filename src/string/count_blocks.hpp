@@ -37,9 +37,11 @@ struct Utf8Structure {
     // `before`: the first bytes that belong to a character of the block before.
     template <typename Masks>
     [[gnu::always_inline]] Utf8Structure(const Masks &masks, std::uint64_t before)
-        : trails(masks.utf8Trails()), twoOrMore(masks.atLeast(0xC0)), threeOrMore(masks.atLeast(0xE0)),
-          four(masks.atLeast(0xF0)), announced(before | twoOrMore << 1 | threeOrMore << 2 | four << 3) {
-        irregular = (announced ^ trails) | masks.atLeast(0xF8);
+        : trails(masks.utf8Trails()), twoOrMore(masks.high() & ~trails), threeOrMore(masks.atLeast(0xE0)),
+          four(masks.atLeast(0xF0)), announced(before | twoOrMore << 1 | threeOrMore << 2 | four << 3),
+          irregular(announced ^ trails) {
+        if (four != 0)
+            irregular |= masks.atLeast(0xF8);
     }
     // What the block announces of the next one.
     [[nodiscard]] [[gnu::always_inline]] std::uint64_t announcedBehind() const {
