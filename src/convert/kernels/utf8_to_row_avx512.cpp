@@ -163,8 +163,8 @@ private:
             const std::uint64_t kept = ~leads;
             store(target, _mm512_maskz_compress_epi8(kept, made), 64);
             target.at += countBits(kept);
-            // A lead byte at the end belongs to what comes then. Seen at the byte itself: the next load does not
-            // wait for the masks.
+            // A lead byte at the end belongs to what comes then. Seen at the byte itself: the next load does
+            // not wait for the masks.
             at += at[63] < 0xC0 ? 64 : 63;
             continue;
         }
