@@ -24,9 +24,8 @@ void mapCommonUtf8(fast::CaseStretch &stretch) {
         }
         std::uint64_t wrong = 0;
         std::uint64_t trails = 0;
-        unsigned incomplete = 0;
-        const Vector mapped = mapCommonBlock<kCase>(bytes, wrong, trails, incomplete);
-        std::size_t whole = size == kBlock ? kBlock - incomplete : size;
+        const Vector mapped = mapCommonBlock<kCase>(bytes, wrong, trails);
+        std::size_t whole = size == kBlock ? kBlock - incompleteBefore(rest.at + kBlock) : size;
         if (wrong != 0) {
             // The character that the first wrong byte belongs to may begin before it.
             const std::uint64_t begins = ~trails & (_blsmsk_u64(wrong) >> 1);

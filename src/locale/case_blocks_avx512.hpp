@@ -80,11 +80,18 @@ template <Case kCase>
 // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): a constant expression, in a template
 inline constexpr CommonTables<kCase> kCommonTables;
 
-// `bytes` begin with a character. `wrong` gets what the kernel is not for; `incomplete` is how many bytes at
-// the end are a character's first ones.
+// How many bytes before `end` begin a character that goes on there: text of characters of up to three bytes,
+// at least two bytes of it. Seen at these bytes themselves, so that the next block does not wait for the
+// masks of this one.
+[[gnu::always_inline]] inline std::size_t incompleteBefore(const std::uint8_t *end) {
+    return (end[-1] >= 0xC0 ? 1U : 0U) + (end[-2] >= 0xE0 ? 2U : 0U);
+}
+
+// `bytes` begin with a character; the last one may go on behind them. `wrong` gets what the kernel is not
+// for.
 template <Case kCase>
-[[gnu::always_inline]] inline Vector mapCommonBlock(Vector bytes, std::uint64_t &wrong, std::uint64_t &trails,
-                                                    unsigned &incomplete) {
+[[gnu::always_inline]] inline Vector mapCommonBlock(Vector bytes, std::uint64_t &wrong,
+                                                    std::uint64_t &trails) {
     const auto has = [](Vector bits, unsigned wanted) { return _mm512_test_epi8_mask(bits, all(wanted)); };
     const auto table = [](const std::uint8_t(&entries)[kBlock]) { return _mm512_load_si512(entries); };
     constexpr const CommonTables<kCase> &kTables = kCommonTables<kCase>;
@@ -98,7 +105,6 @@ template <Case kCase>
     wrong = ((allowed | ofThree << 1) ^ trails) | (allowed ^ leads << 1) |
             _mm512_mask_cmpneq_epi8_mask(has(before, kIsE2), bytes, all(0x80)) |
             _mm512_mask_cmpge_epu8_mask(has(before, kIsD1), bytes, all(0xA0));
-    incomplete = static_cast<unsigned>((leads >> 63) + 2 * (ofThree >> 63));
     Vector mapped = mapAsciiBlock<kCase>(bytes, ~std::uint64_t{0});
     // Bit 6 of the place chooses the second table.
     const Vector place = _mm512_ternarylogic_epi64(bytes, before, all(kSecond), 0xF8);

@@ -74,8 +74,7 @@ std::size_t mapShortUtf8(const ShortText &text) {
     // Behind the text stand zeros, so that a character that it cuts is wrong.
     std::uint64_t wrong = 0;
     std::uint64_t trails = 0;
-    unsigned incomplete = 0;
-    const Vector mapped = mapCommonBlock<kCase>(loaded.bytes, wrong, trails, incomplete);
+    const Vector mapped = mapCommonBlock<kCase>(loaded.bytes, wrong, trails);
     return wrong != 0 ? kNotShort : store(text, mapped, loaded.length);
 }
 
