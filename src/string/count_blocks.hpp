@@ -162,13 +162,18 @@ template <typename Masks>
     unsigned end = bytes;
     // Where the text ends inside a character, the byte behind it is irregular.
     const std::uint64_t irregular = structure.irregular;
-    if (irregular != 0 || (bytes == 64 && structure.announcedBehind() != 0)) {
-        const unsigned place = irregular != 0 ? static_cast<unsigned>(__builtin_ctzll(irregular)) : 64;
-        begins &= place == 64 ? ~std::uint64_t{0} : bitsBelow(place);
+    if (irregular != 0) {
+        const auto place = static_cast<unsigned>(__builtin_ctzll(irregular));
+        begins &= bitsBelow(place);
         if (begins == 0)
             return false;
         end = 63 - static_cast<unsigned>(__builtin_clzll(begins)); // the last character begins there
         begins ^= std::uint64_t{1} << end;
+    } else if (bytes == 64) {
+        // Seen at the bytes themselves: the next block does not wait for the masks of this one.
+        const std::uint8_t *const last = text + passed.bytes + 61;
+        end -= (last[2] >= 0xC0 ? 1U : 0U) + (last[1] >= 0xE0 ? 2U : 0U) + (last[0] >= 0xF0 ? 3U : 0U);
+        begins &= ~std::uint64_t{0} >> (64 - end);
     }
     passed.count += utf8Columns(masks, begins);
     passed.bytes += end;
