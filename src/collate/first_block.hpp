@@ -31,16 +31,6 @@ nlsStatus compareNearPageEnd(const nlsLocale *locale, const char *a, const char 
 // `places`: where the first blocks differ or both have a NUL, as differencesAhead() has it; others behind the
 // first of them do no harm. Which place that is nobody could foresee: it is found without a jump.
 
-[[gnu::always_inline]] inline nlsStatus settleByBytes(std::uint32_t places, const char *a, const char *b,
-                                                      std::int16_t *out) {
-    if (places == 0) [[unlikely]]
-        return compareOnByBytes(a + kAheadBytes, b + kAheadBytes, out);
-    a += firstOf(places);
-    b += firstOf(places);
-    const int order = byteOrder(*bytesOf(a), *bytesOf(b));
-    return order != kUnsettled ? give(order, out) : compareOnByBytes(a, b, out);
-}
-
 // By weights, with 0 for that of NUL.
 [[gnu::always_inline]] inline nlsStatus settleByWeights(std::uint32_t places, const nlsLocale *locale,
                                                         const char *a, const char *b,
@@ -64,7 +54,13 @@ template <typename Places>
                                                             std::int16_t *out) {
     if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
         return compareOnByBytes(a, b, out);
-    return settleByBytes(placesIn(bytesOf(a), bytesOf(b)), a, b, out);
+    const std::uint32_t places = placesIn(bytesOf(a), bytesOf(b));
+    if (places == 0) [[unlikely]]
+        return compareOnByBytes(a + kAheadBytes, b + kAheadBytes, out);
+    a += firstOf(places);
+    b += firstOf(places);
+    const int order = byteOrder(*bytesOf(a), *bytesOf(b));
+    return order != kUnsettled ? give(order, out) : compareOnByBytes(a, b, out);
 }
 
 template <typename Places>

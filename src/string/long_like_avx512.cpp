@@ -53,12 +53,13 @@ namespace {
     return last >> 31 == 0 || isBoundaryOfLong(locale, text, end); // no lead byte is ASCII
 }
 
-// The trail bytes of a pattern that is not all ASCII; kUndivided where its characters are not what the page
-// means.
-constexpr std::uint64_t kUndivided = ~std::uint64_t{0};
+// The trail bytes of a pattern that is not all ASCII; all of them where its characters are not what the page
+// means, so that no sign is left.
 [[gnu::noinline]] std::uint64_t trailsOfPattern(const nlsLocale &locale, const std::uint8_t *pattern) {
     ShortPattern<WideMasks> wanted(pattern);
-    return wanted.divide(fast::matchingOf(locale, 0)) ? wanted.trails : kUndivided;
+    return wanted.divide({ShortOrder::Unknown, fast::pageOf(locale), &factsOf(*locale.charTable)})
+               ? wanted.trails
+               : ~std::uint64_t{0};
 }
 
 // Text and pattern as an order makes them.
@@ -158,7 +159,7 @@ template <ShortOrder kOrder>
     if (wanted.high() != 0)
         wanted.trails = trailsOfPattern(*locale, pattern);
     const std::uint64_t any = wanted.anyStrings(asked.signs());
-    if (wanted.end <= 1 || wanted.trails == kUndivided || any == 0)
+    if (wanted.end == 0 || any == 0)
         return likeByPage(locale, pattern_, text_, asked);
     const std::uint8_t *end = endOf(text);
     // A first byte that the end cuts off from the rest may match by itself.
@@ -172,7 +173,7 @@ template <ShortOrder kOrder>
         if (last != asked.signs().anyString && (last | end[-1]) < 0x80 && ((last ^ end[-1]) & ~0x20U) != 0)
             return kLikeNo;
         const ShortOrder order =
-            wanted.asciiOrderIn(fast::matchingOf(*locale, 0).page, [&] { return mayHaveDottedI(text, end); });
+            wanted.asciiOrderIn(fast::pageOf(*locale), [&] { return mayHaveDottedI(text, end); });
         if (order == ShortOrder::Unknown)
             return likeByPage(locale, pattern_, text_, asked);
         if (order == ShortOrder::Bytes)

@@ -1,7 +1,7 @@
 // Where a pattern stands in a text, and LIKE, for texts and patterns that end within 64 bytes: by masks of
 // one block each.
 //
-// Whoever calls has seen that both blocks lie in one page of memory, and how characters match. What is left
+// Whoever calls has seen that both blocks may be loaded, and how characters match. What is left
 // unsettled goes the general ways, such as a text or a pattern that is not what its page means.
 #pragma once
 

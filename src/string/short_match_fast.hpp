@@ -39,14 +39,16 @@ namespace velnls::fast {
 
 #if defined(VELNLS_SHORT_TEXTS)
 
+[[gnu::always_inline]] inline ShortPage pageOf(const nlsLocale &locale) {
+    const std::uint32_t proofs = locale.header.proofs;
+    return (proofs & kSingleBytePage) != 0 ? ShortPage::Bytes
+           : (proofs & kUtf8Page) != 0     ? ShortPage::Utf8
+                                           : ShortPage::Pairs;
+}
 // What is proved of how characters match under a mode; of weights, only what that says of ASCII.
 [[gnu::always_inline]] inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     const std::uint32_t proofs = locale.header.proofs;
-    ShortMatching matching{ShortOrder::Unknown,
-                           (proofs & kSingleBytePage) != 0 ? ShortPage::Bytes
-                           : (proofs & kUtf8Page) != 0     ? ShortPage::Utf8
-                                                           : ShortPage::Pairs,
-                           &factsOf(*locale.charTable)};
+    ShortMatching matching{ShortOrder::Unknown, pageOf(locale), &factsOf(*locale.charTable)};
     if (mode <= 1 && (proofs & (mode == 0 ? kMatchesAscii : kMatchesBytes)) != 0)
         matching.order = mode == 0 ? ShortOrder::Ascii : ShortOrder::Bytes;
     else if (mode == 0 && (proofs & kMatchesWeights) != 0 && (proofs & kAsciiAmongWeights) != 0)

@@ -85,15 +85,19 @@ struct Outcome {
     std::string written; // with what stands where the terminator does
 };
 
-// The text in memory that ends where it does, and a destination that ends where its size does.
+// The text in memory that ends where it does or, every other time, begins there, and a destination that ends
+// where its size does.
 template <typename Convert>
 Outcome outcomeOf(const std::string &text, std::uint32_t room, std::uint32_t terminator, Convert convert) {
     static fixture::GuardedBuffer sources(8192);
     static fixture::GuardedBuffer targets(8192);
-    fixture::Bytes bytes(text.begin(), text.end());
-    bytes.push_back(0);
-    const nlsStr source{reinterpret_cast<char *>(const_cast<unsigned char *>(sources.readOnly(bytes))),
-                        static_cast<std::uint32_t>(bytes.size()), static_cast<std::uint32_t>(text.size())};
+    static bool atFront = false;
+    atFront = !atFront;
+    const std::size_t size = text.size() + 1;
+    unsigned char *const from = atFront ? sources.head(size) : sources.tail(size);
+    std::copy_n(text.c_str(), size, from);
+    const nlsStr source{reinterpret_cast<char *>(from), static_cast<std::uint32_t>(size),
+                        static_cast<std::uint32_t>(text.size())};
     unsigned char *const at = targets.tail(room);
     std::fill_n(at, room, 0xEE);
     nlsStr target{reinterpret_cast<char *>(at), room, 77};

@@ -34,11 +34,14 @@ struct Outcome {
 constexpr std::uint8_t kGuard = 0xA5;
 constexpr std::size_t kGuardBytes = 64;
 
-// The text and a terminator end where a page of memory does, the target lies in a block with guards behind
-// it.
+// The text and a terminator end where a page of memory does or, every other time, begin where one does, with
+// forbidden pages around. The target lies in a block with guards behind it.
 Outcome run(const Kernel &kernel, const Bytes &text, std::size_t capacity) {
     static fixture::GuardedBuffer sources(std::size_t{1} << 18);
-    std::uint8_t *const source = sources.tail(text.size() + 1);
+    static bool atFront = false;
+    atFront = !atFront;
+    const std::size_t size = text.size() + 1;
+    std::uint8_t *const source = atFront ? sources.head(size) : sources.tail(size);
     std::copy(text.begin(), text.end(), source);
     source[text.size()] = 0;
     const auto target = std::make_unique<std::uint8_t[]>(capacity + kGuardBytes);

@@ -31,13 +31,15 @@ const char *place(std::size_t which, const std::string &text) {
     Bytes bytes(text.begin(), text.end());
     bytes.push_back(0);
     GuardedBuffer &buffer = area(which, pageSize() + bytes.size() + kBehind);
-    static unsigned patterns = 0; // every other one ends where its page does, wherever the text stands
-    if (stand == Stand::kAtPageEnd || (which == 0 && ++patterns % 2 == 0))
+    // Every other pattern ends where its page does, and every other one does not, wherever the text stands.
+    static unsigned patterns = 0;
+    const bool atPageEnd = which == 0 ? ++patterns % 2 == 0 : stand == Stand::kAtPageEnd;
+    if (atPageEnd)
         return reinterpret_cast<const char *>(buffer.readOnly(bytes));
     // What stands before and behind the string looks much like it, NULs included: none of that may be found.
     static std::size_t turn = 0;
     const std::size_t some = ++turn * 7 % kBefore;
-    const std::size_t before = stand == Stand::kAmidOthers ? some : pageSize() - 1 - some;
+    const std::size_t before = stand == Stand::kAcrossPages ? pageSize() - 1 - some : some;
     unsigned char *const at = buffer.head(before + bytes.size() + kBehind) + before;
     std::copy(bytes.begin(), bytes.end(), at);
     for (std::size_t i = 0; i < kBehind; ++i)

@@ -88,6 +88,21 @@ TEST(Like, CapitalIWithDotFoldsToIInLongTextsToo) {
         }
 }
 
+TEST(Like, CapitalIWithDotFoldsToIAtTheEndOfLongTextsToo) {
+    constexpr char kDotted[] = "\xC4\xB0";
+    for (const std::size_t before : {0U, 1U, 63U, 64U, 70U, 140U})
+        for (const char *const page : {"utf8 folded", "utf8 folded, ASCII in pairs"}) {
+            SCOPED_TRACE(page + std::string(", ") + std::to_string(before));
+            const std::string xs(before, 'x');
+            for (const char *const small : {"i", "I"}) {
+                EXPECT_EQ(like(page, std::string("%") + small, xs + kDotted, 0), kYes);
+                EXPECT_EQ(like(page, std::string("%") + kDotted, xs + small, 0), kYes);
+                EXPECT_EQ(like(page, std::string("%") + small, xs + kDotted, 1), kNo);
+                EXPECT_EQ(like(page, std::string("%") + kDotted, xs + small, 1), kNo);
+            }
+        }
+}
+
 // By itself a first byte folds as the byte without its high bit does: C4 as "D".
 TEST(Like, AFirstByteThatTheEndCutsOffFoldsAlikeInTextsOfAnyLength) {
     constexpr char kPage[] = "utf8 folded, ASCII in pairs";

@@ -6,35 +6,42 @@
 namespace velnls::avx512 {
 namespace {
 
+// What the bytes of a block say of the characters of one to three bytes that they belong to: a bit for each.
+struct Utf8Bytes {
+    std::uint64_t lead;
+    std::uint64_t three;  // lead bytes of three
+    std::uint64_t trails; // none's first byte
+    std::uint64_t thirds; // behind two others, as announced
+    std::uint64_t ends;   // the last ones of characters, where nothing is odd
+    std::uint64_t odd;    // not as announced, or of a longer character
+
+    // `second` and `third`: the block's first bytes that belong to a character begun before it, the third
+    // ones apart.
+    [[gnu::always_inline]] explicit Utf8Bytes(Vector block, std::uint64_t second = 0, std::uint64_t third = 0)
+        : lead(atLeast(block, 0xC0)), three(atLeast(block, 0xE0)), trails(_mm512_movepi8_mask(block) & ~lead),
+          thirds(three << 2 | third), ends(~(lead | three << 1 | third >> 1)),
+          odd((trails ^ (lead << 1 | second | thirds)) | atLeast(block, 0xF0)) {}
+};
+
 // The well-formed characters of one to three bytes that end in a block, side by side: of each the last byte,
 // and those one and two before it, 0 where the character has none there.
 class Utf8Characters {
 public:
-    // Bits of the block's bytes: `ends`, the last bytes of characters, `trails` all that are none's first,
-    // and `thirds` those behind two others. What stands before `at` is read where the block begins with them.
-    [[gnu::always_inline]] Utf8Characters(const std::uint8_t *at, Vector block, std::uint64_t ends,
-                                          std::uint64_t trails, std::uint64_t thirds)
-        : last_(_mm512_maskz_compress_epi8(ends, _mm512_mask_sub_epi8(block, trails, block, bytesOf(0x80)))),
-          second_(_mm512_maskz_compress_epi8(ends, _mm512_maskz_loadu_epi8(trails, at - 1))),
-          third_(_mm512_maskz_compress_epi8(ends, _mm512_maskz_loadu_epi8(thirds, at - 2))) {}
+    // What stands before `at` is read where the block begins with bytes of a character begun before it.
+    [[gnu::always_inline]] Utf8Characters(const std::uint8_t *at, Vector block, const Utf8Bytes &bytes)
+        : Utf8Characters(at, block, bytes.ends, bytes.trails, bytes.thirds) {}
 
-    // Of a text's block of `size` bytes that begins with a character: up to the first byte that is not as
-    // announced, or the end. `ends`: where they end in it.
+    // Of a text's block of `size` bytes: up to the first byte that is not as announced, or the end. `ends`:
+    // where they end in it. Nothing before `at` is read, for a trail byte there is not as announced.
     [[gnu::always_inline]] static Utf8Characters upToOdd(const std::uint8_t *at, Vector block,
                                                          std::uint32_t size, std::uint64_t &ends) {
-        const std::uint64_t lead = _mm512_cmpge_epu8_mask(block, bytesOf(0xC0));
-        const std::uint64_t three = _mm512_cmpge_epu8_mask(block, bytesOf(0xE0));
-        const std::uint64_t four = _mm512_cmpge_epu8_mask(block, bytesOf(0xF0));
-        const std::uint64_t trails = _mm512_movepi8_mask(block) & ~lead;
-        const std::uint64_t thirds = three << 2;
-        const std::uint64_t odd = (trails ^ (lead << 1 | thirds)) | four | ~lowBits(size);
-        ends = ~(lead | three << 1) & lowBits(firstBitOr64(odd));
-        return {at, block, ends, trails, thirds};
+        const Utf8Bytes bytes(block);
+        ends = bytes.ends & lowBits(firstBitOr64(bytes.odd | ~lowBits(size)));
+        return {at, block, ends, bytes.trails & ~std::uint64_t{1}, bytes.thirds};
     }
 
     // The first sixteen as units of 16 bits; and without them.
     [[gnu::always_inline]] [[nodiscard]] __m256i sixteen() const {
-        constexpr int kAndOr = 0xEA;
         const auto units = [](Vector bytes) { return _mm256_cvtepu8_epi16(_mm512_castsi512_si128(bytes)); };
         const __m256i two = _mm256_ternarylogic_epi64(_mm256_slli_epi16(units(second_), 6), unitsOf(0x0FC0),
                                                       units(last_), kAndOr);
@@ -46,18 +53,22 @@ public:
         third_ = _mm512_alignr_epi64(third_, third_, 2);
     }
 
-    // The first 32 as units of 16 bits, or those behind them.
+    // The same of the first 32, or of those behind them.
     template <bool kBehind>
     [[gnu::always_inline]] [[nodiscard]] Vector units() const {
-        constexpr int kAndOr = 0xEA;
-        const Vector sixBits = _mm512_set1_epi16(0x0FC0);
-        const Vector two = _mm512_ternarylogic_epi64(_mm512_slli_epi16(widened<kBehind>(second_), 6), sixBits,
-                                                     widened<kBehind>(last_), kAndOr);
+        const Vector two = _mm512_ternarylogic_epi64(_mm512_slli_epi16(widened<kBehind>(second_), 6),
+                                                     wideUnitsOf(0x0FC0), widened<kBehind>(last_), kAndOr);
         // What marks a lead byte leaves the unit at its top.
         return _mm512_or_si512(two, _mm512_slli_epi16(widened<kBehind>(third_), 12));
     }
 
 private:
+    [[gnu::always_inline]] Utf8Characters(const std::uint8_t *at, Vector block, std::uint64_t ends,
+                                          std::uint64_t trails, std::uint64_t thirds)
+        : last_(_mm512_maskz_compress_epi8(ends, _mm512_mask_sub_epi8(block, trails, block, bytesOf(0x80)))),
+          second_(_mm512_maskz_compress_epi8(ends, _mm512_maskz_loadu_epi8(trails, at - 1))),
+          third_(_mm512_maskz_compress_epi8(ends, _mm512_maskz_loadu_epi8(thirds, at - 2))) {}
+
     Vector last_;
     Vector second_;
     Vector third_;
@@ -83,7 +94,6 @@ template <typename Sink>
 [[gnu::always_inline]] inline void utf8Blocks(const Sink &sink, Source &source, Target &out) {
     const std::uint8_t *at = source.at;
     Target target = out;
-    // Bits of the next block's first bytes that belong to a character begun before it.
     std::uint64_t second = 0;
     std::uint64_t third = 0;
     while (source.end - at >= 64 && target.end - target.at >= Sink::kBlockRoom) {
@@ -94,17 +104,12 @@ template <typename Sink>
             at += 64;
             continue;
         }
-        const std::uint64_t lead = _mm512_cmpge_epu8_mask(block, bytesOf(0xC0));
-        const std::uint64_t three = _mm512_cmpge_epu8_mask(block, bytesOf(0xE0));
-        const std::uint64_t four = _mm512_cmpge_epu8_mask(block, bytesOf(0xF0));
-        const std::uint64_t trails = notAscii & ~lead;
-        const std::uint64_t thirds = three << 2 | third;
-        if (((trails ^ (lead << 1 | second | thirds)) | four) != 0)
+        const Utf8Bytes bytes(block, second, third);
+        if (bytes.odd != 0)
             break;
-        const std::uint64_t ends = ~(lead | three << 1 | third >> 1);
-        sink.putBlock(Utf8Characters(at, block, ends, trails, thirds), countBits(ends), target);
-        second = lead >> 63;
-        third = three >> 62;
+        sink.putBlock(Utf8Characters(at, block, bytes), countBits(bytes.ends), target);
+        second = bytes.lead >> 63;
+        third = bytes.three >> 62;
         at += 64;
     }
     // Back to the begin of a character that was not written.

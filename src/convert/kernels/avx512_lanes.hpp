@@ -10,6 +10,9 @@
 namespace velnls::avx512 {
 namespace {
 
+// For ternary logic: of three, the first with the second, or the third.
+inline constexpr int kAndOr = 0xEA;
+
 [[gnu::always_inline]] inline Vector bytesOf(unsigned byte) {
     return _mm512_set1_epi8(static_cast<char>(byte));
 }
@@ -81,7 +84,6 @@ inline constexpr std::ptrdiff_t kUtf8Room = 64; // of 16 characters up to U+FFFF
 
 // Writes the lanes' values, none of them a surrogate, as UTF-8.
 [[gnu::always_inline]] inline void putUtf8(Vector values, __mmask16 lanes, Target &target) {
-    constexpr int kAndOr = 0xEA;
     const __mmask16 two = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x80));
     const __mmask16 three = _mm512_mask_cmpge_epu32_mask(lanes, values, numbersOf(0x800));
     // The last byte stands third, the one before it second, and the first of three first.
@@ -98,7 +100,6 @@ inline constexpr std::ptrdiff_t kUtf8Room = 64; // of 16 characters up to U+FFFF
 
 // The same for the first `count` of 32 units, none of them above 7FF.
 [[gnu::always_inline]] inline void putShortUtf8(Vector units, std::uint32_t count, Target &target) {
-    constexpr int kAndOr = 0xEA;
     const __mmask32 two = _mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(0x80));
     // The last byte stands high in its unit, by itself or with the first one before it.
     const Vector last = _mm512_slli_epi16(units, 8);

@@ -7,6 +7,9 @@
 namespace velnls::avx512 {
 namespace {
 
+// What reads a stretch stores the units of a whole block of 64 bytes.
+static_assert(kUnitsRoom >= 2 * 64);
+
 // Text up to the first block of 64 bytes that is not all ASCII.
 [[gnu::always_inline]] inline void copyAscii(Source &source, Target &target) {
     while (source.at < source.end) {

@@ -23,6 +23,7 @@ namespace {
 struct PairCharacters {
     Vector leads; // 0 where a single byte is the character
     Vector lasts;
+    bool isWholeBlock;
 
     // `pending`, 0 or 1: the block begins with a trail byte, and its lead byte stands before `at`; becomes
     // the same for the next one. `ends`: where the characters end in the block.
@@ -31,15 +32,13 @@ struct PairCharacters {
                                           std::uint64_t &ends) {
         const std::uint64_t lead = atLeast(block, group.firstLead) & atMost(block, group.lastLead) &
                                    (atMost(block, group.leadGapLow) | atLeast(block, group.leadGapHigh));
-        const std::uint64_t trail = pairTrails(lead, pending) & lowBits(size);
+        const std::uint64_t trail = pairTrails(lead, pending);
         const std::uint64_t odd = (_mm512_movepi8_mask(block) & ~lead & ~trail) | ~lowBits(size);
         ends = (trail | ~lead) & lowBits(firstBitOr64(odd));
         leads = _mm512_maskz_compress_epi8(ends, _mm512_maskz_loadu_epi8(trail, at - 1));
         lasts = _mm512_maskz_compress_epi8(ends, block);
         isWholeBlock = odd == 0;
     }
-    bool isWholeBlock;
-
     [[gnu::always_inline]] void dropSixteen() {
         leads = _mm512_alignr_epi64(leads, leads, 2);
         lasts = _mm512_alignr_epi64(lasts, lasts, 2);

@@ -10,7 +10,8 @@
 namespace velnls {
 namespace {
 
-inline constexpr std::ptrdiff_t kStretch = 512; // source bytes, at most
+inline constexpr std::ptrdiff_t kStretch = 512;   // source bytes, at most
+inline constexpr std::ptrdiff_t kUnitsRoom = 256; // bytes behind a stretch's units, for whole registers
 
 // The steps of such a conversion. Kernels go as far as they can and leave the positions there.
 // - plain() writes text that needs no units: ASCII;
@@ -21,8 +22,7 @@ inline constexpr std::ptrdiff_t kStretch = 512; // source bytes, at most
 // - lengthOf() gives the bytes of a character that was read, by its first one.
 template <typename Steps>
 [[gnu::always_inline]] inline void throughUnits(const Steps &steps, Source &source, Target &target) {
-    // A unit for each byte, and what kernels ask for to store registers whole.
-    constexpr std::ptrdiff_t kRoom = 2 * kStretch + 256;
+    constexpr std::ptrdiff_t kRoom = 2 * kStretch + kUnitsRoom; // a unit for each byte at most
     alignas(64) std::uint8_t units[kRoom];
     for (;;) {
         steps.plain(source, target);

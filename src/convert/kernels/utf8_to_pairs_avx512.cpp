@@ -17,7 +17,7 @@ namespace {
 
 // The entries of the lanes in `which`; kUnmapped in the others. The table has a place 0.
 [[gnu::always_inline]] inline __m256i entriesIn(const std::uint16_t *table, __m256i places, __mmask16 which) {
-    const __m256i found = entriesAt(table, _mm256_maskz_mov_epi16(which, places), true);
+    const __m256i found = entriesAt(table, _mm256_maskz_mov_epi16(which, places));
     return _mm256_mask_mov_epi16(unitsOf(file::kUnmapped), which, found);
 }
 class Utf8ToPairs {
