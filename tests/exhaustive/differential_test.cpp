@@ -6,6 +6,7 @@
 #include "harness/names.hpp"
 #include "harness/text_maker.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 using harness::Bytes;
@@ -71,7 +72,7 @@ public:
         model::Outcome expected = outcome_; // what the model does with room to spare
         exact_.assign(capacity, kFill);
         if (capacity >= need())
-            std::memcpy(exact_.data(), whole_.data(), need());
+            std::copy_n(whole_.data(), need(), exact_.data()); // both may be empty
         else
             expected = expected_.run({text_.data(), length()}, {exact_.data(), capacity}, {nullptr, 0});
         std::uint8_t *const destination = destination_.endingWith(capacity);
@@ -79,7 +80,8 @@ public:
         const harness::BareResult actual =
             harness::convertBare(actual_, source, length(), destination, capacity);
         if (actual.status == expected.status && actual.written == expected.written &&
-            std::memcmp(destination, exact_.data(), expected.written) == 0 && isFilled(destination - 64, 64))
+            std::equal(destination, destination + expected.written, exact_.data()) &&
+            isFilled(destination - 64, 64))
             return ::testing::AssertionSuccess();
         return failure("guarded", 0, 0, capacity, expected, actual, exact_.data(), destination);
     }
