@@ -16,8 +16,7 @@ namespace {
 
 using Contestants = std::vector<std::unique_ptr<Contestant>>;
 
-// ---- Strings
-// -----------------------------------------------------------------------------------------------
+// ---- Strings --------------------------------------------------------------------------------------------
 
 std::size_t lengthOfUtf8(char lead) {
     const auto byte = static_cast<unsigned char>(lead);
@@ -147,8 +146,7 @@ Strings stringsOf(const CutText &text, Size size, const Page &source) {
     return asBuffer(text);
 }
 
-// ---- Timing
-// ------------------------------------------------------------------------------------------------
+// ---- Timing ---------------------------------------------------------------------------------------------
 
 // Processor time of this thread: what other programs on the machine take is not counted.
 double processorSeconds() {

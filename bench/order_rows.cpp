@@ -20,8 +20,7 @@
 namespace bench {
 namespace {
 
-// ---- What is ordered
-// ---------------------------------------------------------------------------------------
+// ---- What is ordered ------------------------------------------------------------------------------------
 
 // One of the library's orders, and the peers' orders of the same kind.
 struct Order {
@@ -115,8 +114,7 @@ Column longTexts(const Order &order, bool alike) {
     return columnOf(pieces, Size::lines);
 }
 
-// ---- The contenders' compares
-// ------------------------------------------------------------------------------
+// ---- The contenders' compares ---------------------------------------------------------------------------
 
 struct CloseCollator {
     void operator()(UCollator *collator) const {
@@ -225,8 +223,7 @@ void withCompares(const Order &order, int mode, Peers peers, const Column &colum
         use("ICU u_strcasecmp", IcuFoldedCompare{column});
 }
 
-// ---- Compares of neighbours, sorts
-// -------------------------------------------------------------------------
+// ---- Compares of neighbours, sorts ----------------------------------------------------------------------
 
 template <typename Compare>
 Contender neighbours(const std::string &name, std::size_t count, Compare compare) {
@@ -293,8 +290,7 @@ Result compareResult(const Order &order, int mode, Peers peers, Compares what, S
     return contest(contenders, column.size(), column.page.sourceBytes(), rounds);
 }
 
-// ---- Sort keys
-// ---------------------------------------------------------------------------------------------
+// ---- Sort keys ------------------------------------------------------------------------------------------
 
 template <typename Key>
 Contender keying(const std::string &name, std::size_t count, Key key) {
@@ -358,8 +354,7 @@ Result keyResult(const Order &order, int mode, Size size, int rounds) {
     return contest(contenders, column.size(), column.page.sourceBytes(), rounds);
 }
 
-// ---- The rows
-// ----------------------------------------------------------------------------------------------
+// ---- The rows -------------------------------------------------------------------------------------------
 
 struct Floors {
     double sort[2]; // by mode

@@ -20,8 +20,7 @@ constexpr double kColdFloor = 0.5;
 constexpr char kText[] = "Stra\xDF"
                          "e 17, M\xFCnchen";
 
-// ---- Everything is loaded and in the caches: open, convert, close
-// ------------------------------------------
+// ---- Everything is loaded and in the caches: open, convert, close ---------------------------------------
 
 std::size_t warmVelnls(std::vector<unsigned char> &memory, char *out, std::size_t room) {
     nlsHandle *const handle = openHandle(memory);
@@ -71,8 +70,7 @@ Result warm(int rounds) {
         kTimes, kTimes * (sizeof kText - 1), rounds);
 }
 
-// ---- A new process
-// ------------------------------------------------------------------------------------------
+// ---- A new process --------------------------------------------------------------------------------------
 
 // What the probe says, in seconds; negative when it failed.
 double probe(const std::string &arguments) {

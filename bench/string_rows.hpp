@@ -29,8 +29,7 @@ std::vector<StringRow> countRows();
 // All of them, as lines of the table.
 Jobs stringJobs();
 
-// ---- What the rows share
-// -----------------------------------------------------------------------------------
+// ---- What the rows share --------------------------------------------------------------------------------
 
 // A locale of the page with the collation and the case table "basic".
 nlsLocale *basicLocale(const Page &page);

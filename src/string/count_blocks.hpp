@@ -124,8 +124,7 @@ template <typename Masks, typename Half, typename Quarter>
     return passed;
 }
 
-// ---- Columns of UTF-8
-// --------------------------------------------------------------------------------------
+// ---- Columns of UTF-8 -----------------------------------------------------------------------------------
 
 // Columns of the characters that begin at `begins`, all of them whole and regular: one, or two from the lead
 // byte E3 on; E0 and EF are looked at closer.
@@ -196,8 +195,7 @@ template <typename Masks, typename Half>
     return passed;
 }
 
-// ---- Pages of one and two bytes
-// ----------------------------------------------------------------------------
+// ---- Pages of one and two bytes -------------------------------------------------------------------------
 
 template <typename Masks>
 [[gnu::always_inline]] inline std::uint64_t validTrailsOf(const Masks &masks, const PageFacts &facts) {

@@ -9,8 +9,7 @@ namespace velnls::avx512 {
 
 namespace {
 
-// ---- What is looked at closely: page and order are variables
-// ----------------------------------------------------
+// ---- What is looked at closely: page and order are variables --------------------------------------------
 
 // Where a way for the mode is known.
 ShortMatching matchingIn(const nlsLocale &locale, unsigned mode) {
@@ -32,8 +31,7 @@ ShortMatching matchingIn(const nlsLocale &locale, unsigned mode) {
     return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
 }
 
-// ---- What is said at once: with page and order as constants, each pair in a function of its own
-// ---------------
+// ---- What is said at once: with page and order as constants, each pair in a function of its own ---------
 
 template <ShortPage kPage, ShortOrder kOrder>
 [[gnu::always_inline]] inline ShortMatching known(const nlsLocale &locale, unsigned mode) {

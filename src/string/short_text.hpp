@@ -56,8 +56,7 @@ template <typename Masks>
     return static_cast<unsigned>(__builtin_ctzll(bit));
 }
 
-// ---- How a block divides into characters
-// -------------------------------------------------------------------
+// ---- How a block divides into characters ----------------------------------------------------------------
 
 // Of a block at the start of a text: the bytes that belong to a character before, and those below `stop`, a
 // bit, that are not what the page means. The byte at the stop may belong to a character that it cuts.
@@ -78,8 +77,7 @@ template <typename Masks>
     return {trails, page == ShortPage::ValidPairs ? trails & (stop - 1) & ~validTrailsOf(masks, facts) : 0};
 }
 
-// ---- What is asked of it
-// -----------------------------------------------------------------------------------
+// ---- What is asked of it --------------------------------------------------------------------------------
 
 // Characters up to the NUL or to `limit`, where neither cuts one.
 template <typename Masks>

@@ -52,8 +52,7 @@ TEST_F(ThreadLocale, Page950FollowsTheCountry) {
     EXPECT_EQ(page950(), "CP950");
 }
 
-// ---- The table of POSIX builds
-// -----------------------------------------------------------------------------
+// ---- The table of POSIX builds --------------------------------------------------------------------------
 
 struct Answer {
     std::string name; // of the locale, as Windows writes it

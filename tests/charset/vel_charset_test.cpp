@@ -80,8 +80,7 @@ private:
     fixture::GuardedBuffer guard_{12};
 };
 
-// ---- Statuses
-// ----------------------------------------------------------------------------------------------
+// ---- Statuses -------------------------------------------------------------------------------------------
 
 TEST_F(VelCharset, NullArgumentsGive16BeforeAnythingElse) {
     char out[12] = "untouched";
@@ -153,8 +152,7 @@ TEST_F(VelCharset, StatusOfTheCompareIsPassedOn) {
     ask(7, "1252", library.handle, eucjis);
 }
 
-// ---- Names
-// -------------------------------------------------------------------------------------------------
+// ---- Names ----------------------------------------------------------------------------------------------
 
 TEST_F(VelCharset, NumbersOfTheSystemGiveTheirPage) {
     for (const auto &[number, page] : kNumbers) {
@@ -237,8 +235,7 @@ TEST_F(VelCharset, OtherNamesDoNotAskTheSystem) {
     EXPECT_EQ(pretendedSystem().pageQueries, 0);
 }
 
-// ---- 950
-// ---------------------------------------------------------------------------------------------------
+// ---- 950 ------------------------------------------------------------------------------------------------
 
 TEST_F(VelCharset, Page950IsThatOfTaiwanElsewhere) {
     for (const char *const country :

@@ -131,8 +131,7 @@ private:
     model::Outcome outcome_;
 };
 
-// ---- One special piece at every place
-// ----------------------------------------------------------------------
+// ---- One special piece at every place -------------------------------------------------------------------
 
 std::vector<Names> sweptPairs() {
     std::vector<Names> pairs;
@@ -240,8 +239,7 @@ TEST_P(SweepTest, longRandomMixes) {
 
 INSTANTIATE_TEST_SUITE_P(Pairs, SweepTest, ::testing::ValuesIn(sweptPairs()), pairTestName);
 
-// ---- Every conversion
-// ----------------------------------------------------------------------------------------
+// ---- Every conversion -----------------------------------------------------------------------------------
 
 std::vector<std::string> forms() {
     return {"UTF-8", "UTF-16", "UTF-16BE", "UCS2", "UTF-32", "UTF-32BE"};

@@ -115,8 +115,7 @@ void compare(const Kernel &fast, const Kernel &plain, const Bytes &text, Random 
             << "length " << text.size() << " capacity " << capacity;
 }
 
-// ---- Texts
-// -------------------------------------------------------------------------------------------------
+// ---- Texts ----------------------------------------------------------------------------------------------
 
 // Characters come in runs of one script, as in text.
 std::uint32_t randomValue(Random &random, unsigned script) {
@@ -206,8 +205,7 @@ Bytes randomPageText(Random &random, const MappingBody &body) {
     return text;
 }
 
-// ---- Tests
-// -------------------------------------------------------------------------------------------------
+// ---- Tests ----------------------------------------------------------------------------------------------
 
 constexpr int kTexts = 1500;
 

@@ -274,8 +274,7 @@ TEST(SortData, ATargetWithoutConversionFailsTheRebuilding) {
         EXPECT_NE(object, rebuilt.block) << "not on the list";
 }
 
-// ---- Words
-// -------------------------------------------------------------------------------------------------
+// ---- Words ----------------------------------------------------------------------------------------------
 
 TEST(NextWord, SeparatorsEndWordsAndIgnoredBytesVanish) {
     World world;

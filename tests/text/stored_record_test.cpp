@@ -62,8 +62,7 @@ bool isOnList(const nlsHandle *handle, const void *wanted) {
 
 } // namespace
 
-// ---- Writing records
-// ---------------------------------------------------------------------------------------
+// ---- Writing records ------------------------------------------------------------------------------------
 
 TEST(StoredRecord, WhatIsNoLocaleGives13Or24) {
     kit::refusesWhatIsNoLocale("nlsLocaleToDbCollation", plainStore);
@@ -158,8 +157,7 @@ TEST(StoredRecord, ARoomOneByteTooSmallGives2AndWritesNothing) {
         }
 }
 
-// ---- Rebuilding
-// --------------------------------------------------------------------------------------------
+// ---- Rebuilding -----------------------------------------------------------------------------------------
 
 TEST(RebuiltLocale, NullArgumentsGive16) {
     World world;
@@ -497,8 +495,7 @@ TEST_P(RebuiltOrder, ARecordKeepsItsOrderUnderAChangedDataFile) {
 
 INSTANTIATE_TEST_SUITE_P(Levels, RebuiltOrder, testing::Values(kit::kOldLevel, kit::kNewLevel));
 
-// ---- Closing
-// -----------------------------------------------------------------------------------------------
+// ---- Closing --------------------------------------------------------------------------------------------
 
 TEST(CloseDBLocale, WhatIsNoLocaleGives13Or24) {
     kit::refusesWhatIsNoLocale("nlsCloseDBLocale", plainClose);

@@ -15,8 +15,7 @@ inline constexpr int kStandardInput = 0;
 inline constexpr int kStandardOutput = 1;
 inline constexpr int kStandardError = 2;
 
-// ---- The program
-// -------------------------------------------------------------------------------------------
+// ---- The program ----------------------------------------------------------------------------------------
 
 // The words of the command line, the program's name first. From here on the standard streams carry bytes as
 // they are, and terminals show UTF-8.
@@ -27,8 +26,7 @@ bool isTerminal(int file);
 // Where temporary files go unless the user says otherwise.
 std::string temporaryFolder();
 
-// ---- Files
-// -------------------------------------------------------------------------------------------------
+// ---- Files ----------------------------------------------------------------------------------------------
 
 struct FileFacts {
     bool regular = false;

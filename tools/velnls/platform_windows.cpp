@@ -116,8 +116,7 @@ HANDLE makeFile(const std::wstring &stem, DWORD access, DWORD flags, std::wstrin
     return handle;
 }
 
-// ---- Interruption
-// ------------------------------------------------------------------------------------------
+// ---- Interruption ---------------------------------------------------------------------------------------
 
 std::mutex pendingMutex; // Windows interrupts on a thread of its own
 std::wstring pendingTemporary;
@@ -130,8 +129,7 @@ BOOL WINAPI removeTemporary(DWORD) {
     return FALSE; // the default action ends the program
 }
 
-// ---- Terminals
-// ---------------------------------------------------------------------------------------------
+// ---- Terminals ------------------------------------------------------------------------------------------
 
 UINT pageBefore = 0; // of the terminal's output
 
@@ -235,8 +233,7 @@ std::string temporaryFolder() {
     return length == 0 ? "." : narrow({path, length});
 }
 
-// ---- Files
-// -------------------------------------------------------------------------------------------------
+// ---- Files ----------------------------------------------------------------------------------------------
 
 bool factsOf(int file, FileFacts &facts) {
     return handleFacts(handleOf(file), facts);

@@ -64,8 +64,7 @@ inline std::uint64_t notAsciiMask(const std::uint8_t *at) {
 
 #endif
 
-// ---- Bytes by registers
-// -------------------------------------------------------------------------------------
+// ---- Bytes by registers ---------------------------------------------------------------------------------
 
 // Copies exactly `Count` bytes, by registers.
 template <int Count>
