@@ -35,7 +35,8 @@ namespace {
 }
 
 // Those at sixteen places; with `both` the upper eight too, which short texts mostly do without.
-[[gnu::always_inline]] inline __m256i entriesAt(const std::uint16_t *table, __m256i places, bool both = true) {
+[[gnu::always_inline]] inline __m256i entriesAt(const std::uint16_t *table, __m256i places,
+                                                bool both = true) {
     alignas(32) std::uint16_t place[16];
     _mm256_store_si256(reinterpret_cast<__m256i *>(place), places);
     asm("" : "+m"(place));
