@@ -50,9 +50,9 @@ Route::Route(Library &library, const Page &source, const Page &target) : source_
         }
     }
     ByteBuffer replacement;
-    const unsigned char kReplacement[] = {0xEF, 0xBF, 0xBD};
+    const unsigned char kReplacement[] = {0xEF, 0xBF, 0xBD, 0}; // the byte behind a source may be read
     if (fromUtf8_ != nullptr) {
-        run(fromUtf8_, kReplacement, sizeof kReplacement, replacement);
+        run(fromUtf8_, kReplacement, sizeof kReplacement - 1, replacement);
     }
     substitution_.assign(replacement.data(), replacement.size());
 }
