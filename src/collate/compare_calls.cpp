@@ -39,9 +39,7 @@ nlsStatus compareAtEnd(const nlsLocale *locale, const char *a, const char *b, co
 
 [[gnu::cold]] nlsStatus compareNearPageEnd(const nlsLocale *locale, const char *a, const char *b,
                                            const std::uint8_t *weights, std::int16_t *out) {
-    unsigned at = 0;
-    while (at != kAheadBytes && a[at] == b[at] && a[at] != 0)
-        ++at;
+    const std::size_t at = equalBytesPlain(boundedText(a, kAheadBytes), boundedText(b, kAheadBytes));
     const std::uint32_t places = at != kAheadBytes ? ~std::uint32_t{0} << at : 0;
     return settleByWeights(places, locale, a, b, weights, out);
 }

@@ -3,6 +3,7 @@
 #include "locale/case_fast.hpp"
 
 #include "locale/case_blocks_avx512.hpp"
+#include "locale/utf8_boundary.hpp"
 
 #if defined(VELNLS_AVX512_KERNELS)
 
@@ -25,7 +26,7 @@ void mapCommonUtf8(fast::CaseStretch &stretch) {
         std::uint64_t wrong = 0;
         std::uint64_t trails = 0;
         const Vector mapped = mapCommonBlock<kCase>(bytes, wrong, trails);
-        std::size_t whole = size == kBlock ? kBlock - incompleteBefore(rest.at + kBlock) : size;
+        std::size_t whole = size == kBlock ? kBlock - incompleteBefore<3>(rest.at + kBlock) : size;
         if (wrong != 0) {
             // The character that the first wrong byte belongs to may begin before it.
             const std::uint64_t begins = ~trails & (_blsmsk_u64(wrong) >> 1);

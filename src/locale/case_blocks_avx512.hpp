@@ -80,13 +80,6 @@ template <Case kCase>
 // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): a constant expression, in a template
 inline constexpr CommonTables<kCase> kCommonTables;
 
-// How many bytes before `end` begin a character that goes on there: text of characters of up to three bytes,
-// at least two bytes of it. Seen at these bytes themselves, so that the next block does not wait for the
-// masks of this one.
-[[gnu::always_inline]] inline std::size_t incompleteBefore(const std::uint8_t *end) {
-    return (end[-1] >= 0xC0 ? 1U : 0U) + (end[-2] >= 0xE0 ? 2U : 0U);
-}
-
 // `bytes` begin with a character; the last one may go on behind them. `wrong` gets what the kernel is not
 // for.
 template <Case kCase>

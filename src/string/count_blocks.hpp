@@ -6,6 +6,7 @@
 #pragma once
 
 #include "locale/pair_masks.hpp"
+#include "locale/utf8_boundary.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -169,9 +170,7 @@ template <typename Masks>
         end = 63 - static_cast<unsigned>(__builtin_clzll(begins)); // the last character begins there
         begins ^= std::uint64_t{1} << end;
     } else if (bytes == 64) {
-        // Seen at the bytes themselves: the next block does not wait for the masks of this one.
-        const std::uint8_t *const last = text + passed.bytes + 61;
-        end -= (last[2] >= 0xC0 ? 1U : 0U) + (last[1] >= 0xE0 ? 2U : 0U) + (last[0] >= 0xF0 ? 3U : 0U);
+        end -= incompleteBefore<4>(text + passed.bytes + 64);
         begins &= ~std::uint64_t{0} >> (64 - end);
     }
     passed.count += utf8Columns(masks, begins);

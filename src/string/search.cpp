@@ -1,8 +1,8 @@
 #include "string/search.hpp"
 
 #include "locale/page_facts.hpp"
+#include "locale/utf8_boundary.hpp"
 #include "string/count.hpp"
-#include "string/utf8_boundary.hpp"
 
 namespace velnls {
 

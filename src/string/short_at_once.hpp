@@ -5,8 +5,8 @@
 #pragma once
 
 #include "core/unaligned.hpp"
+#include "locale/utf8_boundary.hpp"
 #include "string/short_match.hpp"
-#include "string/utf8_boundary.hpp"
 
 namespace velnls {
 namespace {

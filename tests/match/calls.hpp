@@ -34,6 +34,7 @@ enum class Stand {
     kAmidOthers,
     kAcrossPages
 };
+inline constexpr Stand kStands[] = {Stand::kAtPageEnd, Stand::kAmidOthers, Stand::kAcrossPages};
 void letStringsStand(Stand where);
 
 // An empty counted string of a size.

@@ -120,9 +120,7 @@ void onEveryPage(unsigned rounds, const std::function<void(const MatchPage &, Ma
     for (const MatchPage &page : MatchPages::instance().all()) {
         Maker maker(page, seed++);
         for (unsigned round = 0; round < rounds && !testing::Test::HasFatalFailure(); ++round) {
-            constexpr fixture::Stand kStands[] = {fixture::Stand::kAtPageEnd, fixture::Stand::kAmidOthers,
-                                                  fixture::Stand::kAcrossPages};
-            fixture::letStringsStand(kStands[round % 3]);
+            fixture::letStringsStand(fixture::kStands[round % std::size(fixture::kStands)]);
             SCOPED_TRACE(page.name + ", round " + std::to_string(round));
             run(page, maker, static_cast<std::uint16_t>(round / 2 % 2));
         }

@@ -106,8 +106,7 @@ TEST(Like, CapitalIWithDotFoldsToIAtTheEndOfLongTextsToo) {
 // By itself a first byte folds as the byte without its high bit does: C4 as "D".
 TEST(Like, AFirstByteThatTheEndCutsOffFoldsAlikeInTextsOfAnyLength) {
     constexpr char kPage[] = "utf8 folded, ASCII in pairs";
-    for (const fixture::Stand stand :
-         {fixture::Stand::kAtPageEnd, fixture::Stand::kAmidOthers, fixture::Stand::kAcrossPages})
+    for (const fixture::Stand stand : fixture::kStands)
         for (std::size_t length = 0; length < 200; ++length) {
             SCOPED_TRACE(length);
             fixture::letStringsStand(stand);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "convert/kernels/avx2_from_utf8.hpp"
-#include "convert/kernels/mapping_lookup.hpp"
+#include "convert/kernels/page_steps.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "convert/kernels/table_entries.hpp"
 #include "convert/kernels/through_units.hpp"
@@ -10,10 +10,6 @@
 namespace velnls::avx2 {
 namespace {
 
-// Without a window nothing lies inside, and its first entry is looked at all the same.
-inline const std::uint16_t *windowOf(const file::MappingGroup &group) {
-    return group.reverseCount != 0 ? group.reverse : group.values;
-}
 inline unsigned spanOf(const file::MappingGroup &group) {
     return group.reverseCount != 0 ? group.highest - group.lowest + 1U : 0;
 }
@@ -52,25 +48,12 @@ template <typename Put>
 }
 
 // What the conversions of UTF-8 into a page have in common.
-class FromUtf8 {
-public:
-    static std::ptrdiff_t lengthOf(std::uint8_t lead) {
-        return 1 + (lead >= 0xC0 ? 1 : 0) + (lead >= 0xE0 ? 1 : 0);
-    }
-    // A character that the page has, though not where the kernels look.
-    bool writeOne(std::uint32_t value, Target &target) const {
-        const std::uint32_t code = codeOfUnicode(body_, value);
-        return code != kNone && writeCode(target, code);
-    }
-
+class FromUtf8 : public PageSteps {
 protected:
-    explicit FromUtf8(const MappingBody &body)
-        : body_(body), window_(windowOf(body.groups[2])), lowest_(unitsOf(body.groups[2].lowest)),
-          span_(unitsOf(spanOf(body.groups[2]))) {}
+    explicit FromUtf8(const MappingBody &page)
+        : PageSteps(page), window_(windowOf(page.groups[2])), lowest_(unitsOf(page.groups[2].lowest)),
+          span_(unitsOf(spanOf(page.groups[2]))) {}
 
-    [[nodiscard]] const MappingBody &body() const {
-        return body_;
-    }
     // The entries of the reverse window, and in which lanes they are those of the units.
     struct Found {
         Bytes entries;
@@ -83,7 +66,6 @@ protected:
     }
 
 private:
-    const MappingBody &body_;
     const std::uint16_t *window_;
     Bytes lowest_;
     Bytes span_;

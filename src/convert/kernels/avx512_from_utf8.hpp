@@ -74,18 +74,9 @@ private:
     Vector third_;
 };
 
-// Sinks: asciiRoom(count) for that many ASCII characters, kRoom for 32 characters of any kind; putAscii
-// writes the `count` low bytes; put writes lanes of units and gives those that it refuses, having written the
-// ones before the first of them. Lanes that fit the lower half need half the room.
-struct PageSink {
-    static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
-        return count;
-    }
-    [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
-        store(target, block, count);
-        target.at += count;
-    }
-};
+// Sinks: asciiRoom and putAscii as CopiedAscii has them; kRoom for 32 characters of any kind; put writes
+// lanes of units and gives those that it refuses, having written the ones before the first of them. Lanes
+// that fit the lower half need half the room.
 
 // Long texts, for sinks that refuse nothing: blocks follow each other at a fixed distance, so that none waits
 // for the end of the one before. Stops before a block that is not well formed, at a character's begin.
@@ -119,43 +110,25 @@ template <typename Sink>
 
 template <typename Sink>
 [[gnu::always_inline]] inline void fromUtf8(const Sink &sink, Source &source, Target &out) {
-    const std::uint8_t *at = source.at;
-    Target target = out;
-    while (at < source.end) {
-        const std::uint32_t size = smaller(source.end - at, 64);
-        const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), at);
-        const std::uint64_t notAscii = _mm512_movepi8_mask(block);
-        if (notAscii == 0) {
-            if (target.end - target.at < Sink::asciiRoom(size))
-                break;
-            sink.putAscii(block, size, target);
-            at += size;
-            continue;
-        }
-        std::uint64_t ends = 0;
-        const Utf8Characters characters = Utf8Characters::upToOdd(at, block, size, ends);
-        if (ends == 0)
-            break;
-        const std::uint32_t count = countBits(ends);
-        const auto put = [&sink, &target](Vector units, std::uint32_t some) {
-            if (target.end - target.at < (some > 16 ? Sink::kRoom : Sink::kRoom / 2))
-                return 0U;
-            const std::uint32_t refused = sink.put(units, static_cast<__mmask32>(lowBits(some)), target);
-            return refused == 0 ? some : _tzcnt_u32(refused);
-        };
-        const std::uint32_t first = count < 32 ? count : 32;
-        std::uint32_t written = put(characters.units<false>(), first);
-        if (written == first && count > 32)
-            written += put(characters.units<true>(), count - 32);
-        if (written == count) {
-            at += 64 - static_cast<std::uint32_t>(_lzcnt_u64(ends));
-            continue;
-        }
-        at += startNumber(ends << 1 | 1, written);
-        break;
-    }
-    source.at = at;
-    out.at = target.at;
+    const auto some = [&sink](Vector units, std::uint32_t count, Target &target) -> std::uint32_t {
+        if (target.room() < (count > 16 ? Sink::kRoom : Sink::kRoom / 2))
+            return 0;
+        const std::uint32_t refused = sink.put(units, static_cast<__mmask32>(lowBits(count)), target);
+        return refused == 0 ? count : _tzcnt_u32(refused);
+    };
+    byBlocks(sink, source, out,
+             [&some](const std::uint8_t *at, Vector block, std::uint32_t size, std::uint64_t &ends,
+                     Target &target) -> std::uint32_t {
+                 const Utf8Characters characters = Utf8Characters::upToOdd(at, block, size, ends);
+                 if (ends == 0)
+                     return 0;
+                 const std::uint32_t count = countBits(ends);
+                 const std::uint32_t first = count < 32 ? count : 32;
+                 std::uint32_t written = some(characters.units<false>(), first, target);
+                 if (written == first && count > 32)
+                     written += some(characters.units<true>(), count - 32, target);
+                 return written;
+             });
 }
 
 } // namespace

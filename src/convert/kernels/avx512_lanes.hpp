@@ -80,7 +80,51 @@ template <bool kBehind>
     return _mm512_cmple_epu8_mask(_mm512_sub_epi8(bytes, bytesOf(low)), bytesOf(high - low));
 }
 
-inline constexpr std::ptrdiff_t kUtf8Room = 64; // of 16 characters up to U+FFFF, stored as one register
+// ASCII where it stands for itself: asciiRoom(count) for that many characters; putAscii writes the `count`
+// low bytes.
+struct CopiedAscii {
+    static constexpr std::ptrdiff_t asciiRoom(std::uint32_t count) {
+        return count;
+    }
+    [[gnu::always_inline]] static void putAscii(Vector block, std::uint32_t count, Target &target) {
+        store(target, block, count);
+        target.at += count;
+    }
+};
+
+// Goes over a text by blocks of 64 bytes, each from a character's begin on. `put(at, block, size, ends,
+// target)` gets one that is not all ASCII; it sets `ends` to the last bytes of its characters, and gives how
+// many of those it has written: where it stops, that ends it.
+template <typename Ascii, typename Put>
+[[gnu::always_inline]] inline void byBlocks(const Ascii &ascii, Source &source, Target &out, Put put) {
+    const std::uint8_t *at = source.at;
+    Target target = out;
+    while (at < source.end) {
+        const std::uint32_t size = smaller(source.end - at, 64);
+        const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), at);
+        if (_mm512_movepi8_mask(block) == 0) {
+            if (target.room() < ascii.asciiRoom(size))
+                break;
+            ascii.putAscii(block, size, target);
+            at += size;
+            continue;
+        }
+        std::uint64_t ends = 0;
+        const std::uint32_t written = put(at, block, size, ends, target);
+        if (written == 0)
+            break;
+        if (written != countBits(ends)) {
+            at += startNumber(ends << 1 | 1, written);
+            break;
+        }
+        at += 64 - static_cast<std::uint32_t>(_lzcnt_u64(ends));
+    }
+    source.at = at;
+    out.at = target.at;
+}
+
+inline constexpr std::ptrdiff_t kLongText = 128; // bytes that are worth a way of their own
+inline constexpr std::ptrdiff_t kUtf8Room = 64;  // of 16 characters up to U+FFFF, stored as one register
 
 // Writes the lanes' values, none of them a surrogate, as UTF-8.
 [[gnu::always_inline]] inline void putUtf8(Vector values, __mmask16 lanes, Target &target) {

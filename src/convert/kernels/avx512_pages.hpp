@@ -27,41 +27,23 @@ static_assert(kUnitsRoom >= 2 * 64);
 // sixteen of these, and gives those it refuses, having written the ones before the first of them.
 template <typename Page>
 [[gnu::always_inline]] inline void bySixteens(const Page &page, Source &source, Target &out) {
-    const std::uint8_t *at = source.at;
-    Target target = out;
-    while (at < source.end) {
-        const std::uint32_t size = smaller(source.end - at, 64);
-        const Vector block = _mm512_maskz_loadu_epi8(lowBits(size), at);
-        if (_mm512_movepi8_mask(block) == 0) {
-            if (target.room() < static_cast<std::ptrdiff_t>(size))
-                break;
-            store(target, block, size);
-            at += size;
-            target.at += size;
-            continue;
-        }
-        std::uint64_t ends = 0;
-        auto characters = page.charactersOf(at, block, size, ends);
-        const std::uint32_t count = countBits(ends);
-        std::uint32_t written = 0;
-        for (std::uint32_t left = count; left != 0 && target.room() >= Page::kRoom; left = count - written) {
-            const std::uint32_t some = left < 16 ? left : 16;
-            const std::uint32_t refused = page.put(characters, static_cast<__mmask16>(lowBits(some)), target);
-            if (refused != 0) {
-                written += firstBitOr64(refused);
-                break;
-            }
-            written += some;
-            characters.dropSixteen();
-        }
-        if (written != count || count == 0) {
-            at += startNumber(ends << 1 | 1, written);
-            break;
-        }
-        at += 64 - static_cast<std::uint32_t>(_lzcnt_u64(ends));
-    }
-    source.at = at;
-    out.at = target.at;
+    byBlocks(page, source, out,
+             [&page](const std::uint8_t *at, Vector block, std::uint32_t size, std::uint64_t &ends,
+                     Target &target) -> std::uint32_t {
+                 auto characters = page.charactersOf(at, block, size, ends);
+                 const std::uint32_t count = countBits(ends);
+                 std::uint32_t written = 0;
+                 while (written != count && target.room() >= Page::kRoom) {
+                     const std::uint32_t some = count - written < 16 ? count - written : 16;
+                     const std::uint32_t refused =
+                         page.put(characters, static_cast<__mmask16>(lowBits(some)), target);
+                     if (refused != 0)
+                         return written + firstBitOr64(refused);
+                     written += some;
+                     characters.dropSixteen();
+                 }
+                 return written;
+             });
 }
 
 // Where the text, kStretch of it at most, before the next whole block of ASCII ends.

@@ -45,7 +45,7 @@ struct PairCharacters {
     }
 };
 
-class PairsToUtf8 {
+class PairsToUtf8 : public CopiedAscii {
 public:
     explicit PairsToUtf8(const file::MappingGroup &group) : group_(group) {}
 
@@ -142,7 +142,7 @@ private:
 
 void pairsToUtf8(const MappingBody &body, Source &source, Target &target) {
     const PairsToUtf8 page(body.groups[2]);
-    if (source.left() > 128)
+    if (source.left() >= kLongText)
         throughUnits(page, source, target);
     else
         bySixteens(page, source, target);

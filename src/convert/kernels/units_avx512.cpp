@@ -11,8 +11,6 @@ namespace velnls::avx512 {
 
 namespace {
 
-constexpr std::ptrdiff_t kLongText = 128; // bytes from which it is worth while to go by whole blocks
-
 [[gnu::always_inline]] inline __m256i lowHalf(Vector units) {
     return _mm512_castsi512_si256(units);
 }

@@ -7,7 +7,7 @@
 
 #include "convert/kernels/avx512_from_utf8.hpp"
 #include "convert/kernels/avx512_pages.hpp"
-#include "convert/kernels/mapping_lookup.hpp"
+#include "convert/kernels/page_steps.hpp"
 #include "convert/kernels/proofs.hpp"
 #include "convert/kernels/table_entries.hpp"
 
@@ -20,14 +20,12 @@ namespace {
     const __m256i found = entriesAt(table, _mm256_maskz_mov_epi16(which, places));
     return _mm256_mask_mov_epi16(unitsOf(file::kUnmapped), which, found);
 }
-class Utf8ToPairs {
+class Utf8ToPairs : public PageSteps, public CopiedAscii {
 public:
     static constexpr std::ptrdiff_t kRoom = 32;
 
     explicit Utf8ToPairs(const MappingBody &page)
-        : facts(factsOf(page)), body(page),
-          // Without a window nothing lies inside, and its first entry is looked at all the same.
-          window(page.groups[2].reverseCount != 0 ? page.groups[2].reverse : page.groups[2].values),
+        : PageSteps(page), facts(factsOf(page)), window(windowOf(page.groups[2])),
           lowest(unitsOf(page.groups[2].lowest)) {}
 
     [[gnu::always_inline]] static Utf8Characters charactersOf(const std::uint8_t *at, Vector block,
@@ -54,18 +52,9 @@ public:
             return put(group, lanes, out);
         });
     }
-    // A character that the page has, though not where the kernels look.
-    bool writeOne(std::uint32_t value, Target &target) const {
-        const std::uint32_t code = codeOfUnicode(body, value);
-        return code != kNone && writeCode(target, code);
-    }
-    static std::ptrdiff_t lengthOf(std::uint8_t lead) {
-        return 1 + (lead >= 0xC0 ? 1 : 0) + (lead >= 0xE0 ? 1 : 0);
-    }
 
 private:
     const MappingFacts &facts;
-    const MappingBody &body;
     const std::uint16_t *window;
     __m256i lowest;
 
@@ -98,13 +87,13 @@ private:
                                     unitsOf(0xE));
         };
         linear(within(kKanaBegin, 32 * kKanaBlocks), twiceBlock(kKanaBegin));
-        onePerValue(within(kPunctuationBegin, kPunctuation), body.groups[1].unusedA);
+        onePerValue(within(kPunctuationBegin, kPunctuation), body().groups[1].unusedA);
         for (std::uint32_t i = 0; i < kSoundMarks; ++i)
             found = _mm256_mask_mov_epi16(
                 found, _mm256_mask_cmpeq_epi16_mask(lanes, values, unitsOf(kSoundMarksBegin + i)),
                 unitsOf(facts.marks[i]));
         if (const __mmask16 fullWidth = within(kWidePunctuationBegin, 0x100); fullWidth != 0) {
-            onePerValue(within(kWidePunctuationBegin, kPunctuation), body.groups[2].unusedA);
+            onePerValue(within(kWidePunctuationBegin, kPunctuation), body().groups[2].unusedA);
             linear(within(kLettersBegin, 32 * kLetterBlocks),
                    _mm256_add_epi16(twiceBlock(kLettersBegin), unitsOf(2 * kKanaBlocks)));
         }
@@ -151,7 +140,7 @@ private:
 
 void utf8ToPairs(const MappingBody &body, Source &source, Target &target) {
     const Utf8ToPairs page(body);
-    if (source.left() > 128)
+    if (source.left() >= kLongText)
         throughUnits(page, source, target);
     else
         bySixteens(page, source, target);

@@ -7,6 +7,7 @@
 
 #include "convert/kernels/avx512_from_utf8.hpp"
 #include "convert/kernels/proofs.hpp"
+#include "locale/utf8_boundary.hpp"
 
 #include <algorithm>
 
@@ -16,7 +17,7 @@ namespace {
 
 // The windows of single-byte pages are small: they fit registers, where looking up costs a fraction of
 // loading each entry.
-struct ByteRowSink : PageSink {
+struct ByteRowSink : CopiedAscii {
     static constexpr std::ptrdiff_t kRoom = 32;
     static constexpr std::uint32_t kParts = 8;
     static constexpr std::uint32_t kRegisterSpan = kParts * 32; // indexes
@@ -163,9 +164,7 @@ private:
             const std::uint64_t kept = ~leads;
             store(target, _mm512_maskz_compress_epi8(kept, made), 64);
             target.at += countBits(kept);
-            // A lead byte at the end belongs to what comes then. Seen at the byte itself: the next load does
-            // not wait for the masks.
-            at += at[63] < 0xC0 ? 64 : 63;
+            at += 64 - incompleteBefore<2>(at + 64);
             continue;
         }
         std::uint32_t limit = firstBitOr64(wrong);

@@ -23,4 +23,17 @@ namespace velnls {
     return ((clear - 0x01010101) & ~clear & 0x80808080) == 0;
 }
 
+// How many bytes before a place begin a character that goes on behind it, in well-formed text of characters
+// of up to `kLongest` bytes, as many of them as such a character has but one. Seen at these bytes themselves:
+// who goes on there by blocks does not wait for the masks of the one before.
+template <unsigned kLongest>
+[[gnu::always_inline]] inline unsigned incompleteBefore(const std::uint8_t *place) {
+    unsigned bytes = place[-1] >= 0xC0 ? 1 : 0;
+    if constexpr (kLongest > 2)
+        bytes += place[-2] >= 0xE0 ? 2 : 0;
+    if constexpr (kLongest > 3)
+        bytes += place[-3] >= 0xF0 ? 3 : 0;
+    return bytes;
+}
+
 } // namespace velnls
