@@ -107,6 +107,14 @@ nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, 
     return like == nullptr ? likeByPage(locale, pattern, text, asked) : like(locale, pattern, text, asked);
 }
 
+[[gnu::cold]] bool moveFromPageEnd(const std::uint8_t *string, std::uint8_t *block) {
+    const std::size_t before = kShortBlock - leftInPage(string);
+    const __m512i last = _mm512_loadu_si512(string - before);
+    const std::uint64_t mask = ~std::uint64_t{0} << before;
+    _mm512_store_si512(block, _mm512_maskz_compress_epi8(mask, last));
+    return _mm512_mask_testn_epi8_mask(mask, last, last) != 0;
+}
+
 } // namespace velnls::avx512
 
 #endif

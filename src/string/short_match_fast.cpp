@@ -11,25 +11,36 @@ namespace {
 // Half a block holds most texts, and is looked through in half the time.
 using Masks = Sse2Masks<2>;
 
-// A string that may be looked at by a block: moved into one of its own, unless it goes on behind its block
-// and so into the next page of memory.
+// A string that may be looked at by a block: where it stands, or moved into a block of its own, unless it
+// goes on behind its page of memory, and so into the next one.
 class Moved {
 public:
-    [[gnu::noinline, gnu::cold]] explicit Moved(const char *at) : at_(at) {
-        const std::size_t length = ::strnlen(at, kShortBlock);
-        if (length < kShortBlock)
-            at_ = static_cast<const char *>(std::memcpy(block_, at, length + 1)); // behind it, anything
+    [[gnu::noinline, gnu::cold]] Moved(const nlsLocale &locale, const std::uint8_t *at) : at_(at) {
+        if (!fitsBlock(at) && move(locale))
+            at_ = block_;
     }
     Moved(const Moved &) = delete;
     Moved &operator=(const Moved &) = delete;
 
-    [[nodiscard]] const char *at() const {
+    [[nodiscard]] const std::uint8_t *at() const {
         return at_;
     }
 
 private:
-    const char *at_;
-    alignas(kShortBlock) char block_[kShortBlock];
+    // By one store where blocks are loaded whole: a load does not wait for it.
+    bool move(const nlsLocale &locale) {
+        if ((locale.header.proofs & kWideVectors) != 0)
+            return avx512::moveFromPageEnd(at_, block_);
+        const std::size_t left = leftInPage(at_);
+        const auto *const end = static_cast<const std::uint8_t *>(std::memchr(at_, 0, left));
+        if (end == nullptr)
+            return false;
+        std::memcpy(block_, at_, static_cast<std::size_t>(end - at_) + 1); // behind it, anything
+        return true;
+    }
+
+    const std::uint8_t *at_;
+    alignas(kShortBlock) std::uint8_t block_[kShortBlock];
 };
 
 } // namespace
@@ -49,15 +60,16 @@ nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, 
 
 [[gnu::cold]] ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern,
                                     const std::uint8_t *text, unsigned mode) {
-    const Moved movedPattern(reinterpret_cast<const char *>(pattern));
-    const Moved movedText(reinterpret_cast<const char *>(text));
-    return findLoadable(locale, bytesOf(movedPattern.at()), bytesOf(movedText.at()), mode);
+    const Moved movedPattern(locale, pattern);
+    const Moved movedText(locale, text);
+    return findLoadable(locale, movedPattern.at(), movedText.at(), mode);
 }
 
 [[gnu::cold]] nlsStatus likeMoved(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
-    const Moved movedPattern(pattern);
-    const Moved movedText(text);
-    return likeLoadable(locale, movedPattern.at(), movedText.at(), asked);
+    const Moved movedPattern(*locale, bytesOf(pattern));
+    const Moved movedText(*locale, bytesOf(text));
+    return likeLoadable(locale, reinterpret_cast<const char *>(movedPattern.at()),
+                        reinterpret_cast<const char *>(movedText.at()), asked);
 }
 
 } // namespace velnls::fast

@@ -23,6 +23,9 @@ LikeCall likeShortly;
 LikeCall likeLongByBytes;
 LikeCall likeLongByAscii;
 LikeCall likeLongByWeights;
+// Copies a string whose page of memory ends behind less than a block into one. False where it does not end in
+// that page.
+bool moveFromPageEnd(const std::uint8_t *string, std::uint8_t *block);
 
 } // namespace velnls::avx512
 
