@@ -32,6 +32,10 @@ public:
     [[gnu::always_inline]] std::uint64_t equal(unsigned value) const {
         return _mm512_cmpeq_epi8_mask(bytes_, all(value));
     }
+    // To what others have at the same place.
+    [[gnu::always_inline]] std::uint64_t equal(const WideMasks &others) const {
+        return _mm512_cmpeq_epi8_mask(bytes_, others.bytes_);
+    }
     // To the byte that others have at a place.
     [[gnu::always_inline]] std::uint64_t equalToOneOf(const WideMasks &others, unsigned place) const {
         return _mm512_cmpeq_epi8_mask(bytes_, _mm512_permutexvar_epi8(all(place), others.bytes_));

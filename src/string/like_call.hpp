@@ -11,6 +11,10 @@ struct LikeSigns {
     std::uint32_t escape;
     std::uint32_t oneCharacter;
     std::uint32_t anyString;
+
+    [[nodiscard]] [[gnu::always_inline]] bool areAscii() const {
+        return (escape | oneCharacter | anyString) < 0x80;
+    }
 };
 
 // In two registers, so that each way hands to the next one what it was asked without memory. (Of smaller
@@ -42,5 +46,7 @@ using LikeCall = nlsStatus(nlsLocale *locale, const char *pattern, const char *t
 
 // The general way, by the walk over a page.
 LikeCall likeByPage;
+// With a pattern that does not begin with the any-string sign.
+LikeCall likeFromStart;
 
 } // namespace velnls

@@ -17,39 +17,6 @@ template <typename Page>
                reinterpret_cast<const std::uint8_t *>(string));
 }
 
-// Whether pattern and string plainly begin with different characters, the pattern's being no sign. False
-// where it takes more to tell.
-bool beginsOtherwise(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *string,
-                     unsigned mode, const LikeSigns &signs) {
-    constexpr std::uint32_t kBehindAscii = 0x80;
-    const std::uint32_t proofs = locale.header.proofs;
-    const std::uint32_t wanted = *pattern;
-    const std::uint32_t found = *string;
-    if (wanted == 0 || found == 0 || mode > 1 || locale.collation == nullptr)
-        return false;
-    if (wanted == signs.escape || wanted == signs.oneCharacter)
-        return false;
-    if ((proofs & kMatchesWeights) != 0) {
-        bool equal = false;
-        BytePage(weightsOf(*locale.collation, mode)).equal({pattern, 1}, {string, 1}, equal);
-        return !equal;
-    }
-    if ((wanted | found) >= kBehindAscii)
-        return false;
-    // No letter's other case differs in another bit.
-    const std::uint32_t difference = (wanted ^ found) & (mode == 1 ? ~0U : ~0x20U);
-    return difference != 0 && (proofs & (mode == 1 ? kMatchesBytes : kMatchesAscii)) != 0;
-}
-
-// Patterns that begin with a character: the string's first one decides most.
-[[gnu::noinline]] LikeCall likeFromStart;
-
-nlsStatus likeFromStart(nlsLocale *locale, const char *pattern, const char *string, LikeAsked asked) {
-    if (beginsOtherwise(*locale, bytesOf(pattern), bytesOf(string), asked.mode(), asked.signs()))
-        return kLikeNo;
-    return likeByPage(locale, pattern, string, asked);
-}
-
 } // namespace
 
 [[gnu::noinline]] nlsStatus velnls::likeByPage(nlsLocale *locale, const char *pattern, const char *string,
@@ -74,7 +41,7 @@ nlsStatus nlsSqlLike(nlsLocale *locale, const char *pattern, const char *string,
     if (*bytesOf(pattern) != anyString)
         return likeFromStart(locale, pattern, string, asked);
 #if defined(VELNLS_SHORT_TEXTS)
-    if (fast::isForLikeIn(asked.signs()))
+    if (asked.signs().areAscii())
         return fast::likeIn(locale, pattern, string, asked);
 #endif
     return likeByPage(locale, pattern, string, asked);

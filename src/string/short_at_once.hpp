@@ -50,8 +50,8 @@ template <typename Masks>
         });
 }
 
-// As shortLikeBy(); on a page of other characters than pairs, BytesStand where the bytes of the pattern's
-// first piece stand in the text, and those of its last one at its end.
+// As shortLikeBy(), but for BytesStand where the bytes of the pattern's first piece stand in the text, and
+// those of its last one at its end.
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike likeAtOnce(ShortMatching matching, const std::uint8_t *pattern,
                                                    const std::uint8_t *text, LikeSigns signs) {
@@ -68,12 +68,34 @@ template <typename Masks>
             if (!stands &&
                 (read.order == ShortOrder::Bytes || !mayBeCut(matching, read.masks, read.end, text)))
                 return ShortLike::No;
-            if (matching.page == ShortPage::Pairs)
-                return likeByCharacters(matching, read);
             return stands && next == last && isOfBytes(matching.page, read.masks, read.end)
                        ? ShortLike::Yes
                        : ShortLike::BytesStand;
         });
+}
+
+// LIKE with a pattern that begins with literals, by those up to its first sign: Yes where that is an
+// any-string sign and ends it, BytesStand where more follows. The text may go on behind its block.
+template <typename Masks>
+[[gnu::always_inline]] inline ShortLike likePrefixBy(ShortMatching matching, const std::uint8_t *pattern,
+                                                     const std::uint8_t *text, LikeSigns signs) {
+    const Masks masks(text);
+    const std::uint64_t end = lowestOf(masks.equal(0));
+    ShortPattern<Masks> wanted(pattern);
+    if (wanted.end <= 1 || !wanted.divide(matching))
+        return ShortLike::Unsettled;
+    const std::uint64_t any = wanted.anyStrings(signs);
+    const ShortOrder order = wanted.orderIn(matching, masks, end);
+    if (any == 0 || order == ShortOrder::Unknown)
+        return ShortLike::Unsettled;
+    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
+    const std::uint64_t others = ~(sought.same() & (end - 1)) & (lowestOf(any) - 1);
+    if (others == 0)
+        return any << 1 == wanted.end ? ShortLike::Yes : ShortLike::BytesStand;
+    constexpr unsigned kLongestCharacter = 4;
+    const bool unsettled =
+        end == 0 ? others >> (64 - kLongestCharacter) != 0 : mayBeCut(matching, masks, end, text);
+    return unsettled ? ShortLike::Unsettled : ShortLike::No;
 }
 
 } // namespace

@@ -116,14 +116,13 @@ struct ShortPattern {
     [[nodiscard]] [[gnu::always_inline]] bool mayMeetDottedI(ShortPage page) const {
         return page == ShortPage::Utf8 && (masks.lowered().equal('i') & (end - 1)) != 0;
     }
-    // The any-string signs, where it begins with one and has no other signs; 0 where it does not. It has been
-    // divided.
+    // The any-string signs, where it has no other signs; 0 where it has. It has been divided.
     [[nodiscard]] [[gnu::always_inline]] std::uint64_t anyStrings(LikeSigns signs) const {
         const std::uint64_t begins = (end - 1) & ~trails;
         const std::uint64_t any = masks.equal(signs.anyString) & begins;
         const std::uint64_t others = (masks.equal(signs.oneCharacter) | masks.equal(signs.escape)) & begins;
         // Two any-string signs side by side mean more than one.
-        return (any & 1) == 0 || (others | (any & any << 1)) != 0 ? 0 : any;
+        return (others | (any & any << 1)) != 0 ? 0 : any;
     }
     // The order of matching as foldsAsAscii() has it, of a text that ends at `textEnd`; Unknown where there
     // is none.
@@ -182,6 +181,11 @@ public:
             const unsigned wanted = at_[place];
             return text_.equal(wanted - 'A' < 26 ? wanted | 0x20 : wanted);
         }
+    }
+
+    // Where the same bytes stand in both.
+    [[nodiscard]] [[gnu::always_inline]] std::uint64_t same() const {
+        return text_.equal(pattern_);
     }
 
 private:

@@ -11,17 +11,21 @@ namespace {
 
 // ---- What is looked at closely: page and order are variables --------------------------------------------
 
-// Where a way for the mode is known.
 ShortMatching matchingIn(const nlsLocale &locale, unsigned mode) {
     const ShortMatching matching = fast::matchingOf(locale, mode);
-    if (matching.order == ShortOrder::Unknown || matching.order == ShortOrder::AsciiAlone)
-        return {ShortOrder::Weights, ShortPage::Bytes, weightsOf(*locale.collation, mode)};
-    return matching;
+    if (matching.order != ShortOrder::Unknown && matching.order != ShortOrder::AsciiAlone)
+        return matching;
+    if ((locale.header.proofs & kMatchesWeights) == 0 || mode > 1)
+        return {ShortOrder::Unknown, ShortPage::Bytes, nullptr};
+    return {ShortOrder::Weights, ShortPage::Bytes, weightsOf(*locale.collation, mode)};
 }
 
+// In UTF-8: what is said at once of other pages leaves nothing to look at.
 [[gnu::noinline]] ShortPlaces findClosely(const nlsLocale &locale, const std::uint8_t *pattern,
                                           const std::uint8_t *text, unsigned mode) {
-    return shortPlacesBy<WideMasks>(matchingIn(locale, mode), pattern, text);
+    const ShortMatching matching{mode == 0 ? ShortOrder::Ascii : ShortOrder::Bytes, ShortPage::Utf8,
+                                 &factsOf(*locale.charTable)};
+    return shortPlacesBy<WideMasks>(matching, pattern, text);
 }
 
 [[gnu::noinline]] nlsStatus likeClosely(nlsLocale *locale, const char *pattern, const char *text,
@@ -105,6 +109,14 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
 nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
     const auto like = wayFor<Like>(locale->header.proofs, asked.mode());
     return like == nullptr ? likeByPage(locale, pattern, text, asked) : like(locale, pattern, text, asked);
+}
+
+nlsStatus likeFromStart(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+    const ShortMatching matching = matchingIn(*locale, asked.mode());
+    if (matching.order == ShortOrder::Unknown)
+        return likeByPage(locale, pattern, text, asked);
+    const ShortLike said = likePrefixBy<WideMasks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
+    return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
 }
 
 [[gnu::cold]] bool moveFromPageEnd(const std::uint8_t *string, std::uint8_t *block) {

@@ -19,7 +19,9 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
 // As likeByPage(), which it calls where one block does not settle it. The pattern begins with an any-string
 // sign, and pattern and text may be loaded by blocks, here and below.
 LikeCall likeShortly;
-// The same for a text that goes on behind its block: by how characters match.
+// The same for a pattern that begins with another character.
+LikeCall likeFromStart;
+// As likeShortly() for a text that goes on behind its block: by how characters match.
 LikeCall likeLongByBytes;
 LikeCall likeLongByAscii;
 LikeCall likeLongByWeights;
@@ -96,12 +98,7 @@ LikeCall likeMoved;
                                                  : findMoved(locale, pattern, text, mode);
 }
 
-// Whether likeIn() is for the signs.
-[[gnu::always_inline]] inline bool isForLikeIn(LikeSigns signs) {
-    constexpr std::uint32_t kBehindAscii = 0x80;
-    return (signs.anyString | signs.oneCharacter | signs.escape) < kBehindAscii;
-}
-// LIKE with a pattern that begins with an any-string sign.
+// LIKE with a pattern that begins with an any-string sign, by signs of ASCII.
 [[gnu::always_inline]] inline nlsStatus likeIn(nlsLocale *locale, const char *pattern, const char *text,
                                                LikeAsked asked) {
     return fitsBlock(bytesOf(pattern)) && fitsBlock(bytesOf(text))

@@ -329,4 +329,48 @@ TEST(AgainstTwins, LikeByPiecesInLinesOfText) {
     EXPECT_GT(matches, 10000);
 }
 
+// Patterns that begin as the text does, or nearly so, of texts that end around the end of a block too.
+TEST(AgainstTwins, LikeFromTheStart) {
+    int matches = 0;
+    onEveryPage(8000, [&](const MatchPage &page, Maker &maker, std::uint16_t mode) {
+        std::string text = maker.text(maker.below(4) == 0 ? 100 : 12);
+        if (maker.below(4) == 0)
+            text += std::string(64 - text.size() % 64, 'a') + maker.text(3);
+        std::string pattern = text.substr(0, maker.below(static_cast<std::uint32_t>(text.size()) + 1));
+        if (pattern.empty() || maker.below(4) == 0)
+            pattern += maker.character();
+        const std::uint32_t place = maker.below(static_cast<std::uint32_t>(pattern.size()));
+        switch (maker.below(6)) {
+        case 0: // the other case of a letter, or of what looks like one
+            if (pattern[place] != ' ')
+                pattern[place] = static_cast<char>(pattern[place] ^ 0x20);
+            break;
+        case 1:
+            pattern[place] = static_cast<char>(1 + maker.below(255));
+            break;
+        case 2: // the other case of any letter, now and then
+            text.insert(0, maker.character());
+            pattern.insert(0, maker.character());
+            break;
+        default:
+            break;
+        }
+        pattern += maker.below(8) == 0 ? "" : "%";
+        if (maker.below(4) == 0)
+            pattern += maker.pattern(text, 3) + "%";
+        model::Signs signs{'!', '_', '%'};
+        if (maker.below(8) == 0) { // a sign that the pattern may begin with
+            signs.oneCharacter = 0;
+            for (const unsigned char byte : maker.character())
+                signs.oneCharacter = signs.oneCharacter << 8 | byte;
+        }
+        const std::uint16_t asked = maker.below(16) == 0 ? 2 : mode;
+        const nlsStatus expected = model::like(page.page, pattern, text, asked, signs);
+        ASSERT_EQ(fixture::like(page.page, pattern, text, asked, signs), expected)
+            << "pattern " << shown(pattern) << "text " << shown(text);
+        matches += expected == 1 ? 1 : 0;
+    });
+    EXPECT_GT(matches, 10000);
+}
+
 } // namespace

@@ -157,6 +157,11 @@ TEST(Like, CaseFollowsTheMode) {
     }
     EXPECT_EQ(like("utf8 folded", "%\xD0\xA0%", "\xD0\xB0\xD1\x80", 0), kYes); // another lead byte
     EXPECT_EQ(like("utf8 folded", "%\xC4\xB0%", "aib", 0), kYes);              // another length
+    for (const char *page : {"utf8 folded", "utf8 folded, ASCII in pairs"}) {
+        EXPECT_EQ(like(page, "\xD0\xA0%", "\xD1\x80x", 0), kYes) << page;
+        EXPECT_EQ(like(page, "i%", "\xC4\xB0x", 0), kYes) << page;
+        EXPECT_EQ(like(page, "\xEF\xBC\xA1%", "\xEF\xBD\x81x", 0), kYes) << page;
+    }
 }
 
 TEST(Like, TheLastLiteralAbsorbsRepeatsOfItself) {
@@ -255,6 +260,17 @@ TEST(Like, CharactersThatTheEndCutsAreCompared) {
         EXPECT_EQ(like("utf8 folded", "%\xC3 ", before + "\xC3", 1), kYes);
         EXPECT_EQ(like("utf8 folded", "%\xE1", before + "\xE1  ", 1), kYes);
     }
+    // The same at the start.
+    for (const char *page : {"utf8 folded", "utf8 folded, ASCII in pairs"})
+        for (std::size_t length = 0; length < 100; ++length) {
+            const std::string same(length, 'x');
+            EXPECT_EQ(like(page, same + "c%", same + "\xC3", 0), kYes) << page << length;
+            EXPECT_EQ(like(page, same + "c%", same + "\xC3", 1), kNo) << page << length;
+        }
+    EXPECT_EQ(like("utf8 folded", "\xE3\x81 %", "\xE3\x81", 1), kYes);
+    EXPECT_EQ(like("utf8 folded", "x\xE3\x81 %", "x\xE3\x81", 1), kYes);
+    EXPECT_EQ(like("double basic", "\x81 %", "\x81", 1), kYes);
+    EXPECT_EQ(like("double basic", "x\x81 %", "x\x81", 1), kYes);
 }
 
 } // namespace
