@@ -92,10 +92,9 @@ template <typename Masks>
     const std::uint64_t others = ~(sought.same() & (end - 1)) & (lowestOf(any) - 1);
     if (others == 0)
         return any << 1 == wanted.end ? ShortLike::Yes : ShortLike::BytesStand;
-    constexpr unsigned kLongestCharacter = 4;
-    const bool unsettled =
-        end == 0 ? others >> (64 - kLongestCharacter) != 0 : mayBeCut(matching, masks, end, text);
-    return unsettled ? ShortLike::Unsettled : ShortLike::No;
+    // Where the text goes on, the character that differs is whole, since behind its first byte the pattern
+    // had room for a sign and the end; or it is one of four bytes, and those equal themselves alone.
+    return end != 0 && mayBeCut(matching, masks, end, text) ? ShortLike::Unsettled : ShortLike::No;
 }
 
 } // namespace
