@@ -47,14 +47,10 @@ private:
 
 ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
                         unsigned mode) {
-    if ((locale.header.proofs & kByteShuffles) != 0)
-        return avx2::findShortly(locale, pattern, text, mode);
     return findShortlyBy<Masks>(locale, pattern, text, mode);
 }
 
 nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
-    if ((locale->header.proofs & kByteShuffles) != 0)
-        return avx2::likeShortly(locale, pattern, text, asked);
     return likeShortlyBy<Masks>(locale, pattern, text, asked);
 }
 

@@ -77,13 +77,17 @@ LikeCall likeShortly;
 // By the set of instructions, of pattern and text of which 64 bytes may be loaded each.
 [[gnu::always_inline]] inline ShortPlaces findLoadable(const nlsLocale &locale, const std::uint8_t *pattern,
                                                        const std::uint8_t *text, unsigned mode) {
-    return (locale.header.proofs & kWideVectors) != 0 ? avx512::findShortly(locale, pattern, text, mode)
-                                                      : findShortly(locale, pattern, text, mode);
+    const std::uint32_t proofs = locale.header.proofs;
+    return (proofs & kWideVectors) != 0    ? avx512::findShortly(locale, pattern, text, mode)
+           : (proofs & kByteShuffles) != 0 ? avx2::findShortly(locale, pattern, text, mode)
+                                           : findShortly(locale, pattern, text, mode);
 }
 [[gnu::always_inline]] inline nlsStatus likeLoadable(nlsLocale *locale, const char *pattern, const char *text,
                                                      LikeAsked asked) {
-    return (locale->header.proofs & kWideVectors) != 0 ? avx512::likeShortly(locale, pattern, text, asked)
-                                                       : likeShortly(locale, pattern, text, asked);
+    const std::uint32_t proofs = locale->header.proofs;
+    return (proofs & kWideVectors) != 0    ? avx512::likeShortly(locale, pattern, text, asked)
+           : (proofs & kByteShuffles) != 0 ? avx2::likeShortly(locale, pattern, text, asked)
+                                           : likeShortly(locale, pattern, text, asked);
 }
 
 // The same where one of them stands too near to the end of its page of memory.
