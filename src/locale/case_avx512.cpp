@@ -2,8 +2,8 @@
 // short_text_avx512.cpp.
 #include "locale/case_fast.hpp"
 
+#include "core/utf8_boundary.hpp"
 #include "locale/case_blocks_avx512.hpp"
-#include "locale/utf8_boundary.hpp"
 
 #if defined(VELNLS_AVX512_KERNELS)
 

@@ -18,6 +18,14 @@ enum class Case {
 inline constexpr unsigned kCapitalA = 0x41;
 inline constexpr unsigned kSmallA = 0x61;
 
+// First bytes of characters of three bytes that no table maps: such a character equals itself alone, as no
+// mapping changes a first byte of that length.
+inline constexpr unsigned kFirstCaseless = 0xE3;
+inline constexpr unsigned kCaselessSpan = 0xEE - kFirstCaseless; // to the last one
+constexpr bool isCaseless(unsigned lead) {
+    return lead - kFirstCaseless <= kCaselessSpan;
+}
+
 // What a table gives for a UTF-8 character, its bytes read as a big-endian number: the number of its
 // counterpart, or the number itself. Three-byte characters are mapped for the lead bytes E1, E2 and EF only.
 template <Case kCase>

@@ -36,6 +36,11 @@ inline constexpr std::uint32_t kMatchesAscii = 0x0800'0000;
 // that have none.
 inline constexpr std::uint32_t kMatchesWeights = 0x1000'0000;
 
+// What has to be proved of how characters match under mode 0 or 1.
+constexpr std::uint32_t matchProof(unsigned mode) {
+    return mode == 0 ? kMatchesAscii : kMatchesBytes;
+}
+
 struct [[gnu::packed]] ByteRange {
     std::uint8_t first;
     std::uint8_t span; // of the last byte from the first

@@ -5,8 +5,8 @@
 // it stopped; the caller's plain loop goes on from there. No text holds a NUL.
 #pragma once
 
+#include "core/utf8_boundary.hpp"
 #include "locale/pair_masks.hpp"
-#include "locale/utf8_boundary.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -168,7 +168,7 @@ private:
     // The length of a character that equals itself alone; 0 for any other, as far as that is plain.
     [[nodiscard]] unsigned lengthOfOwn(const std::uint8_t *at, const std::uint8_t *end) const {
         const unsigned length = characters_.announced(*at);
-        const bool own = paged_ == nullptr ? length == 2 : length == 3 && *at >= 0xE3 && *at < 0xEF;
+        const bool own = paged_ == nullptr ? length == 2 : length == 3 && isCaseless(*at);
         return own && end - at >= static_cast<std::ptrdiff_t>(length) ? length : 0;
     }
     // By two characters of one kind, as most text begins; false where the run is none such.

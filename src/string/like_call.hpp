@@ -5,6 +5,8 @@
 
 namespace velnls {
 
+inline constexpr unsigned kBehindAscii = 0x80;
+
 // Character values: bytes read as a big-endian number; 63 for characters of five bytes and more. Escape 0:
 // none.
 struct LikeSigns {
@@ -13,7 +15,11 @@ struct LikeSigns {
     std::uint32_t anyString;
 
     [[nodiscard]] [[gnu::always_inline]] bool areAscii() const {
-        return (escape | oneCharacter | anyString) < 0x80;
+        return (escape | oneCharacter | anyString) < kBehindAscii;
+    }
+    // Whether a byte is a sign by itself, other than the any-string sign.
+    [[nodiscard]] [[gnu::always_inline]] bool isOther(unsigned byte) const {
+        return byte == escape || byte == oneCharacter;
     }
 };
 

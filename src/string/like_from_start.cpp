@@ -1,4 +1,5 @@
 // LIKE with patterns that begin with a character: the string's first one decides most.
+#include "locale/case_map.hpp"
 #include "locale/page_facts.hpp"
 #include "string/short_match_fast.hpp"
 
@@ -6,17 +7,10 @@ namespace velnls {
 
 namespace {
 
-constexpr unsigned kBehindAscii = 0x80;
-
-// What has to be proved of how characters match under a mode, 0 or 1.
-constexpr std::uint32_t provedOf(unsigned mode) {
-    return mode == 0 ? kMatchesAscii : kMatchesBytes;
-}
-
-// The same of ASCII alone.
+// Whether matchProof() holds of ASCII at least. `mode`: 0 or 1.
 constexpr bool isAsciiProved(std::uint32_t proofs, unsigned mode) {
     constexpr std::uint32_t kAmongWeights = kMatchesWeights | kAsciiAmongWeights;
-    return (proofs & provedOf(mode)) != 0 || (mode == 0 && (proofs & kAmongWeights) == kAmongWeights);
+    return (proofs & matchProof(mode)) != 0 || (mode == 0 && (proofs & kAmongWeights) == kAmongWeights);
 }
 
 // Whether a pattern and a string plainly begin with different characters, one of them at least not of ASCII.
@@ -27,8 +21,7 @@ bool beginsOtherwiseInUtf8(const std::uint8_t *pattern, const std::uint8_t *stri
     const unsigned found = *string;
     if (wanted < kBehindAscii)
         return isOfThree(found) && string[1] != 0 && string[2] != 0;
-    // These equal themselves alone.
-    const bool plain = folds ? wanted - 0xE3 <= 0xEE - 0xE3 : isOfThree(wanted);
+    const bool plain = folds ? isCaseless(wanted) : isOfThree(wanted);
     if (!plain || pattern[1] == 0 || pattern[2] == 0)
         return false;
     if (string[1] == 0 || string[2] == 0)
@@ -38,7 +31,8 @@ bool beginsOtherwiseInUtf8(const std::uint8_t *pattern, const std::uint8_t *stri
     return difference != 0;
 }
 
-// The same where characters are of one byte or two.
+// The same where characters are of one byte or two, or all of one: the facts of such a page have no lead
+// bytes.
 bool beginsOtherwiseInPairs(const PageFacts &facts, const std::uint8_t *pattern, const std::uint8_t *string,
                             bool folds) {
     const unsigned wanted = *pattern;
@@ -57,7 +51,7 @@ bool beginsOtherwiseInPairs(const PageFacts &facts, const std::uint8_t *pattern,
 bool beginsOtherwise(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *string,
                      unsigned mode) {
     const std::uint32_t proofs = locale.header.proofs;
-    if (mode > 1 || (*pattern | *string) < kBehindAscii || (proofs & provedOf(mode)) == 0)
+    if (mode > 1 || (*pattern | *string) < kBehindAscii || (proofs & matchProof(mode)) == 0)
         return false;
     return (proofs & kUtf8Page) != 0
                ? beginsOtherwiseInUtf8(pattern, string, mode == 0)
@@ -66,19 +60,18 @@ bool beginsOtherwise(const nlsLocale &locale, const std::uint8_t *pattern, const
 
 // What two characters of ASCII leave unsettled. A function of its own, so that they do not pay for what it
 // keeps.
-[[gnu::noinline]] nlsStatus likeFromAny(nlsLocale *locale, const char *pattern_, const char *string_,
-                                        LikeAsked asked) {
+[[gnu::noinline]] nlsStatus likeFromOther(nlsLocale *locale, const char *pattern_, const char *string_,
+                                          LikeAsked asked) {
     const std::uint8_t *const pattern = bytesOf(pattern_);
     const std::uint8_t *const string = bytesOf(string_);
     const LikeSigns signs = asked.signs();
-    if (*pattern == 0 || *string == 0 || *pattern == signs.escape || *pattern == signs.oneCharacter ||
-        !signs.areAscii())
+    if (*pattern == 0 || *string == 0 || signs.isOther(*pattern) || !signs.areAscii())
         return likeByPage(locale, pattern_, string_, asked);
     if (beginsOtherwise(*locale, pattern, string, asked.mode()))
         return kLikeNo;
 #if defined(VELNLS_SHORT_TEXTS)
     if ((locale->header.proofs & kWideVectors) != 0 && fast::fitsBlock(pattern) && fast::fitsBlock(string))
-        return avx512::likeFromStart(locale, pattern_, string_, asked);
+        return avx512::likePrefixShortly(locale, pattern_, string_, asked);
 #endif
     return likeByPage(locale, pattern_, string_, asked);
 }
@@ -89,15 +82,14 @@ nlsStatus likeFromStart(nlsLocale *locale, const char *pattern, const char *stri
     const unsigned wanted = *bytesOf(pattern);
     // First what is the same for all strings: nobody could foresee how they begin.
     if (wanted != 0 && wanted < kBehindAscii && asked.mode() <= 1 &&
-        isAsciiProved(locale->header.proofs, asked.mode()) && wanted != asked.signs().escape &&
-        wanted != asked.signs().oneCharacter) {
+        isAsciiProved(locale->header.proofs, asked.mode()) && !asked.signs().isOther(wanted)) {
         const unsigned found = *bytesOf(string);
         // No letter's other case differs in another bit.
         const unsigned difference = (wanted ^ found) & (asked.mode() == 0 ? ~0x20U : ~0U);
         if (difference != 0 && found != 0 && found < kBehindAscii)
             return kLikeNo;
     }
-    return likeFromAny(locale, pattern, string, asked);
+    return likeFromOther(locale, pattern, string, asked);
 }
 
 } // namespace velnls

@@ -1,7 +1,7 @@
 // LIKE on texts that go on behind a block, for processors with AVX-512: the pieces of the pattern are looked
 // for one behind the other, by their first and last bytes in 64 places at once.
+#include "core/utf8_boundary.hpp"
 #include "locale/masks_avx512.hpp"
-#include "locale/utf8_boundary.hpp"
 #include "string/short_match_fast.hpp"
 
 #if defined(VELNLS_SHORT_TEXTS)

@@ -1,7 +1,7 @@
 #include "string/replace_blocks.hpp"
 
 #include "core/avx512.hpp"
-#include "locale/utf8_boundary.hpp"
+#include "core/utf8_boundary.hpp"
 
 namespace velnls::avx512 {
 

@@ -1,7 +1,7 @@
 #include "string/search.hpp"
 
+#include "core/utf8_boundary.hpp"
 #include "locale/page_facts.hpp"
-#include "locale/utf8_boundary.hpp"
 #include "string/count.hpp"
 
 namespace velnls {

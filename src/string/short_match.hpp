@@ -6,6 +6,7 @@
 #pragma once
 
 #include "locale/case_fast.hpp"
+#include "locale/case_map.hpp"
 #include "string/like_call.hpp"
 #include "string/short_text.hpp"
 
@@ -86,13 +87,15 @@ struct ShortPattern {
     [[nodiscard]] [[gnu::always_inline]] std::uint64_t high() const {
         return masks.high() & (end - 1);
     }
-    // Divides it into characters: false where they are not what the page means.
+    // Divides it into characters: false where they are not what the page means, or where a text's end may cut
+    // one and yet match it: blanks count as the end, and so may a trail byte.
     [[gnu::always_inline]] bool divide(ShortMatching matching) {
         if (high() == 0)
             return true;
         const ShortStructure structure = structureOf(matching, masks, end);
         trails = structure.trails;
-        return (structure.wrong | (trails & end)) == 0;
+        const std::uint64_t blanks = matching.page == ShortPage::Pairs ? trails & masks.equal(' ') : 0;
+        return (structure.wrong | (trails & end) | blanks) == 0;
     }
     // Whether characters that match under the case of ASCII do so by their bytes, changed as ASCII or as they
     // are: `order` becomes which. It has been divided.
@@ -101,10 +104,9 @@ struct ShortPattern {
             return true;
         if (page == ShortPage::Bytes)
             return false;
-        // Characters of three bytes from the lead byte E3 up to EE equal themselves alone, and no byte of a
-        // longer character is a letter.
+        // No byte of a longer character is a letter.
         if (page == ShortPage::Utf8)
-            return (high() & ~trails & ~masks.inRange(0xE3, 0xEE - 0xE3)) == 0;
+            return (high() & ~trails & ~masks.inRange(kFirstCaseless, kCaselessSpan)) == 0;
         // Characters of two bytes equal themselves alone, and their second byte may look like a letter;
         // single bytes that are not ASCII fold by the table.
         order = ShortOrder::Bytes;
@@ -292,7 +294,7 @@ struct ShortLikeRead {
     ShortSought<Masks> sought;
 };
 
-// Calls `settle` with them, where both are for the short ways.
+// Calls `settle` with them, where both are for the short ways. The pattern begins with an any-string sign.
 template <typename Masks, typename Settle>
 [[gnu::always_inline]] inline ShortLike withLikeRead(ShortMatching matching, const std::uint8_t *pattern,
                                                      const std::uint8_t *text, LikeSigns signs,

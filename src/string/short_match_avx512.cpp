@@ -28,7 +28,7 @@ nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, 
     return likeBy<WideMasks, Ways>(locale, pattern, text, asked);
 }
 
-nlsStatus likeFromStart(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
+nlsStatus likePrefixShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
     const ShortMatching matching = matchingIn<WideMasks>(*locale, asked.mode());
     if (matching.order == ShortOrder::Unknown)
         return likeByPage(locale, pattern, text, asked);

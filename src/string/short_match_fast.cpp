@@ -27,7 +27,6 @@ public:
     }
 
 private:
-    // By one store where blocks are loaded whole: a load does not wait for it.
     bool move(const nlsLocale &locale) {
         if ((locale.header.proofs & kWideVectors) != 0)
             return avx512::moveFromPageEnd(at_, block_);

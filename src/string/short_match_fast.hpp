@@ -19,14 +19,15 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
 // As likeByPage(), which it calls where one block does not settle it. The pattern begins with an any-string
 // sign, and pattern and text may be loaded by blocks, here and below.
 LikeCall likeShortly;
-// The same for a pattern that begins with another character.
-LikeCall likeFromStart;
+// As likeByPage(), which it calls where the literals before the first sign do not settle it. The pattern
+// begins with such.
+LikeCall likePrefixShortly;
 // As likeShortly() for a text that goes on behind its block: by how characters match.
 LikeCall likeLongByBytes;
 LikeCall likeLongByAscii;
 LikeCall likeLongByWeights;
-// Copies a string whose page of memory ends behind less than a block into one. False where it does not end in
-// that page.
+// Copies a string whose page of memory ends behind less than a block into one, kShortBlock aligned. False
+// where it does not end in that page. By one store, which a load of the block does not wait for.
 bool moveFromPageEnd(const std::uint8_t *string, std::uint8_t *block);
 
 } // namespace velnls::avx512
@@ -54,7 +55,7 @@ namespace velnls::fast {
 [[gnu::always_inline]] inline ShortMatching matchingOf(const nlsLocale &locale, unsigned mode) {
     const std::uint32_t proofs = locale.header.proofs;
     ShortMatching matching{ShortOrder::Unknown, pageOf(locale), &factsOf(*locale.charTable)};
-    if (mode <= 1 && (proofs & (mode == 0 ? kMatchesAscii : kMatchesBytes)) != 0)
+    if (mode <= 1 && (proofs & matchProof(mode)) != 0)
         matching.order = mode == 0 ? ShortOrder::Ascii : ShortOrder::Bytes;
     else if (mode == 0 && (proofs & kMatchesWeights) != 0 && (proofs & kAsciiAmongWeights) != 0)
         matching.order = ShortOrder::AsciiAlone;

@@ -35,7 +35,7 @@ template <typename Ways, bool kMaps>
     if (mode > 1)
         return kNone;
     const bool folds = mode == 0;
-    if ((proofs & (folds ? kMatchesAscii : kMatchesBytes)) == 0) {
+    if ((proofs & matchProof(mode)) == 0) {
         const bool others =
             (proofs & kMatchesWeights) != 0 && (kMaps || (folds && (proofs & kAsciiAmongWeights) != 0));
         return others ? &OtherBytes::match : kNone;

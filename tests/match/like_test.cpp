@@ -157,10 +157,14 @@ TEST(Like, CaseFollowsTheMode) {
     }
     EXPECT_EQ(like("utf8 folded", "%\xD0\xA0%", "\xD0\xB0\xD1\x80", 0), kYes); // another lead byte
     EXPECT_EQ(like("utf8 folded", "%\xC4\xB0%", "aib", 0), kYes);              // another length
+    EXPECT_EQ(like("single basic", "\xC4%", "\xE4x", 0), kYes);
+    EXPECT_EQ(like("single basic", "%\xC4%", "x\xE4x", 0), kYes);
     for (const char *page : {"utf8 folded", "utf8 folded, ASCII in pairs"}) {
         EXPECT_EQ(like(page, "\xD0\xA0%", "\xD1\x80x", 0), kYes) << page;
         EXPECT_EQ(like(page, "i%", "\xC4\xB0x", 0), kYes) << page;
         EXPECT_EQ(like(page, "\xEF\xBC\xA1%", "\xEF\xBD\x81x", 0), kYes) << page;
+        EXPECT_EQ(like(page, "\xE2\xB1\xA1%", "\xE2\xB1\xA0x", 0), kYes) << page;
+        EXPECT_EQ(like(page, "%\xE2\xB1\xA1%", "x\xE2\xB1\xA0x", 0), kYes) << page;
     }
 }
 
@@ -259,8 +263,13 @@ TEST(Like, CharactersThatTheEndCutsAreCompared) {
         // Without its blank a character equals the one with it.
         EXPECT_EQ(like("utf8 folded", "%\xC3 ", before + "\xC3", 1), kYes);
         EXPECT_EQ(like("utf8 folded", "%\xE1", before + "\xE1  ", 1), kYes);
+        EXPECT_EQ(like("double basic", "%\x81 ", before + "\x81", 1), kYes);
+        EXPECT_EQ(like("double basic", "%x\x81 ", before + "x\x81", 1), kYes);
+        EXPECT_EQ(like("double basic", "%\x81 %", before + "\x81", 1), kYes);
     }
     // The same at the start.
+    EXPECT_EQ(like("double basic", "z%", "\x82", 0), kYes);
+    EXPECT_EQ(like("double basic", "z%", "\x82\x82", 0), kNo);
     for (const char *page : {"utf8 folded", "utf8 folded, ASCII in pairs"})
         for (std::size_t length = 0; length < 100; ++length) {
             const std::string same(length, 'x');

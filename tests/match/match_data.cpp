@@ -70,6 +70,21 @@ CharacterTable longCharacters() {
     return table;
 }
 
+// A letter behind ASCII too, which has its own byte in each case.
+ByteCase singleCase() {
+    ByteCase table = ByteCase::ascii();
+    table.lower[0xC4] = 0xE4;
+    table.upper[0xE4] = 0xC4;
+    return table;
+}
+
+// A lead byte that a table maps to ASCII, which shows where a text's end cuts its character.
+ByteCase doubleCase() {
+    ByteCase table = ByteCase::ascii();
+    table.lower[0x82] = 'z';
+    return table;
+}
+
 // Where capital I with dot is no counterpart of "i", ASCII letters pair up among themselves.
 UnicodeCase unicodeCase(bool asciiPairs) {
     UnicodeCase table;
@@ -82,6 +97,7 @@ UnicodeCase unicodeCase(bool asciiPairs) {
     table.lower.emplace_back(0x1C5, 0x1C6);
     table.lower.emplace_back(0xC5, 0xE5);
     table.lower.emplace_back(0x1F08, 0x1F00); // three bytes, E1
+    table.lower.emplace_back(0x2C60, 0x2C61); // E2
     table.lower.emplace_back(0xFF21, 0xFF41); // EF
     for (const auto &[upper, lower] : table.lower)
         if (upper != 0x130 || !asciiPairs)
@@ -100,11 +116,11 @@ DataFile matchFile() {
     file.collation("SINGLE", "zero", zeroWeights());
     file.collation("SINGLE", "thai", thaiWeights());
     file.collation("SINGLE", "basic", CollationTable::basic());
-    file.caseTable("SINGLE", "ascii", ByteCase::ascii());
+    file.caseTable("SINGLE", "ascii", singleCase());
     file.codePage("DOUBLE", CharacterTable::doubleByte());
     file.collation("DOUBLE", "basic", CollationTable::basic());
     file.collation("DOUBLE", "weights", doubleByteWeights());
-    file.caseTable("DOUBLE", "ascii", ByteCase::ascii());
+    file.caseTable("DOUBLE", "ascii", doubleCase());
     file.codePage("UTF-8", CharacterTable::utf8());
     file.collation("UTF-8", "basic", CollationTable::basic());
     file.collation("UTF-8", "weights", plainWeights());
@@ -119,7 +135,8 @@ const std::vector<PageData> &matchPageData() {
     static const CharacterTable single = CharacterTable::singleByte();
     static const CharacterTable pairs = CharacterTable::doubleByte();
     static const CharacterTable utf8 = CharacterTable::utf8();
-    static const std::vector<std::string> letters = {"a", "b", " ", "A", "B", "s", "\xDF", "\xE1", "\xE4"};
+    static const std::vector<std::string> letters = {"a", "b",    " ",    "A",    "B",
+                                                     "s", "\xDF", "\xE1", "\xE4", "\xC4"};
     static const std::vector<std::string> thai = {"a", "b", " ", "\xA1", "\xE0", "\xD4", "\xE8"};
     static const std::vector<std::string> doubles = {
         "a", "b", " ", "A", "\x82\x61", "\x82\x82", "\x83\x61", "\x83\x41", "\x81\x83", "z", "s"};
@@ -139,6 +156,8 @@ const std::vector<PageData> &matchPageData() {
                                                      "\xC3\xA5",
                                                      "\xE1\xBC\x88",
                                                      "\xE1\xBC\x80",
+                                                     "\xE2\xB1\xA0",
+                                                     "\xE2\xB1\xA1",
                                                      "\xEF\xBC\xA1",
                                                      "\xEF\xBD\x81",
                                                      "\xE4\xB8\x80",

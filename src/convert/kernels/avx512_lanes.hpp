@@ -94,7 +94,7 @@ struct CopiedAscii {
 
 // Goes over a text by blocks of 64 bytes, each from a character's begin on. `put(at, block, size, ends,
 // target)` gets one that is not all ASCII; it sets `ends` to the last bytes of its characters, and gives how
-// many of those it has written: where it stops, that ends it.
+// many of those it has written. Fewer than there are, or 0, ends the loop, at the first that is not written.
 template <typename Ascii, typename Put>
 [[gnu::always_inline]] inline void byBlocks(const Ascii &ascii, Source &source, Target &out, Put put) {
     const std::uint8_t *at = source.at;

@@ -7,7 +7,7 @@
 
 #include "convert/kernels/avx512_from_utf8.hpp"
 #include "convert/kernels/proofs.hpp"
-#include "locale/utf8_boundary.hpp"
+#include "core/utf8_boundary.hpp"
 
 #include <algorithm>
 

@@ -23,9 +23,9 @@ namespace velnls {
     return ((clear - 0x01010101) & ~clear & 0x80808080) == 0;
 }
 
-// How many bytes before a place begin a character that goes on behind it, in well-formed text of characters
-// of up to `kLongest` bytes, as many of them as such a character has but one. Seen at these bytes themselves:
-// who goes on there by blocks does not wait for the masks of the one before.
+// How many bytes before a place are the beginning of a character that goes on behind it, in well-formed text
+// of characters of up to `kLongest` bytes; one byte less than that has to stand before the place. Seen at
+// these bytes themselves: who goes on there by blocks does not wait for the masks of the one before.
 template <unsigned kLongest>
 [[gnu::always_inline]] inline unsigned incompleteBefore(const std::uint8_t *place) {
     unsigned bytes = place[-1] >= 0xC0 ? 1 : 0;
