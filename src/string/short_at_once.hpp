@@ -64,7 +64,7 @@ template <typename Masks>
             if (!stands &&
                 ((read.any & last) != 0 || (read.sought.placesOf(placeOf(last)) & read.end >> 1) != 0))
                 stands = read.sought.places(1, length, read.end) != 0;
-            // By its own bytes alone a character that is cut matches none that the pattern was divided into.
+            // By its own bytes alone a character that is cut matches none of the pattern, see mayMeetCut().
             if (!stands &&
                 (read.order == ShortOrder::Bytes || !mayBeCut(matching, read.masks, read.end, text)))
                 return ShortLike::No;

@@ -87,15 +87,18 @@ struct ShortPattern {
     [[nodiscard]] [[gnu::always_inline]] std::uint64_t high() const {
         return masks.high() & (end - 1);
     }
-    // Divides it into characters: false where they are not what the page means, or where a text's end may cut
-    // one and yet match it: blanks count as the end, and so may a trail byte.
+    // Divides it into characters: false where they are not what the page means.
     [[gnu::always_inline]] bool divide(ShortMatching matching) {
         if (high() == 0)
             return true;
         const ShortStructure structure = structureOf(matching, masks, end);
         trails = structure.trails;
-        const std::uint64_t blanks = matching.page == ShortPage::Pairs ? trails & masks.equal(' ') : 0;
-        return (structure.wrong | (trails & end) | blanks) == 0;
+        return (structure.wrong | (trails & end)) == 0;
+    }
+    // Whether it has a character that one which a text's end cuts may match by its bytes: blanks count as the
+    // end, and a trail byte may be one. It has been divided.
+    [[nodiscard]] [[gnu::always_inline]] bool mayMeetCut(ShortPage page) const {
+        return page == ShortPage::Pairs && (trails & masks.equal(' ')) != 0;
     }
     // Whether characters that match under the case of ASCII do so by their bytes, changed as ASCII or as they
     // are: `order` becomes which. It has been divided.
@@ -304,7 +307,7 @@ template <typename Masks, typename Settle>
     if (end <= 1)
         return end == 0 ? ShortLike::TextGoesOn : ShortLike::Unsettled;
     ShortPattern<Masks> wanted(pattern);
-    if (wanted.end <= 1 || !wanted.divide(matching))
+    if (wanted.end <= 1 || !wanted.divide(matching) || wanted.mayMeetCut(matching.page))
         return ShortLike::Unsettled;
     const std::uint64_t any = wanted.anyStrings(signs);
     if (any == 0)
