@@ -1,4 +1,5 @@
-#include "string/short_match_by.hpp"
+// The short ways to match on any processor, and strings that stand near the end of their page of memory.
+#include "string/short_match_fast.hpp"
 
 #include <cstring>
 
@@ -46,11 +47,19 @@ private:
 
 ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, const std::uint8_t *text,
                         unsigned mode) {
-    return findShortlyBy<Masks>(locale, pattern, text, mode);
+    const ShortMatching matching = matchingOf(locale, mode);
+    return matching.order == ShortOrder::Unknown ? kUnsettledPlaces
+                                                 : shortPlacesBy<Masks>(matching, pattern, text);
 }
 
 nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
-    return likeShortlyBy<Masks>(locale, pattern, text, asked);
+    const ShortMatching matching = matchingOf(*locale, asked.mode());
+    if (matching.order != ShortOrder::Unknown) {
+        const ShortLike said = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
+        if (isAnswer(said))
+            return answerOf(said);
+    }
+    return likeByPage(locale, pattern, text, asked);
 }
 
 [[gnu::cold]] ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern,
