@@ -101,6 +101,15 @@ struct LikeWays {
 
     template <ShortPage kPage, ShortOrder kOrder>
     struct Way {
+        [[gnu::always_inline]] static nlsStatus likeLong(nlsLocale *locale, const char *pattern,
+                                                         const char *text, LikeAsked asked) {
+            if constexpr (kOrder == ShortOrder::Bytes)
+                return kLongByBytes(locale, pattern, text, asked);
+            else if constexpr (kOrder == ShortOrder::Ascii)
+                return kLongByAscii(locale, pattern, text, asked);
+            else
+                return kLongByOthers(locale, pattern, text, asked);
+        }
         [[gnu::noinline]] static nlsStatus match(nlsLocale *locale, const char *pattern, const char *text,
                                                  LikeAsked asked) {
             // Without AVX-512, the masks of pairs take more code than a way of their own is worth.
@@ -115,9 +124,7 @@ struct LikeWays {
             case ShortLike::Unsettled:
                 return likeByPage(locale, pattern, text, asked);
             case ShortLike::TextGoesOn:
-                return (kOrder == ShortOrder::Bytes   ? kLongByBytes
-                        : kOrder == ShortOrder::Ascii ? kLongByAscii
-                                                      : kLongByOthers)(locale, pattern, text, asked);
+                return likeLong(locale, pattern, text, asked);
             default:
                 return likeClosely(locale, pattern, text, asked);
             }
