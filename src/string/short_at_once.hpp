@@ -75,7 +75,7 @@ template <typename Masks>
 }
 
 // LIKE with a pattern that begins with literals, by those up to its first sign: Yes where that is an
-// any-string sign and ends it, BytesStand where more follows. The text may go on behind its block.
+// any-string sign and ends it, Unsettled where more follows. The text may go on behind its block.
 template <typename Masks>
 [[gnu::always_inline]] inline ShortLike likePrefixBy(ShortMatching matching, const std::uint8_t *pattern,
                                                      const std::uint8_t *text, LikeSigns signs) {
@@ -91,7 +91,7 @@ template <typename Masks>
     const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
     const std::uint64_t others = ~(sought.same() & (end - 1)) & (lowestOf(any) - 1);
     if (others == 0)
-        return any << 1 == wanted.end ? ShortLike::Yes : ShortLike::BytesStand;
+        return any << 1 == wanted.end ? ShortLike::Yes : ShortLike::Unsettled;
     // Where the text goes on, the character that differs is whole, since behind its first byte the pattern
     // had room for a sign and the end; or it is one of four bytes, and those equal themselves alone.
     return end != 0 && mayBeCut(matching, masks, end, text) ? ShortLike::Unsettled : ShortLike::No;

@@ -33,7 +33,7 @@ nlsStatus likePrefixShortly(nlsLocale *locale, const char *pattern, const char *
     if (matching.order == ShortOrder::Unknown)
         return likeByPage(locale, pattern, text, asked);
     const ShortLike said = likePrefixBy<WideMasks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
-    return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
+    return fast::answerOf(said, locale, pattern, text, asked);
 }
 
 [[gnu::cold]] bool moveFromPageEnd(const std::uint8_t *string, std::uint8_t *block) {

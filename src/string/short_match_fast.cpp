@@ -54,12 +54,10 @@ ShortPlaces findShortly(const nlsLocale &locale, const std::uint8_t *pattern, co
 
 nlsStatus likeShortly(nlsLocale *locale, const char *pattern, const char *text, LikeAsked asked) {
     const ShortMatching matching = matchingOf(*locale, asked.mode());
-    if (matching.order != ShortOrder::Unknown) {
-        const ShortLike said = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
-        if (isAnswer(said))
-            return answerOf(said);
-    }
-    return likeByPage(locale, pattern, text, asked);
+    if (matching.order == ShortOrder::Unknown)
+        return likeByPage(locale, pattern, text, asked);
+    const ShortLike said = shortLikeBy<Masks>(matching, bytesOf(pattern), bytesOf(text), asked.signs());
+    return answerOf(said, locale, pattern, text, asked);
 }
 
 [[gnu::cold]] ShortPlaces findMoved(const nlsLocale &locale, const std::uint8_t *pattern,

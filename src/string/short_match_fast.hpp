@@ -62,12 +62,12 @@ namespace velnls::fast {
     return matching;
 }
 
-// Whether a short way has settled LIKE, and what the call then gives.
-[[gnu::always_inline]] constexpr bool isAnswer(ShortLike said) {
-    return said == ShortLike::Yes || said == ShortLike::No;
-}
-[[gnu::always_inline]] constexpr nlsStatus answerOf(ShortLike said) {
-    return said == ShortLike::Yes ? kLikeYes : kLikeNo;
+// What the call gives by what a short way has said: the general way settles what that left.
+[[gnu::always_inline]] inline nlsStatus answerOf(ShortLike said, nlsLocale *locale, const char *pattern,
+                                                 const char *text, LikeAsked asked) {
+    if (said == ShortLike::Yes || said == ShortLike::No)
+        return said == ShortLike::Yes ? kLikeYes : kLikeNo;
+    return likeByPage(locale, pattern, text, asked);
 }
 
 // The same for every processor.

@@ -96,7 +96,7 @@ struct LikeWays {
                                                    LikeAsked asked) {
         const ShortLike said = shortLikeBy<Masks>(matchingIn<Masks>(*locale, asked.mode()), bytesOf(pattern),
                                                   bytesOf(text), asked.signs());
-        return fast::isAnswer(said) ? fast::answerOf(said) : likeByPage(locale, pattern, text, asked);
+        return fast::answerOf(said, locale, pattern, text, asked);
     }
 
     template <ShortPage kPage, ShortOrder kOrder>
