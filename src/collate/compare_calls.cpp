@@ -9,6 +9,7 @@
 #include "collate/weights.hpp"
 #include "icu/collate.hpp"
 #include "locale/case_text.hpp"
+#include "locale/page_facts.hpp"
 
 #include <cstring>
 
@@ -90,20 +91,36 @@ struct Differences {
     return compareFirstWeightsBy(Differences(), locale, a, b, weights, out);
 }
 
+// Where kOwnAsciiWeights is proved; kOwnWeights says the same of the other bytes.
+[[gnu::noinline]] nlsStatus compareFirstOwnWeights(const nlsLocale *locale, const char *a, const char *b,
+                                                   const std::uint8_t *weights, std::int16_t *out) {
+    const auto areOwn = [locale](unsigned either) {
+        return either < 0x80 || (locale->header.proofs & kOwnWeights) != 0;
+    };
+    return compareFirstOwnWeightsBy(Differences(), areOwn, locale, a, b, weights, out);
+}
+
 [[gnu::always_inline]] inline nlsStatus compareByBytes(std::uint32_t proofs, const char *a, const char *b,
                                                        std::int16_t *out) {
     return (proofs & kWideVectors) != 0 ? avx512::compareFirstBytes(a, b, out) : compareFirstBytes(a, b, out);
 }
 
-// Many strings differ in their first bytes already.
+// Many strings differ in their first bytes already. Under mode 1 most bytes have a weight of their own.
 [[gnu::always_inline]] inline nlsStatus compareByWeights(const nlsLocale *locale, std::uint32_t proofs,
                                                          const char *a, const char *b,
-                                                         const std::uint8_t *weights, std::int16_t *out) {
+                                                         const std::uint8_t *weights, unsigned mode,
+                                                         std::int16_t *out) {
     if (*a != *b)
         if (const int order = orderOfWeights(weights[*bytesOf(a)], weights[*bytesOf(b)]); order != kUnsettled)
             return give(order, out);
-    return (proofs & kWideVectors) != 0 ? avx512::compareFirstWeights(locale, a, b, weights, out)
-                                        : compareFirstWeights(locale, a, b, weights, out);
+    const bool wide = (proofs & kWideVectors) != 0;
+    if (mode == 0 || (proofs & kOwnAsciiWeights) == 0)
+        return wide ? avx512::compareFirstWeights(locale, a, b, weights, out)
+                    : compareFirstWeights(locale, a, b, weights, out);
+    if (!wide)
+        return compareFirstOwnWeights(locale, a, b, weights, out);
+    return (proofs & kOwnWeights) != 0 ? avx512::compareFirstOwnWeights(locale, a, b, weights, out)
+                                       : avx512::compareFirstOwnAscii(locale, a, b, weights, out);
 }
 
 [[gnu::noinline]] nlsStatus compareOnFolded(const nlsLocale *locale, const char *a, const char *b,
@@ -125,7 +142,7 @@ template <typename Page>
                                                        const char *a, const char *b, std::int16_t *out) {
     if ((proofs & kByteOrder) != 0)
         return compareByWeights(locale, proofs, a, b,
-                                static_cast<const ByteCaseTable *>(locale->caseTable)->lower, out);
+                                static_cast<const ByteCaseTable *>(locale->caseTable)->lower, 0, out);
     if ((proofs & kAsciiOrder) == 0)
         return compareOnFolded(locale, a, b, out);
     if ((proofs & kUtf8Page) != 0)
@@ -142,7 +159,7 @@ nlsStatus nlsCompare(nlsLocale *locale, const char *a, const char *b, int16_t mo
     if (proofs != 0 && a != nullptr && b != nullptr && result != nullptr) [[likely]] {
         if ((proofs & kByteWeights) != 0 && (mode & ~1) == 0)
             return compareByWeights(locale, proofs, a, b, provedWeights(*locale, static_cast<unsigned>(mode)),
-                                    result);
+                                    static_cast<unsigned>(mode), result);
         if ((proofs & kBasicOrder) != 0)
             return mode != 0 ? compareByBytes(proofs, a, b, result)
                              : compareFolding(locale, proofs, a, b, result);

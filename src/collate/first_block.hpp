@@ -72,6 +72,29 @@ compareFirstWeightsBy(Places placesIn, const nlsLocale *locale, const char *a, c
     return settleByWeights(placesIn(bytesOf(a), bytesOf(b)), locale, a, b, weights, out);
 }
 
+// By weights that bytes have alone, NUL that of 0. Which string ranks first, and whether one of them ends,
+// nobody could foresee: both are settled without a jump. A blank beside an end may be the first of blanks at
+// an end. `areOwn(either)`: whether two bytes, `either` having the bits of both, have weights of their own.
+template <typename Places, typename AreOwn>
+[[gnu::always_inline]] inline nlsStatus
+compareFirstOwnWeightsBy(Places placesIn, AreOwn areOwn, const nlsLocale *locale, const char *a,
+                         const char *b, const std::uint8_t *weights, std::int16_t *out) {
+    std::uint32_t places = 0;
+    for (;; a += kAheadBytes, b += kAheadBytes) {
+        if (!canLookAhead(bytesOf(a), bytesOf(b))) [[unlikely]]
+            return compareNearPageEnd(locale, a, b, weights, out);
+        places = placesIn(bytesOf(a), bytesOf(b));
+        if (places != 0) [[likely]]
+            break;
+    }
+    a += firstOf(places);
+    b += firstOf(places);
+    const unsigned either = *bytesOf(a) | *bytesOf(b);
+    if (either == ' ' || !areOwn(either)) [[unlikely]]
+        return compareOnByWeights(locale, a, b, weights, out);
+    return give(signOf(weights[*bytesOf(a)] - weights[*bytesOf(b)]), out);
+}
+
 #else
 
 template <typename Places>
@@ -83,6 +106,11 @@ nlsStatus compareFirstWeightsBy(Places, const nlsLocale *locale, const char *a, 
                                 const std::uint8_t *weights, std::int16_t *out) {
     return compareOnByWeights(locale, a, b, weights, out);
 }
+template <typename Places, typename AreOwn>
+nlsStatus compareFirstOwnWeightsBy(Places, AreOwn, const nlsLocale *locale, const char *a, const char *b,
+                                   const std::uint8_t *weights, std::int16_t *out) {
+    return compareOnByWeights(locale, a, b, weights, out);
+}
 
 #endif
 
@@ -92,6 +120,11 @@ namespace avx512 {
 nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out);
 nlsStatus compareFirstWeights(const nlsLocale *locale, const char *a, const char *b,
                               const std::uint8_t *weights, std::int16_t *out);
+// Under mode 1, where kOwnWeights is proved; where kOwnAsciiWeights is.
+nlsStatus compareFirstOwnWeights(const nlsLocale *locale, const char *a, const char *b,
+                                 const std::uint8_t *weights, std::int16_t *out);
+nlsStatus compareFirstOwnAscii(const nlsLocale *locale, const char *a, const char *b,
+                               const std::uint8_t *weights, std::int16_t *out);
 
 } // namespace avx512
 

@@ -27,6 +27,18 @@ nlsStatus compareFirstWeights(const nlsLocale *locale, const char *a, const char
     return compareFirstWeightsBy(Differences(), locale, a, b, weights, out);
 }
 
+nlsStatus compareFirstOwnWeights(const nlsLocale *locale, const char *a, const char *b,
+                                 const std::uint8_t *weights, std::int16_t *out) {
+    return compareFirstOwnWeightsBy(
+        Differences(), [](unsigned) { return true; }, locale, a, b, weights, out);
+}
+
+nlsStatus compareFirstOwnAscii(const nlsLocale *locale, const char *a, const char *b,
+                               const std::uint8_t *weights, std::int16_t *out) {
+    return compareFirstOwnWeightsBy(
+        Differences(), [](unsigned either) { return either < 0x80; }, locale, a, b, weights, out);
+}
+
 } // namespace velnls::avx512
 
 #else
@@ -41,6 +53,14 @@ nlsStatus compareFirstBytes(const char *a, const char *b, std::int16_t *out) {
 
 nlsStatus compareFirstWeights(const nlsLocale *locale, const char *a, const char *b,
                               const std::uint8_t *weights, std::int16_t *out) {
+    return compareOnByWeights(locale, a, b, weights, out);
+}
+nlsStatus compareFirstOwnWeights(const nlsLocale *locale, const char *a, const char *b,
+                                 const std::uint8_t *weights, std::int16_t *out) {
+    return compareOnByWeights(locale, a, b, weights, out);
+}
+nlsStatus compareFirstOwnAscii(const nlsLocale *locale, const char *a, const char *b,
+                               const std::uint8_t *weights, std::int16_t *out) {
     return compareOnByWeights(locale, a, b, weights, out);
 }
 

@@ -30,6 +30,16 @@ bool bytesFold(const nlsLocale &locale) {
     return lower[0] == 0 && std::memchr(lower + 1, 0, 0xFF) == nullptr;
 }
 
+bool asciiHasOwnWeights(const std::uint8_t *weights) {
+    bool taken[0x100] = {};
+    for (unsigned byte = 0; byte != 0x80; ++byte) {
+        if (taken[weights[byte]])
+            return false;
+        taken[weights[byte]] = true;
+    }
+    return true;
+}
+
 } // namespace
 
 std::uint32_t proveOrder(const nlsLocale &locale) {
@@ -51,7 +61,9 @@ std::uint32_t proveOrder(const nlsLocale &locale) {
     }
     const bool decide = (page & kSingleBytePage) != 0 && !locale.charTable->has(file::kThroughShiftJis) &&
                         collation.caseSensitive[0] == 0 && collation.caseInsensitive[0] == 0;
-    return decide ? kByteWeights : 0;
+    if (!decide)
+        return 0;
+    return kByteWeights | (asciiHasOwnWeights(collation.caseSensitive) ? kOwnAsciiWeights : 0);
 }
 
 } // namespace velnls

@@ -14,6 +14,8 @@ inline constexpr std::uint32_t kBasicKeys = 0x0800;
 // With kBasicOrder: no character is longer than four bytes, ASCII bytes are characters of their own, and
 // their lower case by the locale's case table is that of ASCII.
 inline constexpr std::uint32_t kAsciiOrder = 0x0400;
+// With kByteWeights: under mode 1 no two bytes of ASCII have the same weight, and none but NUL the weight 0.
+inline constexpr std::uint32_t kOwnAsciiWeights = 0x2000;
 // With kBasicOrder: single bytes, and lower case by the locale's table is NUL for NUL alone: an order by
 // weights.
 inline constexpr std::uint32_t kByteOrder = 0x1000;

@@ -27,10 +27,7 @@ public:
         return characters_;
     }
     nlsStatus equal(Character a, Character b, bool &equal) const {
-        if (a.length == b.length)
-            equal = sameBytes(a.at, b.at, a.length);
-        else
-            equal = compareBytes(textOf(a), textOf(b)) == 0;
+        equal = a.length == b.length ? sameBytes(a.at, b.at, a.length) : equalWhereCut(a, b);
         return NLS_OK;
     }
     // Characters are looked for by their first bytes alone.
@@ -61,6 +58,9 @@ public:
     }
 
 private:
+    [[gnu::cold, gnu::noinline]] static bool equalWhereCut(Character a, Character b) {
+        return compareBytes(textOf(a), textOf(b)) == 0;
+    }
     static bool sameBytes(const std::uint8_t *a, const std::uint8_t *b, unsigned length) {
         for (unsigned i = 0; i < length; ++i)
             if (a[i] != b[i])

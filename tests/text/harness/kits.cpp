@@ -13,6 +13,10 @@ World::World(std::size_t misalignment) : library(worldFile(), 600000, misalignme
     add("1252 german", Script::Latin, "1252", "german", nullptr);
     add("1252 literal", Script::Latin, "1252", "literal", "basic");
     add("1252 other kind", Script::Latin, "1252", "other", nullptr);
+    add("1252 own weights", Script::Latin, "1252", "own", "basic");
+    add("1252 plain letters", Script::Latin, "1252", "plain letters", "basic");
+    add("1252 marks alike", Script::Latin, "1252", "marks alike", nullptr);
+    add("1252 a mark expands", Script::Latin, "1252", "a mark expands", nullptr);
     add("1252 BASIC", Script::Latin, "1252", "basic", "basic");
     add("1252 BASIC, letters lost in lower case", Script::Latin, "1252", "basic", "losing");
     add("1252 BASIC without case table", Script::Latin, "1252", "basic", nullptr);
@@ -41,9 +45,7 @@ void World::add(const std::string &name, Script script, const char *page, const 
     case Script::Latin:
         made.twin.characters = latinPage();
         if (!basic)
-            made.twin.collation = std::string_view(collation) == "literal"  ? literalWeights()
-                                  : std::string_view(collation) == "german" ? germanWeights()
-                                                                            : germanWeights(9, 0);
+            made.twin.collation = latinWeights(collation);
         break;
     case Script::Thai:
         made.twin.characters = CharacterTable::singleByte();

@@ -170,6 +170,30 @@ fixture::CollationTable literalWeights() {
     return table;
 }
 
+fixture::CollationTable latinWeights(std::string_view name) {
+    if (name == "german")
+        return germanWeights();
+    if (name == "literal")
+        return literalWeights();
+    if (name == "other")
+        return germanWeights(9, 0);
+    CollationTable table;
+    for (fixture::ByteTable *const weights : {&table.sensitive, &table.insensitive}) {
+        for (unsigned b = 1; b < 256; ++b)
+            (*weights)[b] = byteOf((b + 0x40 - 1) % 255 + 1); // bytes from C0 up come first
+        if (name == "plain letters")
+            for (unsigned b = 0xE0; b <= 0xE5; ++b)
+                (*weights)[b] = (*weights)[unsigned{'a'}];
+        if (name == "marks alike")
+            (*weights)[unsigned{'-'}] = (*weights)[unsigned{'0'}];
+        if (name == "a mark expands")
+            (*weights)[unsigned{'~'}] = 0;
+    }
+    for (unsigned b = 'a'; b <= 'z'; ++b)
+        table.insensitive[b] = table.insensitive[b - 0x20];
+    return table;
+}
+
 fixture::CollationTable thaiWeights() {
     CollationTable table;
     table.kind = 4;
@@ -221,9 +245,8 @@ fixture::DataFile worldFile() {
     for (const char *const page : {"1252", "SHIFT-JIS", "EUCJIS", "UTF-8", "LONG"})
         file.collation(page, "basic", basic);
     file.collation("620-2533", "basic", thaiWeights());
-    file.collation("1252", "german", germanWeights());
-    file.collation("1252", "other", germanWeights(9, 0));
-    file.collation("1252", "literal", literalWeights());
+    for (const char *const name : kLatinTables)
+        file.collation("1252", name, latinWeights(name));
     for (const char *const page : {"SHIFT-JIS", "EUCJIS"})
         file.collation(page, "weights", japaneseWeights());
     file.collation("UTF-8", "weights", germanWeights());

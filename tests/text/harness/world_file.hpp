@@ -3,6 +3,8 @@
 
 #include "data_file.hpp"
 
+#include <string_view>
+
 namespace kit {
 
 using fixture::Bytes;
@@ -18,6 +20,11 @@ fixture::UnicodeCase unicodeCase();
 fixture::UnicodeCase commonCase(); // all that the fast kernels are for
 fixture::CollationTable germanWeights(unsigned char kind = 1, unsigned char variant = 1);
 fixture::CollationTable literalWeights(); // identity, so that S is 53 and the blank 20; DF expands to "SS"
+// Tables of 1252 by name: the two above, "other" of another kind, and those with a weight of its own for
+// every byte, for every byte of ASCII, and for neither, in two ways.
+inline constexpr const char *kLatinTables[] = {"german",        "literal",     "other",         "own",
+                                               "plain letters", "marks alike", "a mark expands"};
+fixture::CollationTable latinWeights(std::string_view name);
 fixture::CollationTable thaiWeights();
 fixture::CollationTable japaneseWeights();
 
