@@ -103,7 +103,7 @@ public:
         : result_(out, locale.header.proofs), where_(where), replacement_(replacement), count_(count) {}
 
     // Replaces a match behind the ones before. Null where no room is left; otherwise the match's end.
-    const std::uint8_t *replace(const Match &match) {
+    [[gnu::noinline]] const std::uint8_t *replace(const Match &match) {
         if (insteadEnd_ == nullptr)
             insteadEnd_ = bytesOf(replacement_) + std::strlen(replacement_);
         status_ = written_ == nullptr ? result_.begin(where_, match.at) : result_.append(written_, match.at);
@@ -115,24 +115,6 @@ public:
         written_ = match.end;
         ++count_;
         return written_;
-    }
-    // All of a text of one block at once, with the matches that were found in it. False where that is not for
-    // the text or for the room: then nothing has changed.
-    bool replaceShortly(const ShortPlaces &found, std::uint32_t proofs) {
-        if ((proofs & kWideVectors) == 0)
-            return false;
-        const std::uint8_t *const end = where_ + found.textLength();
-        insteadEnd_ = bytesOf(replacement_) + std::strlen(replacement_);
-        const avx512::ByteReplacement by{nullptr, found.patternLength(), bytesOf(replacement_),
-                                         insteadEnd_ - bytesOf(replacement_), false};
-        if (by.insteadLength > by.kMost || by.longestOf(end - where_) >= result_.size())
-            return false;
-        result_.clear();
-        avx512::ReplacedText text{where_, where_, end, result_.end(), 0};
-        avx512::replaceShort(by, found.places, text);
-        result_.endAt(text.out);
-        count_ = text.count;
-        return true;
     }
     // Replaces matches as a search finds them.
     MatchTaker taker() {
@@ -277,11 +259,8 @@ nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char *replace
 
 namespace {
 
-// Replaces what was found in a text of one block.
-nlsStatus replaceAt(ShortPlaces found, const std::uint8_t *text_, std::uint32_t proofs,
-                    Replacing &replacing) {
-    if (found.places != 0 && replacing.replaceShortly(found, proofs))
-        return NLS_OK;
+// Replaces what was found in a short text.
+nlsStatus replaceAt(ShortPlaces found, const std::uint8_t *text_, Replacing &replacing) {
     for (std::uint64_t left = found.places; left != 0;) {
         const unsigned place = static_cast<unsigned>(__builtin_ctzll(left));
         const std::uint8_t *const at = text_ + place;
@@ -309,13 +288,13 @@ nlsStatus replaceAt(ShortPlaces found, const std::uint8_t *text_, std::uint32_t 
     return status != NLS_OK ? status : replacing.finish(where.end);
 }
 
-// Where a short text has matches, or one block does not settle it. A function of its own, so that a text
-// without any does not pay for what this keeps.
+// Piece by piece, where one block settles neither the text nor the room. A function of its own, so that
+// others do not pay for what this keeps.
 [[gnu::noinline]] nlsStatus replaceAny(const nlsLocale &locale, const char *pattern, const char *replacement,
                                        const char *text_, unsigned mode, ShortPlaces brief, nlsStr &out,
                                        std::uint32_t &count) {
     Replacing replacing(locale, bytesOf(text_), replacement, out, count);
-    return brief.settled() ? replaceAt(brief, bytesOf(text_), locale.header.proofs, replacing)
+    return brief.settled() ? replaceAt(brief, bytesOf(text_), replacing)
                            : replaceByPage(locale, pattern, text_, mode, replacing);
 }
 
@@ -334,5 +313,8 @@ nlsStatus nlsReplaceAll(nlsLocale *locale, const char *pattern, const char *repl
     const ShortPlaces brief = fast::placesIn(*locale, bytesOf(pattern), bytesOf(text_), caseFlag);
     if (brief.settled() && brief.places == 0)
         return OutText(*out, locale->header.proofs).copy(bytesOf(text_), bytesOf(text_) + brief.textLength());
+    if (brief.settled() && (locale->header.proofs & kWideVectors) != 0 &&
+        avx512::replaceShort(brief, bytesOf(text_), bytesOf(replacement), *out, *count))
+        return NLS_OK;
     return replaceAny(*locale, pattern, replacement, text_, caseFlag, brief, *out, *count);
 }

@@ -29,10 +29,18 @@ template <typename Masks>
     return length < kFour || !nothingReachesAcross(loadNumber<std::uint32_t>(text + length - kFour));
 }
 
-// Whether every byte of a text below `end` is a character.
+// The places of a text that a byte before may announce as a trail byte of its character: at any other one a
+// character begins.
 template <typename Masks>
-[[gnu::always_inline]] inline bool isOfBytes(ShortPage page, const Masks &text, std::uint64_t end) {
-    return page == ShortPage::Bytes || (text.high() & (end - 1)) == 0;
+[[gnu::always_inline]] inline std::uint64_t mayBeInside(ShortPage page, const Masks &text) {
+    if (page == ShortPage::Bytes)
+        return 0;
+    const std::uint64_t high = text.high();
+    if (page != ShortPage::Utf8)
+        return high << 1;
+    if (!Masks::kMaps) // without AVX-512 three more masks take more code than the texts between are worth
+        return high << 1 | high << 2 | high << 3;
+    return text.atLeast(0xC0) << 1 | text.atLeast(0xE0) << 2 | text.atLeast(0xF0) << 3;
 }
 
 // As shortPlacesBy(); on a page of other characters than pairs unsettled also where only the bytes stand.
@@ -44,8 +52,9 @@ template <typename Masks>
         text, [=](const Masks &masks, std::uint64_t end, ShortPlaces found) __attribute__((always_inline)) {
             if (matching.page == ShortPage::Pairs)
                 return atCharacters(matching, masks, end, found);
-            const bool unsettled = found.places != 0 ? !isOfBytes(matching.page, masks, end)
-                                                     : mayBeCut(matching, masks, end, text);
+            const bool unsettled = found.places != 0
+                                       ? (mayBeInside(matching.page, masks) & (found.places | end)) != 0
+                                       : mayBeCut(matching, masks, end, text);
             return unsettled ? kUnsettledPlaces : found;
         });
 }
@@ -60,15 +69,15 @@ template <typename Masks>
             const std::uint64_t last = read.patternEnd >> 1;
             const std::uint64_t next = lowestOf((read.any & (read.any - 1)) | read.patternEnd);
             const unsigned length = placeOf(next) - 1;
-            bool stands = length == 0;
-            if (!stands &&
+            std::uint64_t places = length == 0 ? 1 : 0;
+            if (length != 0 &&
                 ((read.any & last) != 0 || (read.sought.placesOf(placeOf(last)) & read.end >> 1) != 0))
-                stands = read.sought.places(1, length, read.end) != 0;
+                places = read.sought.places(1, length, read.end);
             // By its own bytes alone a character that is cut matches none of the pattern, see mayMeetCut().
-            if (!stands &&
+            if (places == 0 &&
                 (read.order == ShortOrder::Bytes || !mayBeCut(matching, read.masks, read.end, text)))
                 return ShortLike::No;
-            return stands && next == last && isOfBytes(matching.page, read.masks, read.end)
+            return next == last && (places & ~mayBeInside(matching.page, read.masks)) != 0
                        ? ShortLike::Yes
                        : ShortLike::BytesStand;
         });

@@ -199,6 +199,23 @@ TEST(AgainstTwins, ReplaceAll) {
     });
 }
 
+// Short texts are put down by blocks where those end in the room.
+TEST(AgainstTwins, ReplaceAllInShortTextsWithRoomBehind) {
+    onEveryPage(6000, [](const MatchPage &page, Maker &maker, std::uint16_t mode) {
+        const std::string text = maker.text(lengthFor(maker));
+        const std::string pattern = maker.pattern(text, 3);
+        if (pattern.empty())
+            return;
+        const std::string instead = maker.characters(maker.below(4) == 0 ? 60 : 5);
+        const auto bytes = static_cast<std::uint32_t>(text.size() + instead.size());
+        const model::Out before = fixture::emptyOut(bytes + maker.below(bytes + 150));
+        ASSERT_TRUE(same(model::replaceAll(page.page, pattern, instead, text, mode, before),
+                         fixture::replaceAll(page.page, pattern, instead, text, mode, before)))
+            << "pattern " << shown(pattern) << "by " << shown(instead) << "text " << shown(text) << "size "
+            << before.size;
+    });
+}
+
 // Long texts are replaced by blocks where the room is sure to do.
 TEST(AgainstTwins, ReplaceAllInLongTexts) {
     onEveryPage(3000, [](const MatchPage &page, Maker &maker, std::uint16_t mode) {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 using fixture::emptyOut;
@@ -83,6 +85,44 @@ TEST(ReplaceAll, EveryOccurrenceIsReplacedAndCounted) {
     out = fixture::replaceAll(plain(), "x", "y", "banana", 1, emptyOut(20));
     EXPECT_EQ(textOf(out), "banana");
     EXPECT_EQ(out.count, 0U);
+}
+
+TEST(ReplaceAll, OfMatchesThatOverlapTheFirstOneCounts) {
+    for (const std::uint32_t size : {7U, 200U}) {
+        const model::Out pairs = fixture::replaceAll(plain(), "aa", "b", "aaaaa", 1, emptyOut(size));
+        EXPECT_EQ(textOf(pairs), "bba") << size;
+        EXPECT_EQ(pairs.count, 2U) << size;
+        const model::Out rings = fixture::replaceAll(plain(), "aba", "-", "ababaaba", 1, emptyOut(size));
+        EXPECT_EQ(textOf(rings), "-ba-") << size;
+        EXPECT_EQ(rings.count, 2U) << size;
+    }
+}
+
+// Every number of matches up to all that a short text may have, each replacement up to more than a block, and
+// the least room in which blocks are put down as well as one byte less.
+TEST(ReplaceAll, ShortTextsWithAnyNumberOfMatchesAndAnyReplacement) {
+    for (std::uint32_t matches = 1; matches <= 60; matches += matches < 12 ? 1 : 8)
+        for (const std::uint32_t apart : {0U, 1U, 4U}) {
+            std::string text;
+            for (std::uint32_t i = 0; i < matches && text.size() + apart < 63; ++i)
+                text += std::string(apart, static_cast<char>('b' + i % 20)) + "a";
+            for (std::size_t length = 0; length <= 66; length += length < 10 ? 1 : 7) {
+                const std::string instead(length, 'X');
+                std::string expected;
+                for (const char byte : text)
+                    expected += byte == 'a' ? instead : std::string(1, byte);
+                for (const std::uint32_t more : {1U, 63U, 64U, 300U}) {
+                    const auto size = static_cast<std::uint32_t>(expected.size()) + more;
+                    const model::Out out =
+                        fixture::replaceAll(plain(), "a", instead, text, 1, emptyOut(size));
+                    ASSERT_EQ(out.status, NLS_OK) << text << " by " << length << " in " << size;
+                    ASSERT_EQ(textOf(out), expected) << text << " by " << length << " in " << size;
+                    ASSERT_EQ(out.length, expected.size());
+                    ASSERT_EQ(out.buffer[expected.size()], 0);
+                    ASSERT_EQ(out.count, std::count(text.begin(), text.end(), 'a'));
+                }
+            }
+        }
 }
 
 TEST(ReplaceAll, AReplacementThatDoesNotFitEndsReplacingAndTheRestFollows) {
