@@ -97,7 +97,7 @@ template <typename Masks>
     const ShortOrder order = wanted.orderIn(matching, masks, end);
     if (any == 0 || order == ShortOrder::Unknown)
         return ShortLike::Unsettled;
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
+    const ShortSought<Masks> sought(masks, wanted, pattern, order, matching.weights());
     const std::uint64_t others = ~(sought.same() & (end - 1)) & (lowestOf(any) - 1);
     if (others == 0)
         return any << 1 == wanted.end ? ShortLike::Yes : ShortLike::Unsettled;

@@ -158,21 +158,24 @@ struct ShortPattern {
 template <typename Masks>
 class ShortSought {
 public:
-    // `at`: the pattern.
-    [[gnu::always_inline]] ShortSought(const Masks &text, const Masks &pattern, const std::uint8_t *at,
-                                       ShortOrder order, const std::uint8_t *weights)
-        : text_(ordered(text, order, weights)), pattern_(ordered(pattern, order, weights)), at_(at),
-          order_(order) {}
+    // `at`: where the pattern stands, which has been divided.
+    [[gnu::always_inline]] ShortSought(const Masks &text, const ShortPattern<Masks> &pattern,
+                                       const std::uint8_t *at, ShortOrder order, const std::uint8_t *weights)
+        : text_(ordered(text, order, weights)), pattern_(ordered(pattern.masks, order, weights)),
+          trails_(pattern.trails), at_(at), order_(order) {}
 
     // Where `length` bytes of the pattern stand, at least one, the first of them at `from`, that end below
     // `end`, a bit.
     [[nodiscard]] [[gnu::always_inline]] std::uint64_t places(unsigned from, unsigned length,
                                                               std::uint64_t end) const {
-        std::uint64_t found = (placesOf(from + length - 1) & (end - 1)) >> (length - 1);
-        if (length > 1)
-            found &= placesOf(from);
+        // The last bytes of the first and of the last character: those of one script begin alike.
+        const unsigned near = placeOf(~(trails_ >> from >> 1));
+        const unsigned far = length - 1;
+        std::uint64_t found = (placesOf(from + far) & (end - 1)) >> far;
+        if (near != far)
+            found &= placesOf(from + near) >> near;
         // Mostly nothing is left here.
-        for (unsigned i = 1; found != 0 && i + 1 < length; ++i)
+        for (unsigned i = near == 0 ? 1 : 0; found != 0 && i < far; ++i)
             found &= placesOf(from + i) >> i;
         return found;
     }
@@ -206,6 +209,7 @@ private:
 
     Masks text_;
     Masks pattern_;
+    std::uint64_t trails_;
     const std::uint8_t *at_;
     ShortOrder order_;
 };
@@ -234,7 +238,7 @@ template <typename Masks, typename Settle>
     if (order == ShortOrder::Unknown)
         return kUnsettledPlaces;
     const unsigned length = placeOf(wanted.end);
-    const ShortSought<Masks> sought(masks, wanted.masks, pattern, order, matching.weights());
+    const ShortSought<Masks> sought(masks, wanted, pattern, order, matching.weights());
     return settle(masks, end, settledPlaces(sought.places(0, length, end), length, placeOf(end)));
 }
 
@@ -316,7 +320,7 @@ template <typename Masks, typename Settle>
     if (order == ShortOrder::Unknown)
         return ShortLike::Unsettled;
     return settle(ShortLikeRead<Masks>{
-        masks, end, any, wanted.end, order, {masks, wanted.masks, pattern, order, matching.weights()}});
+        masks, end, any, wanted.end, order, {masks, wanted, pattern, order, matching.weights()}});
 }
 
 template <typename Masks>
