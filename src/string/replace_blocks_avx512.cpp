@@ -120,6 +120,15 @@ void replaceBlocks(const ByteReplacement &by, ReplacedText &text) {
     BlockReplacing(by, text).goOn(text);
 }
 
+#else
+
+// Never called on other processors.
+void replaceBlocks(const ByteReplacement &, ReplacedText &) {}
+
+#endif
+
+#if defined(VELNLS_AVX512_KERNELS) && defined(VELNLS_READS_AHEAD)
+
 namespace {
 
 // The numbers of a block's bytes.
@@ -182,8 +191,7 @@ bool replaceShort(ShortPlaces found, const std::uint8_t *text, const std::uint8_
 
 #else
 
-// Never called on other processors.
-void replaceBlocks(const ByteReplacement &, ReplacedText &) {}
+// Never called: no text is settled as a short one.
 bool replaceShort(ShortPlaces, const std::uint8_t *, const std::uint8_t *, nlsStr &, std::uint32_t &) {
     return false;
 }
