@@ -103,7 +103,7 @@ struct ShortPattern {
     // Whether characters that match under the case of ASCII do so by their bytes, changed as ASCII or as they
     // are: `order` becomes which. It has been divided.
     [[gnu::always_inline]] bool foldsAsAscii(ShortPage page, ShortOrder &order) const {
-        if (high() == 0)
+        if (high() == 0) [[unlikely]] // the others have more to do, and go straight on
             return true;
         if (page == ShortPage::Bytes)
             return false;
@@ -113,9 +113,8 @@ struct ShortPattern {
         // Characters of two bytes equal themselves alone, and their second byte may look like a letter;
         // single bytes that are not ASCII fold by the table.
         order = ShortOrder::Bytes;
-        const std::uint64_t pairs = trails | trails >> 1;
-        const std::uint64_t letters = masks.lowered().inRange('a', 25) & (end - 1);
-        return ((high() | letters) & ~pairs) == 0;
+        const std::uint64_t single = ~(trails | trails >> 1) & (end - 1);
+        return single == 0 || ((high() | masks.lowered().inRange('a', 25)) & single) == 0;
     }
     // Whether it may match capital I with dot, which may fold to "i".
     [[nodiscard]] [[gnu::always_inline]] bool mayMeetDottedI(ShortPage page) const {
