@@ -2,9 +2,6 @@
 // AVX-512, where characters match by their bytes.
 #pragma once
 
-#include "string/short_match.hpp"
-#include "velnls.h"
-
 #include <cstdint>
 
 namespace velnls::avx512 {
@@ -40,12 +37,5 @@ struct ReplacedText {
 // Replaces as far as whole blocks go. Stops earlier before a place where a broken character may reach across
 // it: that place may lie inside the character. Call it only where kWideVectors is proved.
 void replaceBlocks(const ByteReplacement &replacement, ReplacedText &text);
-
-// Puts a text that was settled as a short one into a string, the pattern's places in it replaced; of places
-// that overlap the first one counts. False, and nothing has changed, where text and replacement are longer
-// than a block together or the room ends less than a block behind the result: bytes there may be written
-// over.
-bool replaceShort(ShortPlaces found, const std::uint8_t *text, const std::uint8_t *replacement, nlsStr &out,
-                  std::uint32_t &count);
 
 } // namespace velnls::avx512

@@ -3,6 +3,7 @@
 #include "locale/text.hpp"
 #include "string/out_text.hpp"
 #include "string/replace_blocks.hpp"
+#include "string/replace_short.hpp"
 #include "string/search.hpp"
 #include "string/short_match_fast.hpp"
 
