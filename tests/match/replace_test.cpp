@@ -157,6 +157,19 @@ TEST(ReplaceAll, ARestThatDoesNotFitIs2AndLeavesTheStringBlank) {
     EXPECT_EQ(out.buffer[1], ' ');
 }
 
+TEST(ReplaceAll, ASizeThatIsNegativeAsASignedNumberHasNoRoom) {
+    for (const char *const text : {"banana", "no such letter"})
+        for (const std::uint32_t size : {0x8000'0000U, 0xFFFF'FFFFU}) {
+            char buffer[400] = "kept";
+            nlsStr out{buffer, size, 0};
+            std::uint32_t count = 7;
+            EXPECT_EQ(nlsReplaceAll(plain().locale, *text == 'b' ? "a" : "q", "xy", text, 1, &out, &count),
+                      NLS_E_BUFFER)
+                << text << " " << size;
+            EXPECT_EQ(count, 0U);
+        }
+}
+
 TEST(ReplaceAll, AnEmptyPatternIsRefused) {
     const model::Out out = fixture::replaceAll(plain(), "", "x", "banana", 1, emptyOut(20));
     EXPECT_EQ(out.status, NLS_E_NULLARG);

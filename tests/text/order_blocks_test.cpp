@@ -165,6 +165,31 @@ TEST(OrderBlocks, LettersBehindLeadBytesAreCharactersOnlyWherePlainWalksFindThem
     }
 }
 
+TEST(OrderBlocks, AnyTwoBytesSettleStringsThatBeginAlikeAsInThePlainWalk) {
+    World world(1);
+    Place left;
+    Place right;
+    const Bytes begin = {'k', 'k'};
+    for (const Kit &one : world.kits) {
+        if (one.script != kit::Script::Latin)
+            continue;
+        for (unsigned byteA = 0; byteA < 256; ++byteA) {
+            const Bytes a = byteA == 0 ? begin : begin + Bytes{fixture::byteOf(byteA)};
+            const char *const textA = left.putInside(a);
+            for (unsigned byteB = 0; byteB < 256; ++byteB) {
+                const Bytes b = byteB == 0 ? begin : begin + Bytes{fixture::byteOf(byteB)};
+                const char *const textB = right.putInside(b);
+                for (const std::int16_t mode : kit::kModes) {
+                    std::int16_t result = 77;
+                    ASSERT_EQ(nlsCompare(one.locale, textA, textB, mode, &result), NLS_OK);
+                    ASSERT_EQ(result, model::compare(one.twin, a, b, static_cast<std::uint16_t>(mode)).result)
+                        << one.name << ": " << hex(a) << " " << hex(b) << " mode " << mode;
+                }
+            }
+        }
+    }
+}
+
 TEST(OrderBlocks, BoundsEndStringsInEveryBlock) {
     Place left;
     Place right;
