@@ -165,7 +165,7 @@ TEST(OrderBlocks, LettersBehindLeadBytesAreCharactersOnlyWherePlainWalksFindThem
     }
 }
 
-TEST(OrderBlocks, AnyTwoBytesSettleStringsThatBeginAlikeAsInThePlainWalk) {
+TEST(OrderBlocks, AnyTwoBytesBehindTheSameBeginningAreAsInThePlainWalk) {
     World world(1);
     Place left;
     Place right;
@@ -174,10 +174,11 @@ TEST(OrderBlocks, AnyTwoBytesSettleStringsThatBeginAlikeAsInThePlainWalk) {
         if (one.script != kit::Script::Latin)
             continue;
         for (unsigned byteA = 0; byteA < 256; ++byteA) {
-            const Bytes a = byteA == 0 ? begin : begin + Bytes{fixture::byteOf(byteA)};
+            // Where bytes are equal, what follows decides.
+            const Bytes a = byteA == 0 ? begin : begin + Bytes{fixture::byteOf(byteA), '1'};
             const char *const textA = left.putInside(a);
             for (unsigned byteB = 0; byteB < 256; ++byteB) {
-                const Bytes b = byteB == 0 ? begin : begin + Bytes{fixture::byteOf(byteB)};
+                const Bytes b = byteB == 0 ? begin : begin + Bytes{fixture::byteOf(byteB), '2'};
                 const char *const textB = right.putInside(b);
                 for (const std::int16_t mode : kit::kModes) {
                     std::int16_t result = 77;
