@@ -1238,7 +1238,8 @@ NLS_API nlsStatus nlsSearchBack(nlsLocale *locale, const char *pattern, const ch
  * nlsReplace() copies 'text' to 'out' with the first occurrence of 'pattern' replaced by 'replacement'.
  *
  * '*position', '*endOffset' and '*found' report the match in 'text', as nlsSearchForw does. Without a match
- * 'out' receives the text as it is. An empty pattern gives the text and the replacement behind it.
+ * 'out' receives the text as it is. An empty pattern gives the text and the replacement behind it. The
+ * buffer of 'out' must not overlap the strings.
  *
  * Returns:
  *   13, 24, 16, 27, -4 and the statuses of nlsCompareN as nlsSearchForw
@@ -1255,7 +1256,8 @@ NLS_API nlsStatus nlsReplace(nlsLocale *locale, const char *pattern, const char 
 
 /*
  * nlsReplaceAll() copies 'text' to 'out' with every occurrence of 'pattern' replaced by 'replacement';
- * '*count' receives how many were replaced. Matches do not overlap.
+ * '*count' receives how many were replaced. Matches do not overlap. The buffer of 'out' must not overlap the
+ * strings, and what stands in it behind the result's NUL, within its size, may be written over.
  *
  * When a replacement or the text before it does not fit, replacing stops and the rest of the text follows
  * as it is: the call returns 0 when that fits, and '*count' tells.

@@ -179,9 +179,9 @@ std::size_t writeWeightKey(const WeightOrder &order, Expansion expansion, Text t
     return writeKey(PlainBytes(text), *order.chars, order, expansion, key, room);
 }
 
-std::size_t writeWeightKeyThroughShiftJis(const WeightOrder &order, const ShiftJisWay &way,
-                                          Expansion expansion, Text text, std::uint8_t *key,
-                                          std::size_t room) {
+[[gnu::cold]] std::size_t writeWeightKeyThroughShiftJis(const WeightOrder &order, const ShiftJisWay &way,
+                                                        Expansion expansion, Text text, std::uint8_t *key,
+                                                        std::size_t room) {
     return writeKey(ShiftJisBytes(*order.chars, way, text), *way.chars, order, expansion, key, room);
 }
 

@@ -47,10 +47,6 @@ public:
         string_.length = string_.size;
         return blank(NLS_E_BUFFER);
     }
-    // Empties the string, for a text that fits in any case: nothing is written.
-    void clear() {
-        string_.length = 0;
-    }
     // Leaves the string as it was when the piece does not fit.
     nlsStatus append(const std::uint8_t *from, const std::uint8_t *to) {
         // The room can be -1, and then not even an empty piece fits.
@@ -63,9 +59,6 @@ public:
     // NUL's, and up to where it then goes.
     [[nodiscard]] char *end() const {
         return string_.buffer + string_.length;
-    }
-    [[nodiscard]] std::int64_t size() const {
-        return static_cast<std::int32_t>(string_.size);
     }
     [[nodiscard]] std::int64_t room() const {
         return std::int64_t{static_cast<std::int32_t>(string_.size)} -

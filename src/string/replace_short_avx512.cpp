@@ -42,6 +42,8 @@ bool replaceShort(ShortPlaces found, const std::uint8_t *text, const std::uint8_
     const std::int64_t matches = _mm_popcnt_u64(left);
     const std::int64_t growth = static_cast<std::int64_t>(insteadLength) - patternLength;
     const std::int64_t length = textLength + matches * growth;
+    // With both in a block, every byte that is taken is numbered below 64, and so is the replacement's
+    // length.
     if (textLength + insteadLength > kBlock || insteadLength == inPage ||
         length + kBlock > static_cast<std::int32_t>(out.size))
         return false;
