@@ -10,7 +10,6 @@ namespace velnls::avx512 {
 namespace {
 
 constexpr std::int64_t kBlock = sizeof(Vector);
-constexpr int kAtOnce = 4;           // matches, which most short texts have at most
 constexpr std::int64_t kAhead = 512; // bytes: long texts and their copies are waited for else
 
 // Bytes that a text still has where a block of it is looked at. A match begins in the block and ends at most
